@@ -1,0 +1,44 @@
+# What every target of the project is compiled with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(quermo_options INTERFACE)
+target_compile_options(quermo_options INTERFACE -Wall -Wextra -Wconversion)
+if(QUERMO_WERROR)
+  target_compile_options(quermo_options INTERFACE -Werror)
+endif()
+if(QUERMO_SANITIZE)
+  target_compile_options(quermo_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(quermo_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# A static library of the project: its headers are included by their path from the root of their
+# tree ("platform/ado/Connection.h", "engine/session.h").
+function(quermo_library name)
+  cmake_parse_arguments(ARG "" "ROOT" "SOURCES;LINK" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC "${ARG_ROOT}")
+  target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE quermo_options)
+endfunction()
+
+# A GoogleTest program; its tests run one ctest entry for the whole program, since a program's
+# fixtures share one start of the practice server.
+function(quermo_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;ENV" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gtest quermo_options)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${ARG_ENV}")
+endfunction()
