@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace ado {
+
+class Session;
+
+/// A session with a server. Not copyable: what has been assigned to is the new session, and the old one
+/// closes once no recordset of it waits for further results. Recordsets stay readable without it.
+///
+/// Every failure is a basic::RuntimeError: the server's own number and message, or for faults of the
+/// client side 17 (no server, name unknown, access refused by the network), -2147217871 (time-out),
+/// -2147467259 (connection lost or unusable answer), 3704 to 3709 (closed, open already, no connection).
+/// Used from one thread at a time.
+class Connection
+{
+public:
+    Connection();
+    ~Connection();
+    Connection(Connection&&) noexcept;
+    Connection& operator=(Connection&&) noexcept;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    /// Seconds that one statement may run, counted from its sending to the end of its results; 0 is
+    /// without limit. 30 at first. Takes effect with the next statement.
+    void setCommandTimeout(int seconds);
+    [[nodiscard]] int CommandTimeout() const;
+    /// Seconds that connecting may take; 15 at first.
+    void setConnectionTimeout(int seconds);
+    [[nodiscard]] int ConnectionTimeout() const;
+
+    /// Connects by an OLE DB connection string. `user` and `password`, when not empty, replace those of
+    /// the string. `options` has no effect.
+    void Open(const QString& text, const QString& user = {}, const QString& password = {}, int options = -1);
+
+    /// 0 when closed, also after the server has gone; 1 when open.
+    [[nodiscard]] int State() const;
+
+    /// Closes, which undoes what stands in an open transaction. Closing a closed connection is no error.
+    void Close();
+
+    /// Runs a text to the end of its last result and drops the rows. The first error among its results
+    /// is raised after the last. `affected` receives the rows that the last counting statement changed,
+    /// -1 when none counted.
+    void Execute(const QString& text, qint64* affected = nullptr, int options = -1);
+
+    /// Transactions nest as the server nests them: a rollback undoes all levels.
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
+    /// What the server said beside errors (PRINT, low severities) during the last Execute, in order.
+    [[nodiscard]] QStringList Messages() const;
+
+private:
+    friend class Recordset;
+    friend class Command;
+
+    /// The session; raises 3709 without one.
+    [[nodiscard]] const std::shared_ptr<Session>& session() const;
+
+    std::shared_ptr<Session> m_session;
+    QStringList m_messages;
+    int m_commandTimeout = 30;
+    int m_connectionTimeout = 15;
+};
+
+} // namespace ado

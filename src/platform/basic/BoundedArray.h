@@ -1,0 +1,142 @@
+#pragma once
+
+#include "platform/basic/RuntimeError.h"
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace basic {
+
+/// What happened to an array that a grid shows.
+struct ArrayChange
+{
+    enum class Kind
+    {
+        Reshaped,
+        Cell
+    };
+
+    Kind kind;
+    int row = -1;    ///< of the cell; -1 when reshaped
+    int column = -1; ///< of the cell; -1 when reshaped
+};
+
+/// Keeps a listener registered for as long as it lives; it may outlive the array.
+using ArraySubscription = std::shared_ptr<const std::function<void(const ArrayChange&)>>;
+
+/// Two dimensions with the lower bound 0 and a settable upper bound each. A new array has no elements.
+/// Any row or column outside the bounds, negative ones too, raises error 9 (Subscript out of range).
+///
+/// `a(r, c) = value` and `set(r, c, value)` tell the listeners; `a.at(r, c)` only reads. What stands in a
+/// cell is read with `at()`, or through the conversion of `a(r, c)` to `const T&`, or with `a(r, c)->`.
+/// Copies take the elements and no listeners.
+template <class T>
+class BoundedArray2
+{
+public:
+    /// A cell that can be assigned to; short-lived, it refers to the array.
+    class Cell
+    {
+    public:
+        Cell& operator=(T value)
+        {
+            m_array.set(m_row, m_column, std::move(value));
+            return *this;
+        }
+        Cell& operator=(const Cell& other) { return *this = T(static_cast<const T&>(other)); }
+        Cell(const Cell&) = default;
+        ~Cell() = default;
+        operator const T&() const { return m_array.at(m_row, m_column); }
+        const T* operator->() const { return &m_array.at(m_row, m_column); }
+
+    private:
+        friend class BoundedArray2;
+        Cell(BoundedArray2& array, int row, int column) : m_array(array), m_row(row), m_column(column)
+        {
+            static_cast<void>(array.at(row, column));
+        }
+
+        BoundedArray2& m_array;
+        int m_row;
+        int m_column;
+    };
+
+    BoundedArray2() = default;
+    BoundedArray2(int lastRow, int lastColumn) { Redim(lastRow, lastColumn); }
+    BoundedArray2(const BoundedArray2& other)
+        : m_lastRow(other.m_lastRow), m_lastColumn(other.m_lastColumn), m_cells(other.m_cells)
+    {}
+    BoundedArray2& operator=(const BoundedArray2& other)
+    {
+        m_lastRow = other.m_lastRow;
+        m_lastColumn = other.m_lastColumn;
+        m_cells = other.m_cells;
+        notify({ArrayChange::Kind::Reshaped});
+        return *this;
+    }
+    ~BoundedArray2() = default;
+
+    /// Sets the upper bounds and clears every element. -1 leaves the dimension without elements; less
+    /// raises error 9.
+    void Redim(int lastRow, int lastColumn)
+    {
+        if (lastRow < -1 || lastColumn < -1)
+            raise(error::Subscript);
+        m_cells.assign(static_cast<std::size_t>(lastRow + 1) * static_cast<std::size_t>(lastColumn + 1), T{});
+        m_lastRow = lastRow;
+        m_lastColumn = lastColumn;
+        notify({ArrayChange::Kind::Reshaped});
+    }
+
+    [[nodiscard]] int lastRow() const { return m_lastRow; }
+    [[nodiscard]] int lastColumn() const { return m_lastColumn; }
+
+    [[nodiscard]] const T& at(int row, int column) const { return m_cells[index(row, column)]; }
+    const T& operator()(int row, int column) const { return at(row, column); }
+    Cell operator()(int row, int column) { return Cell(*this, row, column); }
+
+    void set(int row, int column, T value)
+    {
+        m_cells[index(row, column)] = std::move(value);
+        notify({ArrayChange::Kind::Cell, row, column});
+    }
+
+    /// Calls `listener` after every change until the returned token is dropped.
+    [[nodiscard]] ArraySubscription subscribe(std::function<void(const ArrayChange&)> listener)
+    {
+        auto token = std::make_shared<const std::function<void(const ArrayChange&)>>(std::move(listener));
+        std::erase_if(m_listeners, [](const auto& known) { return known.expired(); });
+        m_listeners.push_back(token);
+        return token;
+    }
+
+private:
+    using Listener = std::weak_ptr<const std::function<void(const ArrayChange&)>>;
+
+    [[nodiscard]] std::size_t index(int row, int column) const
+    {
+        if (row < 0 || row > m_lastRow || column < 0 || column > m_lastColumn)
+            raise(error::Subscript);
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_lastColumn + 1) +
+               static_cast<std::size_t>(column);
+    }
+
+    void notify(const ArrayChange& change)
+    {
+        if (m_listeners.empty())
+            return;
+        const auto listeners = m_listeners; // a listener may subscribe another
+        for (const Listener& known : listeners)
+            if (const auto listener = known.lock())
+                (*listener)(change);
+    }
+
+    int m_lastRow = -1;
+    int m_lastColumn = -1;
+    std::vector<T> m_cells;
+    std::vector<Listener> m_listeners;
+};
+
+} // namespace basic
