@@ -75,6 +75,11 @@ struct SqlType
 /// As error messages and declarations write it: "varchar(20)", "decimal(10,2)", "nvarchar(max)".
 [[nodiscard]] std::string describe(const SqlType& type);
 
+/// Bytes that a decimal of that precision takes: 5, 9, 13 or 17.
+[[nodiscard]] int decimalStorage(int precision);
+/// Bytes that a time, datetime2 or datetimeoffset takes.
+[[nodiscard]] int timeStorage(TypeId id, int scale);
+
 /// The type with the facets it has when none are written: `declaration` true for a column or a
 /// variable (char is 1 long), false for CAST and CONVERT (char is 30 long).
 [[nodiscard]] SqlType defaultType(TypeId id, bool declaration);

@@ -1,0 +1,54 @@
+#include "engine/catalog_functions.h"
+
+#include "engine/catalog_types.h"
+#include "engine/store.h"
+#include "types/text_encoding.h"
+
+namespace practice {
+namespace {
+
+void countRows(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    sqlite3* connection = sqlite3_context_db_handle(context);
+    const std::string table =
+        storageTable(sqlite3_value_int(arguments[0]), sqlite3_value_int(arguments[1]));
+    sqlite3_stmt* count = nullptr;
+    if (sqlite3_prepare_v2(connection, ("SELECT count(*) FROM " + table).c_str(), -1, &count, nullptr) ==
+            SQLITE_OK &&
+        sqlite3_step(count) == SQLITE_ROW)
+        sqlite3_result_int64(context, sqlite3_column_int64(count, 0));
+    else
+        sqlite3_result_int64(context, 0); // no user table of that number
+    sqlite3_finalize(count);
+}
+
+void encodeUtf16(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL)
+        return;
+    const std::string_view text(reinterpret_cast<const char*>(sqlite3_value_text(arguments[0])),
+                                std::size_t(sqlite3_value_bytes(arguments[0])));
+    std::string bytes;
+    for (const char16_t unit : toUtf16(text)) {
+        bytes += char(unit & 0xFF);
+        bytes += char(unit >> 8);
+    }
+    sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+}
+
+void define(sqlite3* connection, const char* name, int arguments, int flags,
+            void (*function)(sqlite3_context*, int, sqlite3_value**))
+{
+    sqlite3_create_function_v2(connection, name, arguments, SQLITE_UTF8 | flags, nullptr, function, nullptr,
+                               nullptr, nullptr);
+}
+
+} // namespace
+
+void registerCatalogFunctions(sqlite3* connection)
+{
+    define(connection, "practice_rows", 2, SQLITE_DIRECTONLY, countRows);
+    define(connection, "practice_utf16", 1, SQLITE_DETERMINISTIC, encodeUtf16);
+}
+
+} // namespace practice

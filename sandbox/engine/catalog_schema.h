@@ -1,0 +1,10 @@
+// The tables of the store that hold the catalog. Everything else that the server tells about its
+// objects is derived from them.
+#pragma once
+
+namespace practice {
+
+/// Makes all catalog tables; several statements in one text.
+[[nodiscard]] const char* catalogSchema();
+
+} // namespace practice

@@ -1,0 +1,35 @@
+#include "core/frmIdioma.h"
+
+#include "core/Funciones.h"
+#include "core/Global.h"
+#include "core/Idioma.h"
+#include "core/LeeIdioma.h"
+#include "core/mdlRegistro.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+controls::Slot<formularios::frmIdioma> frmIdioma;
+
+namespace formularios {
+
+frmIdioma::frmIdioma()
+{
+    setupUi(this);
+}
+
+void frmIdioma::Form_Load()
+{
+    Idioma = Español;
+}
+
+void frmIdioma::Form_Unload(bool& /*cancel*/)
+try {
+    Idioma = optEspañol->isChecked() ? Español : Ingles;
+    if (CrearClave(HKEY_CURRENT_USER, ClaveRegistro))
+        EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(Idioma), ValorNumero);
+    ::frmIdioma.clear();
+} catch (...) {
+    InformaError(u"Form_Unload"_s);
+}
+
+} // namespace formularios
