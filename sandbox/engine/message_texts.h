@@ -1,0 +1,19 @@
+// The server's messages: number, severity, state, wording. Placeholders are %s, filled in order.
+#pragma once
+
+#include <string_view>
+
+namespace practice {
+
+struct MessageText
+{
+    int number;
+    int severity;
+    int state;
+    std::string_view text;
+};
+
+/// @return nullptr for a number that the catalogue doesn't know
+[[nodiscard]] const MessageText* findMessageText(int number);
+
+} // namespace practice
