@@ -2,14 +2,12 @@
 
 #include "engine/catalog_types.h"
 #include "engine/store.h"
+#include "types/date_time.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <chrono>
-#include <cmath>
 #include <cstdio>
-#include <ctime>
 
 namespace practice {
 
@@ -96,7 +94,7 @@ std::int64_t dateTimeInteger(const DateTimeValue& value, TypeId id)
 {
     switch (id) {
     case TypeId::SmallDateTime:
-        return (value.days - days1900) * minutesPerDay + value.ticks / (60 * ticksPerSecond);
+        return (value.days - day1900) * minutesPerDay + value.ticks / ticksPerMinute;
     case TypeId::DateTime:
         return datetimeStorage(value);
     case TypeId::Date:
@@ -113,7 +111,7 @@ DateTimeValue fromDateTimeInteger(std::int64_t stored, TypeId id)
     switch (id) {
     case TypeId::SmallDateTime: {
         const std::int64_t day = stored >= 0 ? stored / minutesPerDay : -((minutesPerDay - 1 - stored) / minutesPerDay);
-        return {static_cast<std::int32_t>(day + days1900), (stored - day * minutesPerDay) * 60 * ticksPerSecond, 0};
+        return {static_cast<std::int32_t>(day + day1900), (stored - day * minutesPerDay) * ticksPerMinute, 0};
     }
     case TypeId::DateTime:
         return fromDatetimeStorage(stored);
@@ -440,8 +438,7 @@ void decodeColumn(sqlite3_stmt* statement, int column, const SqlType& type, Valu
 
 std::int64_t datetimeStorage(const DateTimeValue& value)
 {
-    const std::int64_t units = (value.ticks * 3 + 50'000) / 100'000;
-    return (value.days - days1900) * datetimeUnitsPerDay + units;
+    return (value.days - day1900) * datetimeUnitsPerDay + threeHundredths(value.ticks);
 }
 
 DateTimeValue fromDatetimeStorage(std::int64_t stored)
@@ -449,31 +446,8 @@ DateTimeValue fromDatetimeStorage(std::int64_t stored)
     std::int64_t day = stored / datetimeUnitsPerDay;
     if (stored % datetimeUnitsPerDay < 0)
         --day;
-    const std::int64_t units = stored - day * datetimeUnitsPerDay;
-    // The server shows thirds of a hundredth as whole milliseconds: .000, .003, .007.
-    const std::int64_t milliseconds = (units * 10 + 1) / 3;
-    return {static_cast<std::int32_t>(day + days1900), milliseconds * 10'000, 0};
-}
-
-DateTimeValue currentTime(bool utc)
-{
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    std::tm parts{};
-    if (utc)
-        gmtime_r(&seconds, &parts);
-    else
-        localtime_r(&seconds, &parts);
-    const auto date = std::chrono::sys_days(std::chrono::year(parts.tm_year + 1900) /
-                                            std::chrono::month(static_cast<unsigned>(parts.tm_mon + 1)) /
-                                            std::chrono::day(static_cast<unsigned>(parts.tm_mday)));
-    constexpr std::int32_t daysToEpoch = 719162; // 0001-01-01 to 1970-01-01
-    const auto fraction = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                              now - std::chrono::time_point_cast<std::chrono::seconds>(now))
-                              .count();
-    const std::int64_t ticks =
-        (parts.tm_hour * 3600 + parts.tm_min * 60 + parts.tm_sec) * ticksPerSecond + fraction / 100;
-    return {static_cast<std::int32_t>(date.time_since_epoch().count()) + daysToEpoch, std::max<std::int64_t>(ticks, 0), 0};
+    const auto count = static_cast<std::int32_t>(stored - day * datetimeUnitsPerDay);
+    return {static_cast<std::int32_t>(day + day1900), ticksFromThreeHundredths(count), 0};
 }
 
 std::int64_t packType(const SqlType& type)

@@ -54,16 +54,9 @@ void resultStorage(sqlite3_context* context, const Value& value, const SqlType& 
 /// Decodes into `value`, reusing what memory it holds.
 void decodeColumn(sqlite3_stmt* statement, int column, const SqlType& type, Value& value);
 
-/// Days from 0001-01-01 to 1900-01-01.
-inline constexpr std::int32_t days1900 = 693595;
-inline constexpr std::int64_t ticksPerSecond = 10'000'000;
-inline constexpr std::int64_t ticksPerDay = 86'400 * ticksPerSecond;
-
 /// Storage form of datetime for a point in time, rounded as the server rounds (.000, .003, .007).
 [[nodiscard]] std::int64_t datetimeStorage(const DateTimeValue& value);
 [[nodiscard]] DateTimeValue fromDatetimeStorage(std::int64_t stored);
-/// Now, in local time or in UTC.
-[[nodiscard]] DateTimeValue currentTime(bool utc);
 
 /// A type with its facets in one integer, as it is handed to functions inside SQLite.
 [[nodiscard]] std::int64_t packType(const SqlType& type);
