@@ -22,7 +22,8 @@ constexpr std::array<const char*, 12> shortMonths{"Jan", "Feb", "Mar", "Apr", "M
 }
 
 /// How a style writes the date, the time, and what stands between.
-enum class DatePart : std::uint8_t {
+enum class DatePart : std::uint8_t
+{
     None,
     MonthNameDayYear,  ///< Jan  2 2024
     DayMonthName,      ///< 02 Jan 2024
@@ -32,7 +33,17 @@ enum class DatePart : std::uint8_t {
     DayMonth,
     Compact,
 };
-enum class TimePart : std::uint8_t { None, Short12, Long12, Seconds, Seconds12, Milliseconds, Iso, IsoZulu };
+enum class TimePart : std::uint8_t
+{
+    None,
+    Short12,
+    Long12,
+    Seconds,
+    Seconds12,
+    Milliseconds,
+    Iso,
+    IsoZulu
+};
 
 struct Style
 {
@@ -162,7 +173,8 @@ std::string timeText(const Style& style, const SqlType& type, std::int64_t ticks
     case TimePart::Short12:
         return print("%2d:%02d%s", hour12, minute, half);
     case TimePart::Long12:
-        return print("%2d:%02d:%02d", hour12, minute, second) + fractionText(type, ticks, style.fraction) + half;
+        return print("%2d:%02d:%02d", hour12, minute, second) + fractionText(type, ticks, style.fraction) +
+               half;
     case TimePart::Seconds:
         return seconds;
     case TimePart::Seconds12:

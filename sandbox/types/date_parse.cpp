@@ -2,9 +2,9 @@
 // its neighbours.
 #include "types/date_time.h"
 
-#include <algorithm>
 #include <array>
 #include <cctype>
+#include <string>
 #include <vector>
 
 namespace practice {
@@ -143,9 +143,7 @@ private:
     void readName()
     {
         const std::string word = readWord();
-        if (word == "t" && !numbers_.empty() && isDigit(peek()))
-            return;
-        if (word == "t" && compact_ && isDigit(peek()))
+        if (word == "t" && (compact_ || !numbers_.empty()) && isDigit(peek()))
             return;
         if (word == "z" && hasTime_) {
             result_.hasOffset = true;
@@ -159,7 +157,6 @@ private:
 
     void readNumeric()
     {
-        const std::size_t start = position_;
         const Number number = readNumber();
         if (fault_ != DateFault::None)
             return;
@@ -174,7 +171,6 @@ private:
             return readCompact(number);
         if (number.digits > 4 || number.digits == 3 || compact_ || numbers_.size() == 3)
             return fail(DateFault::Malformed);
-        static_cast<void>(start);
         numbers_.push_back(number);
     }
 
@@ -297,7 +293,9 @@ private:
 
     void resolveNumeric()
     {
-        const auto& [a, b, c] = std::tie(numbers_[0], numbers_[1], numbers_[2]);
+        const Number& a = numbers_[0];
+        const Number& b = numbers_[1];
+        const Number& c = numbers_[2];
         if (a.digits == 4)
             return setDate(a.value, b.value, c.value);
         if (b.digits == 4)
@@ -344,8 +342,7 @@ DateOrder dateOrderOfStyle(int style)
     case 4:
     case 5:
     case 6:
-    case 13:
-        return style == 113 || style == 13 ? DateOrder::MonthDayYear : DateOrder::DayMonthYear;
+        return DateOrder::DayMonthYear;
     case 2:
     case 11:
     case 12:

@@ -51,7 +51,8 @@ Civil civilFromDays(std::int32_t days)
     const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
     const int shiftedMonth = (5 * dayOfYear + 2) / 153;
     const int month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
-    return {era * 400 + yearOfEra + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * shiftedMonth + 2) / 5 + 1};
+    return {era * 400 + yearOfEra + (month <= 2 ? 1 : 0), month,
+            dayOfYear - (153 * shiftedMonth + 2) / 5 + 1};
 }
 
 bool isLeapYear(int year)
@@ -97,8 +98,8 @@ DateTimeValue roundToDateTime(const DateTimeValue& value)
 
 DateTimeValue roundToMinute(const DateTimeValue& value)
 {
-    return withTicks(value, roundTo(roundToDateTime(value).ticks + (roundToDateTime(value).days - value.days) * ticksPerDay,
-                                    ticksPerMinute));
+    const DateTimeValue exact = roundToDateTime(value);
+    return withTicks(exact, roundTo(exact.ticks, ticksPerMinute));
 }
 
 DateTimeValue roundToScale(const DateTimeValue& value, int scale)
@@ -149,8 +150,7 @@ DateTimeValue localTime(const DateTimeValue& value)
 
 double daysSince1900(const DateTimeValue& value)
 {
-    return value.days - day1900 +
-           threeHundredths(value.ticks) / (300.0 * 86'400.0);
+    return value.days - day1900 + threeHundredths(value.ticks) / (300.0 * 86'400.0);
 }
 
 std::optional<DateTimeValue> dateTimeFromDays(double days)

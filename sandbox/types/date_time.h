@@ -17,10 +17,10 @@ inline constexpr std::int64_t ticksPerHour = 60 * ticksPerMinute;
 inline constexpr std::int64_t ticksPerDay = 24 * ticksPerHour;
 
 /// Day numbers since 0001-01-01.
-inline constexpr std::int32_t day1753 = 639'905;   ///< first of datetime
-inline constexpr std::int32_t day1900 = 693'595;   ///< zero of datetime, first of smalldatetime
+inline constexpr std::int32_t day1753 = 639'905;      ///< first of datetime
+inline constexpr std::int32_t day1900 = 693'595;      ///< zero of datetime, first of smalldatetime
 inline constexpr std::int32_t lastSmallDay = 759'130; ///< 2079-06-06
-inline constexpr std::int32_t lastDay = 3'652'058; ///< 9999-12-31
+inline constexpr std::int32_t lastDay = 3'652'058;    ///< 9999-12-31
 
 struct Civil
 {
@@ -65,13 +65,23 @@ struct Civil
 [[nodiscard]] DateTimeValue currentUtcTime();
 
 /// The order in which a numeric date without a four-digit first part is read.
-enum class DateOrder : std::uint8_t { MonthDayYear, DayMonthYear, YearMonthDay };
+enum class DateOrder : std::uint8_t
+{
+    MonthDayYear,
+    DayMonthYear,
+    YearMonthDay
+};
 
 /// The order that a CONVERT style from text implies (3, 4, 5, 103 ... day first; 2, 11 ... year
 /// first; month first otherwise).
 [[nodiscard]] DateOrder dateOrderOfStyle(int style);
 
-enum class DateFault : std::uint8_t { None, Malformed, OutOfRange };
+enum class DateFault : std::uint8_t
+{
+    None,
+    Malformed,
+    OutOfRange
+};
 
 struct ParsedDate
 {
@@ -86,6 +96,7 @@ struct ParsedDate
 [[nodiscard]] ParsedDate parseDate(std::string_view text, DateOrder order = DateOrder::MonthDayYear);
 
 /// Text in a CONVERT style; none when there is no such style. `type` tells which parts there are.
-[[nodiscard]] std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType& type, int style);
+[[nodiscard]] std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType& type,
+                                                    int style);
 
 } // namespace practice

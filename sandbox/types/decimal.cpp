@@ -124,8 +124,7 @@ std::optional<Decimal> decimalFromDouble(double value, int scale)
     std::array<char, 160> buffer{};
     const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", scale + 30, value);
     bool malformed = false;
-    const auto parsed =
-        parseDecimal({buffer.data(), static_cast<std::size_t>(length)}, malformed, scale);
+    const auto parsed = parseDecimal({buffer.data(), static_cast<std::size_t>(length)}, malformed, scale);
     return parsed ? rescale(*parsed, scale) : std::nullopt;
 }
 

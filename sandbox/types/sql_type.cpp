@@ -14,16 +14,21 @@ struct TypeTraits
 };
 
 constexpr std::array<TypeTraits, 31> traits{{
-    {"null", 4},      {"bit", 1},           {"tinyint", 1},
-    {"smallint", 2},  {"int", 4},           {"bigint", 8},
-    {"real", 4},      {"float", 8},         {"smallmoney", 4},
-    {"money", 8},     {"decimal", 0},       {"numeric", 0},
-    {"smalldatetime", 4}, {"datetime", 8},  {"date", 3},
-    {"time", 0},      {"datetime2", 0},     {"datetimeoffset", 0},
-    {"char", 0},      {"varchar", 0},       {"text", 16},
-    {"nchar", 0},     {"nvarchar", 0},      {"ntext", 16},
-    {"binary", 0},    {"varbinary", 0},     {"image", 16},
-    {"uniqueidentifier", 16}, {"timestamp", 8}, {"sql_variant", 8016},
+    {"null", 4},          {"bit", 1},
+    {"tinyint", 1},       {"smallint", 2},
+    {"int", 4},           {"bigint", 8},
+    {"real", 4},          {"float", 8},
+    {"smallmoney", 4},    {"money", 8},
+    {"decimal", 0},       {"numeric", 0},
+    {"smalldatetime", 4}, {"datetime", 8},
+    {"date", 3},          {"time", 0},
+    {"datetime2", 0},     {"datetimeoffset", 0},
+    {"char", 0},          {"varchar", 0},
+    {"text", 16},         {"nchar", 0},
+    {"nvarchar", 0},      {"ntext", 16},
+    {"binary", 0},        {"varbinary", 0},
+    {"image", 16},        {"uniqueidentifier", 16},
+    {"timestamp", 8},     {"sql_variant", 8016},
     {"xml", maxLength},
 }};
 

@@ -6,7 +6,8 @@
 
 namespace practice {
 
-enum class TypeId : std::uint8_t {
+enum class TypeId : std::uint8_t
+{
     Null, ///< the type of a bare NULL; reaches the wire as int
     Bit,
     TinyInt,
@@ -58,16 +59,16 @@ struct SqlType
     bool operator==(const SqlType&) const = default;
 };
 
-[[nodiscard]] bool isInteger(TypeId id);       ///< bit to bigint
-[[nodiscard]] bool isExactNumeric(TypeId id);  ///< integers, money, decimal
-[[nodiscard]] bool isNumeric(TypeId id);       ///< exact numerics, real and float
+[[nodiscard]] bool isInteger(TypeId id);      ///< bit to bigint
+[[nodiscard]] bool isExactNumeric(TypeId id); ///< integers, money, decimal
+[[nodiscard]] bool isNumeric(TypeId id);      ///< exact numerics, real and float
 [[nodiscard]] bool isMoney(TypeId id);
-[[nodiscard]] bool isDecimal(TypeId id);       ///< decimal or numeric
-[[nodiscard]] bool isDateTime(TypeId id);      ///< any type of date or time
-[[nodiscard]] bool isCharacter(TypeId id);     ///< char, varchar, text and their n forms
-[[nodiscard]] bool isUnicode(TypeId id);       ///< nchar, nvarchar, ntext
-[[nodiscard]] bool isBinary(TypeId id);        ///< binary, varbinary, image, timestamp
-[[nodiscard]] bool isLegacyLob(TypeId id);     ///< text, ntext, image
+[[nodiscard]] bool isDecimal(TypeId id);   ///< decimal or numeric
+[[nodiscard]] bool isDateTime(TypeId id);  ///< any type of date or time
+[[nodiscard]] bool isCharacter(TypeId id); ///< char, varchar, text and their n forms
+[[nodiscard]] bool isUnicode(TypeId id);   ///< nchar, nvarchar, ntext
+[[nodiscard]] bool isBinary(TypeId id);    ///< binary, varbinary, image, timestamp
+[[nodiscard]] bool isLegacyLob(TypeId id); ///< text, ntext, image
 
 /// The type's own name, lower case, without facets: "nvarchar".
 [[nodiscard]] const char* typeName(TypeId id);

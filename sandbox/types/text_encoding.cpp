@@ -96,8 +96,8 @@ std::string toUtf8(std::u16string_view utf16)
     out.reserve(utf16.size());
     for (std::size_t i = 0; i < utf16.size(); ++i) {
         char32_t code = utf16[i];
-        const bool pair = code >= 0xD800 && code < 0xDC00 && i + 1 < utf16.size() &&
-                          utf16[i + 1] >= 0xDC00 && utf16[i + 1] < 0xE000;
+        const bool pair = code >= 0xD800 && code < 0xDC00 && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
+                          utf16[i + 1] < 0xE000;
         if (pair)
             code = 0x10000 + ((code - 0xD800) << 10) + (utf16[++i] - 0xDC00U);
         appendUtf8(out, code);
