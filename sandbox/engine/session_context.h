@@ -70,6 +70,10 @@ public:
     [[nodiscard]] virtual SessionOptions& options() = 0;
     [[nodiscard]] virtual int transactionCount() const = 0; ///< @@TRANCOUNT
 
+    /// The text that the source ranges of the running statement's tree count in: the batch's, or
+    /// that of the procedure it stands in.
+    [[nodiscard]] virtual std::string_view batchText() const = 0;
+
     /// Where results and messages of the running statement go.
     [[nodiscard]] virtual ResultSink& sink() = 0;
     /// An information message from the running statement.
