@@ -182,12 +182,13 @@ std::optional<Principal> Catalog::userOf(int databaseId, const Login& login)
 {
     if ((login.serverRoles & SysAdmin) != 0)
         return principal(databaseId, 1);
-    Statement row(connection_,
-                  "SELECT coalesce(alias.uid, u.uid), coalesce(alias.name, u.name), u.sid, 0, 0, 1 "
-                  "FROM cat_user u LEFT JOIN cat_user alias "
-                  "ON u.aliased AND alias.dbid = u.dbid AND alias.uid = u.altuid "
-                  "WHERE u.dbid = ?1 AND u.role = 0 AND (u.access OR u.aliased) AND (u.sid = ?2 OR u.uid = 2) "
-                  "ORDER BY u.uid = 2 LIMIT 1");
+    Statement row(
+        connection_,
+        "SELECT coalesce(alias.uid, u.uid), coalesce(alias.name, u.name), u.sid, 0, 0, 1 "
+        "FROM cat_user u LEFT JOIN cat_user alias "
+        "ON u.aliased AND alias.dbid = u.dbid AND alias.uid = u.altuid "
+        "WHERE u.dbid = ?1 AND u.role = 0 AND (u.access OR u.aliased) AND (u.sid = ?2 OR u.uid = 2) "
+        "ORDER BY u.uid = 2 LIMIT 1");
     row.bind(1, databaseId).bindBlob(2, login.sid.data(), login.sid.size());
     return readPrincipal(row);
 }
@@ -211,11 +212,12 @@ std::optional<Login> Catalog::login(const std::string& name)
 
 bool Catalog::isMember(int databaseId, const std::string& role, int uid)
 {
-    Statement row(connection_,
-                  "WITH RECURSIVE groups(uid) AS (SELECT ?2 UNION SELECT 0 UNION SELECT m.groupuid FROM groups g "
-                  "JOIN cat_member m ON m.dbid = ?1 AND m.memberuid = g.uid) "
-                  "SELECT 1 FROM groups JOIN cat_user u ON u.dbid = ?1 AND u.uid = groups.uid "
-                  "WHERE u.role AND u.fold = ?3");
+    Statement row(
+        connection_,
+        "WITH RECURSIVE groups(uid) AS (SELECT ?2 UNION SELECT 0 UNION SELECT m.groupuid FROM groups g "
+        "JOIN cat_member m ON m.dbid = ?1 AND m.memberuid = g.uid) "
+        "SELECT 1 FROM groups JOIN cat_user u ON u.dbid = ?1 AND u.uid = groups.uid "
+        "WHERE u.role AND u.fold = ?3");
     row.bind(1, databaseId).bind(2, uid).bind(3, foldName(role));
     return row.step();
 }

@@ -96,9 +96,10 @@ private:
 /// Marks the catalog as changed within the running transaction.
 void bumpCatalogVersion(sqlite3* connection);
 
-/// Creates the catalog's tables and the four system databases when the store is new.
-/// `saPassword` is kept only as a salted hash.
-void bootstrapCatalog(sqlite3* connection, const std::string& dataDirectory, const std::string& saPassword);
+/// Creates the catalog's tables and the four system databases when the store is new, and empties
+/// tempdb. `saPassword` is kept only as a salted hash. Runs in a transaction of its own.
+void bootstrapCatalog(sqlite3* connection, const std::string& dataDirectory, const std::string& saPassword,
+                      const std::string& serverName);
 
 /// True when the password is the login's.
 [[nodiscard]] bool checkPassword(sqlite3* connection, const std::string& login, const std::string& password);

@@ -1,6 +1,7 @@
 #include "engine/catalog_functions.h"
 
 #include "engine/catalog_types.h"
+#include "engine/message_texts.h"
 #include "engine/store.h"
 #include "types/text_encoding.h"
 
@@ -10,8 +11,7 @@ namespace {
 void countRows(sqlite3_context* context, int, sqlite3_value** arguments)
 {
     sqlite3* connection = sqlite3_context_db_handle(context);
-    const std::string table =
-        storageTable(sqlite3_value_int(arguments[0]), sqlite3_value_int(arguments[1]));
+    const std::string table = storageTable(sqlite3_value_int(arguments[0]), sqlite3_value_int(arguments[1]));
     sqlite3_stmt* count = nullptr;
     if (sqlite3_prepare_v2(connection, ("SELECT count(*) FROM " + table).c_str(), -1, &count, nullptr) ==
             SQLITE_OK &&
@@ -36,6 +36,42 @@ void encodeUtf16(sqlite3_context* context, int, sqlite3_value** arguments)
     sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
+std::string jsonText(std::string_view text)
+{
+    std::string quoted = "\"";
+    for (const char letter : text) {
+        if (letter == '"' || letter == '\\')
+            quoted += '\\';
+        quoted += letter;
+    }
+    return quoted + '"';
+}
+
+std::string messagesAsJson()
+{
+    constexpr int highest = 22000;
+    std::string json;
+    for (int number = 1; number <= highest; ++number) {
+        const MessageText* known = findMessageText(number);
+        if (known == nullptr)
+            continue;
+        json += (json.empty() ? "[[" : ",[") + std::to_string(number) + ',' +
+                std::to_string(known->severity) + ',' + jsonText(known->text) + ']';
+    }
+    return json + ']';
+}
+
+void listMessages(sqlite3_context* context, int, sqlite3_value**)
+{
+    static const std::string json = messagesAsJson();
+    sqlite3_result_text(context, json.data(), int(json.size()), SQLITE_STATIC);
+}
+
+void listNoSessions(sqlite3_context* context, int, sqlite3_value**)
+{
+    sqlite3_result_text(context, "[]", 2, SQLITE_STATIC);
+}
+
 void define(sqlite3* connection, const char* name, int arguments, int flags,
             void (*function)(sqlite3_context*, int, sqlite3_value**))
 {
@@ -49,6 +85,8 @@ void registerCatalogFunctions(sqlite3* connection)
 {
     define(connection, "practice_rows", 2, SQLITE_DIRECTONLY, countRows);
     define(connection, "practice_utf16", 1, SQLITE_DETERMINISTIC, encodeUtf16);
+    define(connection, "practice_messages", 0, SQLITE_DETERMINISTIC, listMessages);
+    define(connection, "practice_sessions", 0, 0, listNoSessions);
 }
 
 } // namespace practice

@@ -9,27 +9,48 @@ namespace practice {
 namespace {
 
 constexpr std::array<std::pair<TypeId, int>, 30> typeNumbers{{
-    {TypeId::Image, 34},        {TypeId::Text, 35},       {TypeId::UniqueIdentifier, 36},
-    {TypeId::Date, 40},         {TypeId::Time, 41},       {TypeId::DateTime2, 42},
-    {TypeId::DateTimeOffset, 43}, {TypeId::TinyInt, 48},  {TypeId::SmallInt, 52},
-    {TypeId::Int, 56},          {TypeId::SmallDateTime, 58}, {TypeId::Real, 59},
-    {TypeId::Money, 60},        {TypeId::DateTime, 61},   {TypeId::Float, 62},
-    {TypeId::SqlVariant, 98},   {TypeId::NText, 99},      {TypeId::Bit, 104},
-    {TypeId::Decimal, 106},     {TypeId::Numeric, 108},   {TypeId::SmallMoney, 122},
-    {TypeId::BigInt, 127},      {TypeId::VarBinary, 165}, {TypeId::VarChar, 167},
-    {TypeId::Binary, 173},      {TypeId::Char, 175},      {TypeId::Timestamp, 189},
-    {TypeId::NVarChar, 231},    {TypeId::NChar, 239},     {TypeId::Xml, 241},
+    {TypeId::Image, 34},
+    {TypeId::Text, 35},
+    {TypeId::UniqueIdentifier, 36},
+    {TypeId::Date, 40},
+    {TypeId::Time, 41},
+    {TypeId::DateTime2, 42},
+    {TypeId::DateTimeOffset, 43},
+    {TypeId::TinyInt, 48},
+    {TypeId::SmallInt, 52},
+    {TypeId::Int, 56},
+    {TypeId::SmallDateTime, 58},
+    {TypeId::Real, 59},
+    {TypeId::Money, 60},
+    {TypeId::DateTime, 61},
+    {TypeId::Float, 62},
+    {TypeId::SqlVariant, 98},
+    {TypeId::NText, 99},
+    {TypeId::Bit, 104},
+    {TypeId::Decimal, 106},
+    {TypeId::Numeric, 108},
+    {TypeId::SmallMoney, 122},
+    {TypeId::BigInt, 127},
+    {TypeId::VarBinary, 165},
+    {TypeId::VarChar, 167},
+    {TypeId::Binary, 173},
+    {TypeId::Char, 175},
+    {TypeId::Timestamp, 189},
+    {TypeId::NVarChar, 231},
+    {TypeId::NChar, 239},
+    {TypeId::Xml, 241},
 }};
 
 void loadColumns(sqlite3* connection, Object& object)
 {
-    Statement rows(connection,
-                   "SELECT k.colid, k.name, k.xtype, k.length, k.prec, k.scale, k.nullable, k.rowguid, k.padded, "
-                   "k.collation, k.usertype, k.seed, k.increment, k.notrepl, k.defaultid, k.computed, k.output, "
-                   "d.name, t.text FROM cat_column k "
-                   "LEFT JOIN cat_object d ON d.dbid = k.dbid AND d.id = k.defaultid "
-                   "LEFT JOIN cat_comment t ON t.dbid = k.dbid AND t.id = k.defaultid "
-                   "WHERE k.dbid = ? AND k.id = ? ORDER BY k.colid");
+    Statement rows(
+        connection,
+        "SELECT k.colid, k.name, k.xtype, k.length, k.prec, k.scale, k.nullable, k.rowguid, k.padded, "
+        "k.collation, k.usertype, k.seed, k.increment, k.notrepl, k.defaultid, k.computed, k.output, "
+        "d.name, t.text FROM cat_column k "
+        "LEFT JOIN cat_object d ON d.dbid = k.dbid AND d.id = k.defaultid "
+        "LEFT JOIN cat_comment t ON t.dbid = k.dbid AND t.id = k.defaultid "
+        "WHERE k.dbid = ? AND k.id = ? ORDER BY k.colid");
     rows.bind(1, object.databaseId).bind(2, object.id);
     while (rows.step()) {
         const SqlType type{typeOfNumber(rows.number(2)), rows.number(3), std::uint8_t(rows.number(4)),
@@ -60,8 +81,9 @@ void loadColumns(sqlite3* connection, Object& object)
 
 void loadIndexes(sqlite3* connection, Object& object)
 {
-    Statement rows(connection, "SELECT indid, name, uniq, kind, ignoredup, padded, norecompute, enabled, fillfactor, "
-                               "groupid, constid FROM cat_index WHERE dbid = ? AND id = ? ORDER BY indid");
+    Statement rows(connection,
+                   "SELECT indid, name, uniq, kind, ignoredup, padded, norecompute, enabled, fillfactor, "
+                   "groupid, constid FROM cat_index WHERE dbid = ? AND id = ? ORDER BY indid");
     rows.bind(1, object.databaseId).bind(2, object.id);
     while (rows.step()) {
         Index index;
@@ -95,10 +117,11 @@ void loadIndexes(sqlite3* connection, Object& object)
 
 void loadChecks(sqlite3* connection, Object& object)
 {
-    Statement rows(connection, "SELECT c.constid, o.name, t.text, c.colid, c.enabled, c.notrepl FROM cat_check c "
-                               "JOIN cat_object o ON o.dbid = c.dbid AND o.id = c.constid "
-                               "JOIN cat_comment t ON t.dbid = c.dbid AND t.id = c.constid "
-                               "WHERE c.dbid = ? AND c.id = ? ORDER BY c.constid");
+    Statement rows(connection,
+                   "SELECT c.constid, o.name, t.text, c.colid, c.enabled, c.notrepl FROM cat_check c "
+                   "JOIN cat_object o ON o.dbid = c.dbid AND o.id = c.constid "
+                   "JOIN cat_comment t ON t.dbid = c.dbid AND t.id = c.constid "
+                   "WHERE c.dbid = ? AND c.id = ? ORDER BY c.constid");
     rows.bind(1, object.databaseId).bind(2, object.id);
     while (rows.step()) {
         object.checks.push_back({rows.number(0), rows.string(1), rows.string(2), rows.number(3),
@@ -108,11 +131,12 @@ void loadChecks(sqlite3* connection, Object& object)
 
 std::vector<ForeignKey> loadReferences(sqlite3* connection, const Object& object, const char* side)
 {
-    Statement rows(connection,
-                   std::string("SELECT r.constid, o.name, r.fkeyid, r.rkeyid, r.rkeyindid, r.ondelete, r.onupdate, "
-                               "r.enabled, r.trusted, r.notrepl FROM cat_reference r "
-                               "JOIN cat_object o ON o.dbid = r.dbid AND o.id = r.constid WHERE r.dbid = ? AND r.") +
-                       side + " = ? ORDER BY o.created, r.constid");
+    Statement rows(
+        connection,
+        std::string("SELECT r.constid, o.name, r.fkeyid, r.rkeyid, r.rkeyindid, r.ondelete, r.onupdate, "
+                    "r.enabled, r.trusted, r.notrepl FROM cat_reference r "
+                    "JOIN cat_object o ON o.dbid = r.dbid AND o.id = r.constid WHERE r.dbid = ? AND r.") +
+            side + " = ? ORDER BY o.created, r.constid");
     rows.bind(1, object.databaseId).bind(2, object.id);
     std::vector<ForeignKey> keys;
     while (rows.step()) {
@@ -151,7 +175,8 @@ void loadTable(sqlite3* connection, Object& object)
 
 void loadTriggers(sqlite3* connection, Object& object)
 {
-    Statement rows(connection, "SELECT id FROM cat_object WHERE dbid = ? AND parent = ? AND xtype = 'TR' ORDER BY id");
+    Statement rows(connection,
+                   "SELECT id FROM cat_object WHERE dbid = ? AND parent = ? AND xtype = 'TR' ORDER BY id");
     rows.bind(1, object.databaseId).bind(2, object.id);
     while (rows.step())
         object.triggers.push_back(rows.number(0));
@@ -186,9 +211,10 @@ TypeId typeOfNumber(int xtype)
 
 DatabasePtr loadDatabase(sqlite3* connection, int id)
 {
-    Statement row(connection,
-                  "SELECT d.name, coalesce(l.name, ''), d.collation, d.level, d.options, d.recovery, d.access, "
-                  "d.created FROM cat_database d LEFT JOIN cat_login l ON l.sid = d.sid WHERE d.dbid = ?");
+    Statement row(
+        connection,
+        "SELECT d.name, coalesce(l.name, ''), d.collation, d.level, d.options, d.recovery, d.access, "
+        "d.created FROM cat_database d LEFT JOIN cat_login l ON l.sid = d.sid WHERE d.dbid = ?");
     if (!row.bind(1, id).step())
         return nullptr;
     auto database = std::make_shared<Database>();
@@ -206,10 +232,10 @@ DatabasePtr loadDatabase(sqlite3* connection, int id)
 
 ObjectPtr loadObject(sqlite3* connection, int databaseId, int objectId)
 {
-    Statement row(connection,
-                  "SELECT o.name, o.uid, u.name, o.xtype, o.parent, o.created, o.groupid, o.quoted, o.ansinulls, o.dbid "
-                  "FROM cat_object o LEFT JOIN cat_user u ON u.dbid = ?1 AND u.uid = o.uid "
-                  "WHERE o.dbid IN (?1, 0) AND o.id = ?2");
+    Statement row(connection, "SELECT o.name, o.uid, u.name, o.xtype, o.parent, o.created, o.groupid, "
+                              "o.quoted, o.ansinulls, o.dbid "
+                              "FROM cat_object o LEFT JOIN cat_user u ON u.dbid = ?1 AND u.uid = o.uid "
+                              "WHERE o.dbid IN (?1, 0) AND o.id = ?2");
     if (!row.bind(1, databaseId).bind(2, objectId).step())
         return nullptr;
     const auto kind = kindOfXtype(row.string(3));

@@ -14,7 +14,7 @@ INSERT INTO cat_version VALUES(1, 1);
 CREATE TABLE cat_database(
     dbid INTEGER PRIMARY KEY, name TEXT NOT NULL COLLATE "SQL_Latin1_General_CP1_CI_AS", fold TEXT NOT NULL UNIQUE, sid BLOB NOT NULL,
     created NOT NULL, level INTEGER NOT NULL, collation TEXT NOT NULL, options INTEGER NOT NULL,
-    recovery INTEGER NOT NULL, access INTEGER NOT NULL);
+    recovery INTEGER NOT NULL, access INTEGER NOT NULL, lastid INTEGER NOT NULL DEFAULT 1993058136);
 
 CREATE TABLE cat_object(
     dbid INTEGER NOT NULL, id INTEGER NOT NULL, name TEXT NOT NULL COLLATE "SQL_Latin1_General_CP1_CI_AS", fold TEXT NOT NULL,
@@ -118,7 +118,18 @@ CREATE TABLE sys_type(
     scale INTEGER, variable INTEGER NOT NULL, collated INTEGER NOT NULL);
 CREATE TABLE sys_value(name TEXT COLLATE "SQL_Latin1_General_CP1_CI_AS", number INTEGER NOT NULL, type TEXT NOT NULL COLLATE "SQL_Latin1_General_CP1_CI_AS", low INTEGER, high INTEGER,
     status INTEGER);
+CREATE TABLE cat_server(one INTEGER PRIMARY KEY CHECK(one = 1), name TEXT NOT NULL);
 CREATE TABLE sys_number(n INTEGER PRIMARY KEY);
+
+CREATE VIEW cat_column_type AS
+    SELECT k.*, t.name AS typename, t.xusertype, t.variable, t.usertype AS usertypeno,
+        CASE WHEN k.nullable THEN t.nulltype ELSE t.type END AS oldtype,
+        CASE WHEN k.xtype IN (231, 239) AND k.length > 0 THEN 2 * k.length ELSE k.length END AS bytes,
+        CASE WHEN k.xtype IN (106, 108) THEN k.prec
+             WHEN k.xtype IN (165, 167, 173, 175, 231, 239) THEN k.length ELSE t.prec END AS fullprec,
+        CASE WHEN k.xtype IN (106, 108, 41, 42, 43) THEN k.scale ELSE t.scale END AS fullscale
+    FROM cat_column k JOIN sys_type t
+        ON t.xusertype = CASE k.usertype WHEN 'sysname' THEN 256 ELSE k.xtype END;
 )sql";
 }
 
