@@ -1,5 +1,7 @@
 #include "engine/message_texts.h"
 
+#include "engine/ddl_message_texts.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -369,7 +371,7 @@ const MessageText* findMessageText(int number)
 {
     const auto* found = std::lower_bound(std::begin(texts), std::end(texts), number,
                                          [](const MessageText& text, int wanted) { return text.number < wanted; });
-    return found != std::end(texts) && found->number == number ? found : nullptr;
+    return found != std::end(texts) && found->number == number ? found : findDdlMessageText(number);
 }
 
 static_assert(std::is_sorted(std::begin(texts), std::end(texts),
