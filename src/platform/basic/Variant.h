@@ -70,6 +70,13 @@ public:
         return std::get_if<T>(&m_value);
     }
 
+    /// Calls `visitor` with the held value; Empty and Null come as types of their own.
+    template <class Visitor>
+    auto visit(Visitor&& visitor) const
+    {
+        return std::visit(std::forward<Visitor>(visitor), m_value);
+    }
+
     bool operator==(const Variant&) const = default;
 
 private:
