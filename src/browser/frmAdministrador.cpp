@@ -5,7 +5,6 @@
 #include "core/Idioma.h"
 #include "core/mdiPrincipal.h"
 #include "platform/basic/RuntimeError.h"
-#include "platform/controls/ImageList.h"
 #include "platform/controls/Menus.h"
 #include "platform/controls/Pointer.h"
 
@@ -21,9 +20,10 @@ constexpr int BotonDerecho = 2;
 
 } // namespace
 
-frmAdministrador::frmAdministrador()
+frmAdministrador::frmAdministrador() : ImageList1(new controls::ImageList(this))
 {
     setupUi(this);
+    ImageList1->setObjectName(u"ImageList1"_s);
     trvBD->setImageList(ImageList1);
     connect(trvBD, &controls::TreeView::Click, this, &frmAdministrador::trvBD_Click);
     connect(trvBD, &controls::TreeView::MouseDown, this, &frmAdministrador::trvBD_MouseDown);

@@ -3,6 +3,7 @@
 
 #include "platform/ado/Recordset.h"
 #include "platform/controls/Form.h"
+#include "platform/controls/ImageList.h"
 #include "platform/controls/Slot.h"
 #include "ui_frmAdministrador.h"
 
@@ -45,6 +46,8 @@ protected:
     void Form_Unload(bool& cancel) override;
 
 private:
+    controls::ImageList* ImageList1;
+
     void AñadeBases(ado::Recordset& bases);
     void AñadeBase(const QString& nombre);
     void AñadeSeguridad();

@@ -1,0 +1,96 @@
+#include "core/mdlRegistro.h"
+
+#include "platform/basic/Numbers.h"
+#include "platform/basic/RuntimeError.h"
+
+#include <QSettings>
+#include <QVariant>
+
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int Bien = 0;
+constexpr int Mal = -1;
+
+// A text that would read back as a number is marked, since a file keeps no types.
+const QString MarcaTexto = QStringLiteral("text:");
+
+QString Grupo(const QString& clave)
+{
+    return QString(clave).replace(u'\\', u'/');
+}
+
+std::unique_ptr<QSettings> Abre(const QString& clave)
+{
+#ifdef Q_OS_WIN
+    return std::make_unique<QSettings>(u"HKEY_CURRENT_USER\\"_s + clave, QSettings::NativeFormat);
+#else
+    auto ajustes = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, u"quermo"_s);
+    ajustes->beginGroup(Grupo(clave));
+    return ajustes;
+#endif
+}
+
+int Estado(QSettings& ajustes)
+{
+    ajustes.sync();
+    return ajustes.status() == QSettings::NoError && ajustes.isWritable() ? Bien : Mal;
+}
+
+} // namespace
+
+bool CrearClave(Colmena /*colmena*/, const QString& clave)
+{
+    const auto ajustes = Abre(clave);
+    return Estado(*ajustes) == Bien;
+}
+
+bool EscribirValor(Colmena /*colmena*/, const QString& clave, const QString& nombre,
+                   const basic::Variant& valor, int tipo)
+{
+    const auto ajustes = Abre(clave);
+    return EscribirValorEx(*ajustes, nombre, tipo, valor) == Bien;
+}
+
+int EscribirValorEx(QSettings& claveAbierta, const QString& nombre, int tipo, const basic::Variant& valor)
+try {
+    if (tipo == ValorNumero)
+        claveAbierta.setValue(nombre, basic::toInt32(basic::text(valor)));
+    else if (tipo == ValorTexto)
+        claveAbierta.setValue(nombre, MarcaTexto + basic::text(valor));
+    else
+        return Mal;
+    return Estado(claveAbierta);
+} catch (const basic::RuntimeError&) {
+    return Mal;
+}
+
+basic::Variant LeerValor(Colmena /*colmena*/, const QString& clave, const QString& nombre)
+{
+    const auto ajustes = Abre(clave);
+    basic::Variant valor;
+    LeerValorEx(*ajustes, nombre, valor);
+    return valor;
+}
+
+int LeerValorEx(QSettings& claveAbierta, const QString& nombre, basic::Variant& valor)
+{
+    if (!claveAbierta.contains(nombre))
+        return Bien;
+    const QVariant guardado = claveAbierta.value(nombre);
+    if (!guardado.canConvert<QString>())
+        return Mal;
+    const QString texto = guardado.toString();
+    bool esNumero = false;
+    const int numero = texto.toInt(&esNumero);
+    if (esNumero)
+        valor = basic::Variant(numero);
+    else if (texto.startsWith(MarcaTexto))
+        valor = basic::Variant(texto.mid(MarcaTexto.size()));
+    else
+        return Mal;
+    return Bien;
+}

@@ -1,0 +1,46 @@
+#include "platform/controls/FileDialog.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+
+namespace controls {
+
+namespace {
+
+FileDialogAnswerer& script()
+{
+    static FileDialogAnswerer answerer;
+    return answerer;
+}
+
+QString ask(bool save, const QString& pattern, const QString& extension, const QString& last)
+{
+    if (script())
+        return script()(save, pattern);
+    QFileDialog dialog(QApplication::activeWindow());
+    dialog.setNameFilter(pattern);
+    dialog.setDefaultSuffix(extension);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    if (!last.isEmpty())
+        dialog.setDirectory(QFileInfo(last).absolutePath());
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+} // namespace
+
+void FileDialog::show(bool save)
+{
+    const QString chosen = ask(save, m_pattern, m_extension, m_fileName);
+    if (!chosen.isEmpty())
+        m_fileName = chosen;
+}
+
+void setFileDialogAnswerer(FileDialogAnswerer answerer)
+{
+    script() = std::move(answerer);
+}
+
+} // namespace controls

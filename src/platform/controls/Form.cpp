@@ -1,0 +1,173 @@
+#include "platform/controls/Form.h"
+
+#include "platform/controls/LoadedWindows.h"
+#include "platform/controls/MdiForm.h"
+
+#include <QCloseEvent>
+#include <QEventLoop>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+
+namespace controls {
+
+QList<QWidget*>& loadedWindows()
+{
+    static QList<QWidget*> windows;
+    return windows;
+}
+
+QList<Form*> LoadedForms()
+{
+    QList<Form*> forms;
+    for (QWidget* window : loadedWindows())
+        if (auto* form = qobject_cast<Form*>(window))
+            forms += form;
+    return forms;
+}
+
+QStringList LoadedFormNames()
+{
+    QStringList names;
+    for (const QWidget* window : loadedWindows())
+        names += window->objectName();
+    return names;
+}
+
+Form::Form(QWidget* parent) : QWidget(parent) {}
+
+Form::~Form()
+{
+    loadedWindows().removeAll(this);
+}
+
+void Form::setCaption(const QString& caption)
+{
+    setWindowTitle(caption);
+    if (m_frame)
+        m_frame->setWindowTitle(caption);
+}
+
+void Form::Load()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    loadedWindows() += this;
+    Form_Load();
+}
+
+void Form::Show()
+{
+    Load();
+    auto* host = MdiForm::instance();
+    if (!host) {
+        show();
+        return;
+    }
+    if (!m_frame) {
+        m_frame = host->adopt(this);
+        show();
+        m_frame->show();
+    }
+    SetFocus();
+}
+
+void Form::ShowModal()
+{
+    Load();
+    QEventLoop loop;
+    connect(this, &Form::unloaded, &loop, &QEventLoop::quit);
+    setWindowModality(Qt::ApplicationModal);
+    setWindowFlag(Qt::Dialog);
+    show();
+    activateWindow();
+    loop.exec();
+}
+
+bool Form::Unload()
+{
+    if (!m_loaded)
+        return true;
+    bool cancel = false;
+    Form_QueryUnload(cancel);
+    if (!cancel)
+        Form_Unload(cancel);
+    if (cancel)
+        return false;
+    m_loaded = false;
+    loadedWindows().removeAll(this);
+    hide();
+    emit unloaded();
+    if (m_frame) {
+        // The area activates another child when the frame goes; the form itself dies with it.
+        m_frame->hide();
+        m_frame->deleteLater();
+        if (auto* host = MdiForm::instance())
+            host->release(m_frame);
+    } else {
+        deleteLater();
+    }
+    return true;
+}
+
+void Form::SetFocus()
+{
+    Load();
+    if (m_frame && MdiForm::instance())
+        MdiForm::instance()->area()->setActiveSubWindow(m_frame);
+    else
+        activateWindow();
+}
+
+void Form::Form_QueryUnload(bool& /*cancel*/) {}
+
+void Form::Form_Unload(bool& /*cancel*/) {}
+
+void Form::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(Unload());
+}
+
+QWidget* Form::frame() const
+{
+    return m_frame ? static_cast<QWidget*>(m_frame) : const_cast<Form*>(this);
+}
+
+int Form::Left() const
+{
+    return frame()->x();
+}
+
+int Form::Top() const
+{
+    return frame()->y();
+}
+
+void Form::setLeft(int left)
+{
+    frame()->move(left, frame()->y());
+}
+
+void Form::setTop(int top)
+{
+    frame()->move(frame()->x(), top);
+}
+
+Form::WindowState Form::windowStateValue() const
+{
+    if (frame()->isMinimized())
+        return Minimized;
+    return frame()->isMaximized() ? Maximized : Normal;
+}
+
+void Form::setWindowStateValue(WindowState state)
+{
+    if (state == Normal)
+        frame()->showNormal();
+    else if (state == Minimized)
+        frame()->showMinimized();
+    else
+        frame()->showMaximized();
+}
+
+} // namespace controls

@@ -1,0 +1,76 @@
+// A form: a window with a life of its own, child of the MDI window or modal.
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class QMdiSubWindow;
+
+namespace controls {
+
+/// The handlers run in this order: Form_Load once, before the form shows; Form_Activate each time it
+/// becomes the main window's active child; Form_QueryUnload and Form_Unload when it goes, either of which
+/// may keep it by setting `cancel`. Coming back from another program is no activation.
+class Form : public QWidget
+{
+    Q_OBJECT
+
+public:
+    enum WindowState { Normal = 0, Minimized = 1, Maximized = 2 };
+
+    explicit Form(QWidget* parent = nullptr);
+    ~Form() override;
+
+    [[nodiscard]] QString Name() const { return objectName(); }
+    [[nodiscard]] QString Caption() const { return windowTitle(); }
+    void setCaption(const QString& caption);
+
+    /// Enters the list of loaded forms and runs Form_Load; nothing when loaded.
+    void Load();
+    /// Loads, and shows as a child of the MDI window; a visible form only comes forward.
+    void Show();
+    /// Loads, shows above all other windows, and returns when the form has gone.
+    void ShowModal();
+    /// Asks the handlers; without a cancel the form leaves the list and is deleted from the event loop.
+    /// False when it was kept.
+    bool Unload();
+    /// Brings the form forward.
+    void SetFocus();
+
+    [[nodiscard]] int Left() const;
+    [[nodiscard]] int Top() const;
+    void setLeft(int left);
+    void setTop(int top);
+    [[nodiscard]] WindowState windowStateValue() const;
+    void setWindowStateValue(WindowState state);
+
+    /// For the MDI window, which knows when a child becomes the active one.
+    void activate() { Form_Activate(); }
+
+signals:
+    void unloaded();
+
+protected:
+    virtual void Form_Load() {}
+    virtual void Form_Activate() {}
+    virtual void Form_QueryUnload(bool& cancel);
+    virtual void Form_Unload(bool& cancel);
+
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    [[nodiscard]] QWidget* frame() const;
+
+    QPointer<QMdiSubWindow> m_frame;
+    bool m_loaded = false;
+};
+
+/// Loaded forms in the order of their loading, without the MDI window.
+[[nodiscard]] QList<Form*> LoadedForms();
+
+/// Names of all loaded windows, the MDI window's among them, in the order of their loading.
+[[nodiscard]] QStringList LoadedFormNames();
+
+} // namespace controls

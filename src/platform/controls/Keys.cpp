@@ -1,0 +1,41 @@
+#include "platform/controls/Keys.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
+
+namespace controls {
+
+void synthesizeTab()
+{
+    QWidget* target = QApplication::focusWidget();
+    if (!target)
+        return;
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease})
+        QCoreApplication::postEvent(target,
+                                    new QKeyEvent(type, Qt::Key_Tab, Qt::NoModifier, QStringLiteral("\t")));
+}
+
+int shiftState(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers.testFlag(Qt::ShiftModifier) ? 1 : 0) | (modifiers.testFlag(Qt::ControlModifier) ? 2 : 0) |
+           (modifiers.testFlag(Qt::AltModifier) ? 4 : 0);
+}
+
+int keyCode(const QKeyEvent& event)
+{
+    constexpr int classicF1 = 112;
+    const int key = event.key();
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F16)
+        return classicF1 + (key - Qt::Key_F1);
+    const bool plain = (key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9);
+    return plain ? key : 0;
+}
+
+bool asksForMenu(const QKeyEvent& event)
+{
+    return event.key() == Qt::Key_Menu ||
+           (event.key() == Qt::Key_F10 && event.modifiers().testFlag(Qt::ShiftModifier));
+}
+
+} // namespace controls

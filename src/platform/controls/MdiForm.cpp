@@ -1,0 +1,139 @@
+#include "platform/controls/MdiForm.h"
+
+#include "platform/controls/LoadedWindows.h"
+
+#include <QCloseEvent>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QStyle>
+
+namespace controls {
+
+namespace {
+
+QPointer<MdiForm>& theInstance()
+{
+    static QPointer<MdiForm> instance;
+    return instance;
+}
+
+} // namespace
+
+MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(this))
+{
+    theInstance() = this;
+    m_area->setObjectName(QStringLiteral("mdiArea"));
+    m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    setCentralWidget(m_area);
+    resize(1200, 760);
+    connect(m_area, &QMdiArea::subWindowActivated, this, &MdiForm::childActivated);
+}
+
+MdiForm::~MdiForm()
+{
+    loadedWindows().removeAll(this);
+}
+
+MdiForm* MdiForm::instance()
+{
+    return theInstance();
+}
+
+void MdiForm::Load()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    loadedWindows() += this;
+    MDIForm_Load();
+}
+
+void MdiForm::Show()
+{
+    Load();
+    show();
+    activateWindow();
+}
+
+bool MdiForm::Unload()
+{
+    if (!m_loaded)
+        return true;
+    for (Form* form : LoadedForms())
+        if (!form->Unload())
+            return false;
+    bool cancel = false;
+    MDIForm_Unload(cancel);
+    if (cancel)
+        return false;
+    m_loaded = false;
+    loadedWindows().removeAll(this);
+    hide();
+    deleteLater();
+    return true;
+}
+
+void MdiForm::Cascade()
+{
+    const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
+    int offset = 0;
+    for (QMdiSubWindow* frame : m_area->subWindowList(QMdiArea::StackingOrder)) {
+        if (!frame->isVisible() || frame->isMinimized())
+            continue;
+        if (frame->isMaximized())
+            frame->showNormal();
+        frame->move(offset, offset);
+        offset += step;
+    }
+}
+
+Form* MdiForm::ActiveForm() const
+{
+    return m_active ? qobject_cast<Form*>(m_active->widget()) : nullptr;
+}
+
+QMdiSubWindow* MdiForm::adopt(Form* form)
+{
+    const QSize wanted = form->size().expandedTo(form->sizeHint());
+    auto* frame = m_area->addSubWindow(form);
+    frame->setAttribute(Qt::WA_DeleteOnClose);
+    frame->setWindowTitle(form->windowTitle());
+    const QSize border = frame->sizeHint() - form->sizeHint();
+    frame->resize((wanted + border).boundedTo(m_area->viewport()->size()));
+    return frame;
+}
+
+void MdiForm::release(QMdiSubWindow* frame)
+{
+    if (m_active == frame)
+        m_active.clear();
+    m_area->removeSubWindow(frame);
+}
+
+void MdiForm::MDIForm_Unload(bool& /*cancel*/) {}
+
+bool MdiForm::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate)
+        MDIForm_Activate();
+    return QMainWindow::event(event);
+}
+
+void MdiForm::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(Unload());
+}
+
+void MdiForm::childActivated(QMdiSubWindow* frame)
+{
+    // The area also tells when the whole window loses and regains the focus.
+    if (!frame || frame == m_active)
+        return;
+    m_active = frame;
+    if (auto* form = qobject_cast<Form*>(frame->widget()))
+        form->activate();
+}
+
+} // namespace controls

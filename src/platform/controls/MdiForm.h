@@ -1,0 +1,56 @@
+// The multi-document main window: menus, and the area that hosts the forms.
+#pragma once
+
+#include "platform/controls/Form.h"
+
+#include <QMainWindow>
+
+class QMdiArea;
+
+namespace controls {
+
+/// One a process. MDIForm_Load runs before it shows, MDIForm_Activate each time its window becomes the
+/// active one. Closing its frame unloads the children first; one that cancels keeps the window open.
+class MdiForm : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MdiForm(QWidget* parent = nullptr);
+    ~MdiForm() override;
+
+    /// The process's MDI window; null before it is made.
+    [[nodiscard]] static MdiForm* instance();
+
+    [[nodiscard]] QString Name() const { return objectName(); }
+    void Load();
+    void Show();
+    /// False when a child or the window's own handler keeps it.
+    bool Unload();
+
+    /// Lays the visible children out from the top left corner, each a step below and right of the last.
+    void Cascade();
+    [[nodiscard]] Form* ActiveForm() const;
+    [[nodiscard]] QMdiArea* area() const { return m_area; }
+
+    /// For Form: wraps a form into a frame of the area, and forgets the frame of one that goes.
+    QMdiSubWindow* adopt(Form* form);
+    void release(QMdiSubWindow* frame);
+
+protected:
+    virtual void MDIForm_Load() {}
+    virtual void MDIForm_Activate() {}
+    virtual void MDIForm_Unload(bool& cancel);
+
+    bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void childActivated(QMdiSubWindow* frame);
+
+    QMdiArea* m_area;
+    QPointer<QMdiSubWindow> m_active;
+    bool m_loaded = false;
+};
+
+} // namespace controls

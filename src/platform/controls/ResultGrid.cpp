@@ -1,0 +1,172 @@
+#include "platform/controls/ResultGrid.h"
+
+#include "platform/controls/ResultModel.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDialog>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+namespace controls {
+
+namespace {
+
+constexpr int measuredRows = 200;
+constexpr int measuredRowsOfWide = 20;
+constexpr int wideResult = 50; // columns
+constexpr int widestColumn = 320;
+constexpr int narrowestColumn = 48;
+
+} // namespace
+
+ResultGrid::ResultGrid(QWidget* parent) : QTableView(parent)
+{
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionMode(QAbstractItemView::ContiguousSelection);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setCornerButtonEnabled(true);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    connect(this, &QTableView::doubleClicked, this, &ResultGrid::showCell);
+    showRows(m_records);
+}
+
+void ResultGrid::ReBind()
+{
+    m_message.clear();
+    showRows(m_records);
+    fitColumns();
+}
+
+void ResultGrid::showMessage(const QString& text)
+{
+    m_message = text;
+    m_records = ado::Recordset();
+    showRows(m_records);
+    viewport()->update();
+}
+
+void ResultGrid::setCopyCaptions(const QString& copy, const QString& copyWithHeaders)
+{
+    m_copyCaption = copy;
+    m_copyWithHeadersCaption = copyWithHeaders;
+}
+
+void ResultGrid::showRows(const ado::Recordset& records)
+{
+    auto* before = model();
+    auto* selectionBefore = selectionModel();
+    setModel(new ResultModel(records, this));
+    delete selectionBefore;
+    delete before;
+}
+
+void ResultGrid::fitColumns()
+{
+    const auto* rows = model();
+    const int limit = rows->columnCount() > wideResult ? measuredRowsOfWide : measuredRows;
+    const int sample = std::min(rows->rowCount(), limit);
+    const QFontMetrics metrics = fontMetrics();
+    for (int column = 0; column < rows->columnCount(); ++column) {
+        int width = horizontalHeader()->sectionSizeHint(column);
+        for (int row = 0; row < sample && width < widestColumn; ++row)
+            width = std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) + 16);
+        setColumnWidth(column, std::clamp(width, narrowestColumn, widestColumn));
+    }
+}
+
+QString ResultGrid::selectionText(bool headers) const
+{
+    const auto* rows = static_cast<const ResultModel*>(model());
+    const QItemSelection selection = selectionModel()->selection();
+    if (selection.isEmpty())
+        return {};
+    const QItemSelectionRange range = selection.first();
+    QString text;
+    for (int column = range.left(); headers && column <= range.right(); ++column)
+        text += rows->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString() +
+                QLatin1Char(column < range.right() ? '\t' : '\n');
+    for (int row = range.top(); row <= range.bottom(); ++row) {
+        for (int column = range.left(); column <= range.right(); ++column) {
+            const QModelIndex cell = rows->index(row, column);
+            text += rows->isNull(cell) ? QStringLiteral("NULL") : rows->wholeText(cell);
+            if (column < range.right())
+                text += QLatin1Char('\t');
+        }
+        if (row < range.bottom() || headers)
+            text += QLatin1Char('\n');
+    }
+    return text;
+}
+
+void ResultGrid::keyPressEvent(QKeyEvent* event)
+{
+    const bool withHeaders = event->key() == Qt::Key_C &&
+                             event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
+    if (withHeaders || event->matches(QKeySequence::Copy)) {
+        copy(withHeaders);
+        return;
+    }
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
+        showCell(currentIndex());
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void ResultGrid::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (!currentIndex().isValid())
+        return;
+    QMenu menu;
+    const QAction* plain = menu.addAction(m_copyCaption);
+    const QAction* withHeaders = menu.addAction(m_copyWithHeadersCaption);
+    const QAction* chosen = menu.exec(event->globalPos());
+    if (chosen == plain || chosen == withHeaders)
+        copy(chosen == withHeaders);
+}
+
+void ResultGrid::paintEvent(QPaintEvent* event)
+{
+    QTableView::paintEvent(event);
+    if (m_message.isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::Text));
+    const int margin = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, m_message);
+}
+
+void ResultGrid::copy(bool headers)
+{
+    QApplication::clipboard()->setText(selectionText(headers));
+}
+
+void ResultGrid::showCell(const QModelIndex& cell)
+{
+    QDialog viewer(this);
+    viewer.setObjectName(QStringLiteral("dlgCelda"));
+    viewer.setWindowTitle(model()->headerData(cell.column(), Qt::Horizontal).toString());
+    auto* text = new QPlainTextEdit(static_cast<const ResultModel*>(model())->wholeText(cell), &viewer);
+    text->setReadOnly(true);
+    text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    auto* layout = new QVBoxLayout(&viewer);
+    layout->addWidget(text);
+    viewer.resize(560, 360);
+    viewer.exec();
+}
+
+} // namespace controls

@@ -1,0 +1,44 @@
+// An editor of Transact-SQL: highlighting, line numbers, matching braces, a find bar on Ctrl+F.
+#pragma once
+
+#include <Qsci/qsciscintilla.h>
+
+class QLineEdit;
+
+namespace controls {
+
+/// The text is kept as it was given, line ends of any kind included. Tab types a tab; F6 and Shift+F6 move
+/// the focus on and back.
+class SqlEditor : public QsciScintilla
+{
+    Q_OBJECT
+
+public:
+    explicit SqlEditor(QWidget* parent = nullptr);
+
+    [[nodiscard]] QString Text() const { return text(); }
+    [[nodiscard]] QString SelText() const { return selectedText(); }
+
+    /// Looks for the find bar's text from the cursor on and around the end; false when it is nowhere.
+    bool findNext(bool forward = true);
+
+signals:
+    /// A key went down, with its classic code (F5 is 116) and shift state; keys without one are not told.
+    void KeyDown(int keyCode, int shift);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void applyColours();
+    void openFind();
+    void placeFind();
+    void fitLineNumbers();
+
+    QLineEdit* m_find;
+};
+
+} // namespace controls

@@ -1,0 +1,25 @@
+// A single-line text field that lets its form see each typed character first.
+#pragma once
+
+#include <QLineEdit>
+
+namespace controls {
+
+class TextBox : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    using QLineEdit::QLineEdit;
+
+    [[nodiscard]] QString Text() const { return text(); }
+
+signals:
+    /// A typed character, or 13 for Enter. A handler that sets it to 0 keeps it from the field.
+    void KeyPress(int& keyAscii);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+} // namespace controls

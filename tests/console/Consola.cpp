@@ -1,0 +1,121 @@
+#include "Consola.h"
+
+#include "app/Main.h"
+#include "browser/frmAdministrador.h"
+#include "core/Global.h"
+#include "core/LeeIdioma.h"
+#include "core/frmConectar.h"
+#include "core/mdiPrincipal.h"
+#include "core/mdlRegistro.h"
+#include "platform/ado/Transcript.h"
+#include "platform/controls/Pointer.h"
+#include "support/PracticeServer.h"
+
+#include <QCoreApplication>
+#include <QTest>
+
+#include <ostream>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace pruebas {
+
+void PrintTo(const Aviso& aviso, std::ostream* salida)
+{
+    *salida << aviso.estilo << " [" << aviso.titulo.toStdString() << "] " << aviso.texto.toStdString();
+}
+
+QString Lineas(const QStringList& lineas)
+{
+    QString texto;
+    for (QString linea : lineas) {
+        linea.replace(u"\r"_s, u"\\r"_s).replace(u"\n"_s, u"\\n"_s).replace(u"  "_s, u"··"_s);
+        texto += linea + u"\n"_s;
+    }
+    return texto;
+}
+
+QString ServidorDePrueba()
+{
+    static const auto servidor = support::PracticeServer::start({u"--sample"_s});
+    return u"127.0.0.1,"_s + QString::number(servidor->port());
+}
+
+void Consola::SetUp()
+{
+    ado::setStatementObserver([this](const QString& texto) { m_sentencias += texto; });
+    controls::setMessageBoxAnswerer([this](const QString& texto, int estilo, const QString& titulo) {
+        m_avisos += Aviso{texto, estilo, titulo};
+        return respuesta;
+    });
+}
+
+void Consola::TearDown()
+{
+    for (controls::Form* formulario : controls::LoadedForms())
+        formulario->Unload();
+    if (::mdiPrincipal.exists()) {
+        auto* ventana = &*::mdiPrincipal;
+        ventana->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    ConexionSQL = ado::Connection();
+    PrefijoBD.clear();
+    BaseDatosActual.clear();
+    Mensaje.clear();
+    ado::setStatementObserver({});
+    controls::setMessageBoxAnswerer({});
+}
+
+void Consola::Arranca(int idioma)
+{
+    CrearClave(HKEY_CURRENT_USER, ClaveRegistro);
+    EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(idioma), ValorNumero);
+    Main();
+    QTest::qWait(10);
+}
+
+void Consola::Conecta(const QString& servidor, const QString& usuario, const QString& clave)
+{
+    ::mdiPrincipal->mnuConectar->trigger();
+    ::frmConectar->txtServidor->setText(servidor);
+    ::frmConectar->txtUsuario->setText(usuario);
+    ::frmConectar->txtClave->setText(clave);
+    ::frmConectar->cmdConectar->click();
+    QTest::qWait(1);
+}
+
+void Consola::ArrancaYConecta(int idioma)
+{
+    Arranca(idioma);
+    Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba);
+    ASSERT_EQ(Avisos(), QList<Aviso>{});
+    ASSERT_EQ(Transcripcion(), QString());
+}
+
+QString Consola::Transcripcion()
+{
+    return Lineas(std::exchange(m_sentencias, {}));
+}
+
+QList<Aviso> Consola::Avisos()
+{
+    return std::exchange(m_avisos, {});
+}
+
+void Consola::Abre(QAction* entrada)
+{
+    entrada->trigger();
+    QTest::qWait(1);
+}
+
+void Consola::Pulsa(const QString& claveDelNodo)
+{
+    auto* arbol = ::frmAdministrador->trvBD;
+    auto* nodo = arbol->Find(claveDelNodo);
+    ASSERT_NE(nodo, nullptr) << claveDelNodo.toStdString();
+    arbol->Select(nodo);
+    ::frmAdministrador->trvBD_Click();
+}
+
+} // namespace pruebas

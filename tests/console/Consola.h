@@ -1,0 +1,66 @@
+// The console as a test drives it: the real forms on the offscreen platform, a practice server behind
+// them, every statement recorded, every message box answered from a script.
+#pragma once
+
+#include "platform/controls/MessageBox.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class QAction;
+
+namespace pruebas {
+
+/// A message box as it was shown.
+struct Aviso
+{
+    QString texto;
+    int estilo;
+    QString titulo;
+
+    bool operator==(const Aviso&) const = default;
+};
+
+void PrintTo(const Aviso& aviso, std::ostream* salida);
+
+/// The address of the shared practice server, "127.0.0.1,port", and its sa password.
+QString ServidorDePrueba();
+inline const QString ClaveDePrueba = QStringLiteral("Practice1!");
+
+/// Lines joined as a transcript prints them, with line breaks and double blanks visible.
+QString Lineas(const QStringList& lineas);
+
+class Consola : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Starts the program as Main does, in a language, without connecting.
+    void Arranca(int idioma);
+    /// Arranca, then connects through the connect form and forgets the transcript so far.
+    void ArrancaYConecta(int idioma);
+    void Conecta(const QString& servidor, const QString& usuario, const QString& clave);
+
+    /// Statements sent since the last call.
+    QString Transcripcion();
+    /// Message boxes shown since the last call.
+    QList<Aviso> Avisos();
+
+    /// Opens the browser or the query window by its menu entry.
+    void Abre(QAction* entrada);
+    /// Clicks a node of the browser's tree, or chooses a menu entry.
+    void Pulsa(const QString& claveDelNodo);
+
+    controls::Answer respuesta = controls::Answer::Ok;
+
+private:
+    QStringList m_sentencias;
+    QList<Aviso> m_avisos;
+};
+
+} // namespace pruebas

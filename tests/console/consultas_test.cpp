@@ -1,0 +1,160 @@
+// The query window: its statements, what it shows, and its faults.
+#include "Consola.h"
+
+#include "core/Global.h"
+#include "core/mdiPrincipal.h"
+#include "query/frmAnalizadorConsultas.h"
+#include "support/PracticeServer.h"
+
+#include <QMenu>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace pruebas {
+namespace {
+
+constexpr int Es = 0;
+constexpr int En = 1;
+
+} // namespace
+
+class Consultas : public Consola
+{
+protected:
+    void Prepara(int idioma)
+    {
+        ArrancaYConecta(idioma);
+        Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+        apertura = Transcripcion();
+    }
+
+    /// Puts the text into the editor, runs it with F5 and returns what was sent.
+    QString Corre(const QString& texto)
+    {
+        forma()->txtSQL->setText(texto);
+        QTest::keyClick(forma()->txtSQL, Qt::Key_F5);
+        return Transcripcion();
+    }
+
+    static formularios::frmAnalizadorConsultas* forma() { return &*::frmAnalizadorConsultas; }
+    static QString Celda(int fila, int columna)
+    {
+        const auto* modelo = forma()->GridSQL->model();
+        return modelo->index(fila, columna).data().toString();
+    }
+
+    QString apertura;
+};
+
+TEST_F(Consultas, OpensOnMasterAndMovesTheSessionWithTheCombo)
+{
+    Prepara(Es);
+    EXPECT_EQ(apertura,
+              Lineas({u"Select name from master.dbo.sysdatabases order by name"_s, u"Use master"_s}));
+    EXPECT_EQ(forma()->cboBD->Text(), u"master"_s);
+    EXPECT_EQ(forma()->Caption(), u"Analizado Consultas"_s);
+    EXPECT_EQ(forma()->cmdEjecuta->text(), u"(F5) &Ejecutar"_s);
+    EXPECT_TRUE(::mdiPrincipal->mnuConsulta->menuAction()->isVisible());
+
+    forma()->cboBD->setListIndex(forma()->cboBD->ListIndex() + 1);
+    EXPECT_EQ(Transcripcion(), Lineas({u"Use model"_s}));
+    Corre(u"select db_name()"_s);
+    EXPECT_EQ(Celda(0, 0), u"model"_s);
+
+    forma()->Unload();
+    EXPECT_TRUE(::mdiPrincipal->mnuConsulta->menuAction()->isVisible()) << "the menu stays on";
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    EXPECT_EQ(forma()->cboBD->Text(), u"master"_s);
+}
+
+TEST_F(Consultas, RunsTheTextAsItStandsOrTheSelectionByItself)
+{
+    Prepara(En);
+    const QString texto = u"  select 'a{b}?' as x\r\n-- ñ €\r\n"_s;
+    EXPECT_EQ(Corre(texto), Lineas({texto}));
+    EXPECT_EQ(Celda(0, 0), u"a{b}?"_s);
+
+    forma()->txtSQL->setText(u"select 1 as a, select"_s);
+    forma()->txtSQL->setSelection(0, 0, 0, 13);
+    forma()->cmdEjecuta->click();
+    EXPECT_EQ(Transcripcion(), Lineas({u"select 1 as a"_s}));
+
+    forma()->txtSQL->setText(u"select 2   "_s);
+    forma()->txtSQL->setSelection(0, 8, 0, 11);
+    forma()->Ejecuta();
+    EXPECT_EQ(Transcripcion(), Lineas({u"select 2   "_s})) << "a blank selection falls through";
+
+    EXPECT_EQ(Corre(u" \r\n\t "_s), QString());
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+}
+
+TEST_F(Consultas, ARefusedStatementShowsTheErrorAndKeepsTheGrid)
+{
+    Prepara(Es);
+    Corre(u"select 41 + 1"_s);
+    Corre(u"select * from nada"_s);
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u" Error Nº:208 (Invalid object name 'nada'.)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(Celda(0, 0), u"42"_s);
+    Corre(u"select 1\r\nGO\r\nselect 2"_s);
+    ASSERT_FALSE(Avisos().isEmpty()) << "GO means nothing to the server";
+    Corre(u"select 43"_s);
+    EXPECT_EQ(Celda(0, 0), u"43"_s);
+}
+
+TEST_F(Consultas, TellsNullFromAnEmptyText)
+{
+    Prepara(Es);
+    Corre(u"select null as n, '' as v, 0 as c"_s);
+    EXPECT_EQ(Celda(0, 1), QString());
+    EXPECT_NE(Celda(0, 0), Celda(0, 1));
+    EXPECT_EQ(Celda(0, 2), u"0"_s);
+}
+
+TEST_F(Consultas, ABatchShowsEachResultAndWhatStandsBesideThem)
+{
+    Prepara(En);
+    Corre(u"select 1 as a print 'entre' select 'dos' as b"_s);
+    ASSERT_EQ(forma()->cboResultados->ListCount(), 2);
+    EXPECT_EQ(Celda(0, 0), u"1"_s);
+    forma()->cboResultados->setListIndex(1);
+    EXPECT_EQ(Celda(0, 0), u"dos"_s);
+    EXPECT_TRUE(forma()->txtMensajes->toPlainText().contains(u"entre"_s));
+
+    Corre(u"select 5 as a select 1/0 as b"_s);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:8134 (Divide by zero error encountered.)."_s, 48,
+                                       u"Atención."_s}}));
+    EXPECT_EQ(Celda(0, 0), u"5"_s);
+}
+
+TEST_F(Consultas, AStatementWithoutRowsSaysWhatHappened)
+{
+    Prepara(Es);
+    Corre(u"create table #t (a int) insert #t values (1) insert #t values (2)"_s);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    Corre(u"update #t set a = a + 1"_s);
+    EXPECT_EQ(forma()->lblResultado->text(), u"2 filas afectadas."_s);
+    Corre(u"select a from #t order by a"_s);
+    EXPECT_EQ(forma()->lblResultado->text(), u"2 filas"_s);
+    EXPECT_EQ(Celda(1, 0), u"3"_s);
+}
+
+TEST_F(Consultas, ALostServerIsAnErrorAndTheNextConnectWorks)
+{
+    auto otro = support::PracticeServer::start();
+    Arranca(Es);
+    Conecta(u"127.0.0.1,"_s + QString::number(otro->port()), u"sa"_s, ClaveDePrueba);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    otro->stop();
+    Corre(u"select 1"_s);
+    const auto avisos = Avisos();
+    ASSERT_EQ(avisos.size(), 1);
+    EXPECT_TRUE(avisos[0].texto.startsWith(u" Error Nº:-2147467259 ("_s)) << avisos[0].texto.toStdString();
+    Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    Corre(u"select 44"_s);
+    EXPECT_EQ(Celda(0, 0), u"44"_s);
+}
+
+} // namespace pruebas
