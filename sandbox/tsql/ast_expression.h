@@ -73,7 +73,10 @@ enum class ExpressionKind : std::uint8_t
 struct Expression
 {
     const ExpressionKind kind;
-    SourceRange source;
+    /// Levels of nodes from here down, subqueries included. The parser keeps it below a bound, so that
+    /// a recursive walk over a tree is safe.
+    std::uint16_t height = 1;
+    SourceRange source; ///< with the parentheses around it, if any
 
     Expression(const Expression&) = delete;
     Expression& operator=(const Expression&) = delete;
@@ -124,7 +127,7 @@ enum class LiteralKind : std::uint8_t
 };
 
 /// - Integer: digits only, of any length (above 2147483647 it is a numeric);
-/// - Decimal "1.50", Float "1e3", as written; Money without its currency sign ("-" stays: $-1.5);
+/// - Decimal "1.50", Float "1e3", as written; Money without its currency sign, "" for a bare one;
 /// - String, NationalString: the content with doubled quotes halved;
 /// - Binary: hexadecimal digits without 0x, possibly none.
 struct Literal : ExpressionOf<ExpressionKind::Literal>
@@ -253,9 +256,10 @@ struct Window
     std::optional<WindowFrame> frame;
 };
 
-/// Any call, aggregates included; also the functions without parentheses (CURRENT_TIMESTAMP, USER,
-/// SYSTEM_USER ...), which have no arguments. A date part comes as a Column ("DATEADD(day, ...)").
-/// IDENTITY(type, seed, increment) in a SELECT INTO has its type in `type`.
+/// Any call, aggregates included; UPDATE(column) as a condition comes as its comparison with 1; also the
+/// functions without parentheses (CURRENT_TIMESTAMP, USER, SYSTEM_USER ...), which have no arguments. A date
+/// part comes as a Column ("DATEADD(day, ...)"). IDENTITY(type, seed, increment) in a SELECT INTO has its
+/// type in `type`.
 struct Function : ExpressionOf<ExpressionKind::Function>
 {
     ObjectName name;

@@ -2,20 +2,12 @@
 #pragma once
 
 #include "tsql/ast.h"
+#include "tsql/syntax_error.h"
 
 #include <string>
 #include <string_view>
 
 namespace practice {
-
-/// What SQL Server says about a batch that it cannot read. Severity is 15.
-struct SyntaxError
-{
-    int number = 102;
-    std::string text;
-    int line = 1;
-    int state = 1;
-};
 
 struct ParserOptions
 {

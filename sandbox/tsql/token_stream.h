@@ -1,0 +1,121 @@
+// What every part of the parser stands on: the tokens with look-ahead, names, errors, bounds.
+#pragma once
+
+#include "tsql/ast_expression.h"
+#include "tsql/lexer.h"
+#include "tsql/syntax_error.h"
+
+#include <deque>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace practice {
+
+class TokenStream
+{
+public:
+    TokenStream(std::string_view text, bool quotedIdentifier);
+
+    [[nodiscard]] bool atEnd() const { return m_current.kind == TokenKind::End; }
+    /// Error 102 or 156 at the current token: the word decides which.
+    [[noreturn]] void fail() const;
+
+protected:
+    /// Guards one level of recursion.
+    /// @throws SyntaxError 191 when there are too many
+    class Nesting
+    {
+    public:
+        explicit Nesting(TokenStream& stream) : m_stream(stream)
+        {
+            if (++m_stream.m_depth > maxNesting)
+                m_stream.failTooDeep();
+        }
+        ~Nesting() { --m_stream.m_depth; }
+        Nesting(const Nesting&) = delete;
+        Nesting& operator=(const Nesting&) = delete;
+
+    private:
+        TokenStream& m_stream;
+    };
+
+    /// Recursion that a stack of 1 MB holds, sanitizers and all.
+    static constexpr int maxNesting = 160;
+    /// Height of an expression; also bounds chains such as a + b + c ..., which lean to the left.
+    static constexpr int maxTreeHeight = 1000;
+
+    // Looking
+    [[nodiscard]] const Token& current() const { return m_current; }
+    [[nodiscard]] const Token& peek(std::size_t distance = 1);
+    [[nodiscard]] bool at(Symbol symbol) const { return m_current.symbol == symbol; }
+    [[nodiscard]] bool at(Keyword keyword) const { return m_current.keyword == keyword; }
+    [[nodiscard]] bool at(TokenKind kind) const { return m_current.kind == kind; }
+    /// @param word upper case; for words that are not reserved
+    [[nodiscard]] bool atWord(std::string_view word) const { return isWord(m_current, word); }
+    [[nodiscard]] bool atIdentifier() const { return isIdentifier(m_current); }
+    [[nodiscard]] bool atString() const { return at(TokenKind::String) || at(TokenKind::NationalString); }
+    [[nodiscard]] static bool isWord(const Token& token, std::string_view word);
+    [[nodiscard]] static bool isIdentifier(const Token& token);
+
+    // Moving
+    Token advance();
+    bool accept(Symbol symbol);
+    bool accept(Keyword keyword);
+    bool acceptWord(std::string_view word);
+    void expect(Symbol symbol);
+    void expect(Keyword keyword);
+    void expectWord(std::string_view word);
+    /// All of them in a row, or none.
+    bool acceptWords(std::initializer_list<std::string_view> words);
+    void setQuotedIdentifier(bool on);
+
+    // Names
+    [[nodiscard]] std::string identifier();
+    [[nodiscard]] std::string identifierOrString();
+    [[nodiscard]] std::string string();
+    [[nodiscard]] std::string variable();
+    [[nodiscard]] std::string identifierOrVariable();
+    /// Any word, keywords included, in upper case.
+    [[nodiscard]] std::string anyWord();
+    [[nodiscard]] int integer();
+    [[nodiscard]] ast::ObjectName objectName();
+    /// Up to four parts, the last one the object's.
+    /// @throws SyntaxError 117 for more
+    [[nodiscard]] ast::ObjectName joinParts(std::vector<std::string> parts) const;
+    /// (a, b, c)
+    [[nodiscard]] std::vector<std::string> identifierList();
+    /// The list without its parentheses.
+    [[nodiscard]] std::vector<std::string> identifiers();
+    [[nodiscard]] bool onOrOff();
+    void skipParenthesised();
+
+    // Places
+    [[nodiscard]] ast::SourceRange here() const { return {m_current.begin, m_current.end, m_current.line}; }
+    /// From the start of `start` to the end of the last token taken.
+    [[nodiscard]] ast::SourceRange since(const ast::SourceRange& start) const
+    {
+        return {start.begin, m_previous.end, start.line};
+    }
+    [[nodiscard]] std::uint32_t previousEnd() const { return m_previous.end; }
+
+    // Errors
+    [[noreturn]] void failAt(const Token& token) const;
+    [[noreturn]] void fail(int number, const std::string& text, int state = 1) const;
+    [[noreturn]] void failTooDeep() const;
+    [[noreturn]] void failNoCondition() const;
+
+private:
+    [[nodiscard]] const Token& blamed() const { return atEnd() ? m_previous : m_current; }
+
+    Lexer m_lexer;
+    Token m_current;
+    Token m_previous;
+    std::deque<Token> m_ahead;
+    int m_depth = 0;
+};
+
+/// Upper case of the letters A to Z; the others stay.
+[[nodiscard]] std::string upperCase(std::string_view text);
+
+} // namespace practice
