@@ -202,14 +202,25 @@ struct DeclareStatement : StatementOf<StatementKind::Declare>
     std::vector<Declaration> declarations;
 };
 
+struct DeclareCursorStatement : StatementOf<StatementKind::DeclareCursor>
+{
+    std::string name;
+    bool global = false;
+    bool insensitive = false;         ///< INSENSITIVE or STATIC
+    bool scroll = false;              ///< SCROLL, or an option that brings it (STATIC, KEYSET, DYNAMIC)
+    bool readOnly = false;            ///< READ_ONLY, FAST_FORWARD or FOR READ ONLY
+    std::vector<std::string> options; ///< upper case, as written
+    QueryPtr query;
+    std::vector<std::string> updateColumns; ///< FOR UPDATE OF
+};
+
 /// SET @v = expression
 struct SetVariableStatement : StatementOf<StatementKind::SetVariable>
 {
     std::string variable;
     AssignmentOperator op = AssignmentOperator::Set;
     ExpressionPtr value;
-    /// SET @c = CURSOR ... FOR query
-    QueryPtr cursor;
+    std::unique_ptr<DeclareCursorStatement> cursor; ///< SET @c = CURSOR ... FOR query (without name)
 };
 
 /// SET names ON|OFF, SET IDENTITY_INSERT t ON|OFF, SET name value, SET TRANSACTION ISOLATION LEVEL.
@@ -340,18 +351,6 @@ struct ExecuteStringStatement : StatementOf<StatementKind::ExecuteString>
     std::string asLogin;
     std::string asUser;
     std::string at; ///< linked server
-};
-
-struct DeclareCursorStatement : StatementOf<StatementKind::DeclareCursor>
-{
-    std::string name;
-    bool global = false;
-    bool insensitive = false;         ///< INSENSITIVE or STATIC
-    bool scroll = false;              ///< SCROLL, or an option that brings it (STATIC, KEYSET, DYNAMIC)
-    bool readOnly = false;            ///< READ_ONLY, FAST_FORWARD or FOR READ ONLY
-    std::vector<std::string> options; ///< upper case, as written
-    QueryPtr query;
-    std::vector<std::string> updateColumns; ///< FOR UPDATE OF
 };
 
 enum class CursorAction : std::uint8_t

@@ -2,6 +2,7 @@
 #include "tsql/query_parser.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace practice {
 
