@@ -1,10 +1,15 @@
 #include "app/Ordenes.h"
 
+#include "app/Ordenes_Objetos.h"
+#include "app/Ordenes_Scripts.h"
 #include "browser/frmAdministrador.h"
 #include "core/Funciones.h"
+#include "core/Global.h"
 #include "core/frmConectar.h"
 #include "core/mdiPrincipal.h"
 #include "query/frmAnalizadorConsultas.h"
+#include "query/frmProcedimiento.h"
+#include "query/frmVista.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,13 +36,38 @@ try {
     InformaError(u"mnuAnalizadorConsultas_Click"_s);
 }
 
+void mnuAñadirVista_Click()
+try {
+    BaseDatosActual = ::frmAdministrador->TextoPadre();
+    MuestraFormulario(&*::frmVista);
+} catch (...) {
+    InformaError(u"mnuAñadirVista_Click"_s);
+}
+
+void mnuAñadirProcedimiento_Click()
+try {
+    BaseDatosActual = ::frmAdministrador->TextoPadre();
+    MuestraFormulario(&*::frmProcedimiento);
+} catch (...) {
+    InformaError(u"mnuAñadirProcedimiento_Click"_s);
+}
+
 } // namespace
 
 void EnlazaOrdenes()
 {
-    auto* principal = &*::mdiPrincipal;
-    QObject::connect(principal->mnuConectar, &QAction::triggered, principal, mnuConectar_Click);
-    QObject::connect(principal->mnuAdministrador, &QAction::triggered, principal, mnuAdministrador_Click);
-    QObject::connect(principal->mnuAnalizadorConsultas, &QAction::triggered, principal,
-                     mnuAnalizadorConsultas_Click);
+    auto* m = &*::mdiPrincipal;
+    const auto enlaza = [m](QAction* entrada, void (*orden)()) {
+        QObject::connect(entrada, &QAction::triggered, m, orden);
+    };
+    enlaza(m->mnuConectar, mnuConectar_Click);
+    enlaza(m->mnuAdministrador, mnuAdministrador_Click);
+    enlaza(m->mnuAnalizadorConsultas, mnuAnalizadorConsultas_Click);
+    enlaza(m->mnuAñadirVista, mnuAñadirVista_Click);
+    enlaza(m->mnuAñadirProcedimiento, mnuAñadirProcedimiento_Click);
+    enlaza(m->mnuDiseño, mnuDiseño_Click);
+    enlaza(m->mnuVerRegistros, mnuVerRegistros_Click);
+    enlaza(m->mnuEliminar, mnuEliminar_Click);
+    enlaza(m->mnuAbrir, mnuAbrir_Click);
+    enlaza(m->mnuGuardar, mnuGuardar_Click);
 }

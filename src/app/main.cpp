@@ -23,6 +23,9 @@ int main(int argc, char** argv)
         qputenv("QUERMO_SERVER", opciones.value(servidor).toUtf8());
 
     controls::applyTheme();
+    // The language form may close before any other window is there; that is not the end.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
     Main();
+    QGuiApplication::setQuitOnLastWindowClosed(true);
     return QApplication::exec();
 }

@@ -24,6 +24,7 @@ frmAdministrador::frmAdministrador() : ImageList1(new controls::ImageList(this))
 {
     setupUi(this);
     ImageList1->setObjectName(u"ImageList1"_s);
+    splPaneles->setSizes({270, 550});
     trvBD->setImageList(ImageList1);
     connect(trvBD, &controls::TreeView::Click, this, &frmAdministrador::trvBD_Click);
     connect(trvBD, &controls::TreeView::MouseDown, this, &frmAdministrador::trvBD_MouseDown);

@@ -17,8 +17,10 @@ namespace formularios {
 mdiPrincipal::mdiPrincipal()
 {
     setupUi(this);
-    for (auto* separador : {Separator1, Separator2, Separator3, Separator4, Separator5, Separator6})
+    for (auto* separador : {Separator1, Separator2, Separator3, Separator4, Separator5, Separator6}) {
         separador->setSeparator(true);
+        separador->setText(QString()); // the stored dash would show as a heading
+    }
     controls::setVisible(mnuTabla, false);
     connect(mnuSalir, &QAction::triggered, this, &mdiPrincipal::mnuSalir_Click);
 }

@@ -1,6 +1,7 @@
 // The main window: the only menu bar, and the area that hosts every other form.
 #pragma once
 
+#include "platform/controls/FileDialog.h"
 #include "platform/controls/MdiForm.h"
 #include "platform/controls/Slot.h"
 #include "ui_mdiPrincipal.h"
@@ -11,6 +12,8 @@ class mdiPrincipal : public controls::MdiForm, public Ui::mdiPrincipal
 {
 public:
     mdiPrincipal();
+
+    controls::FileDialog cmdPrincipal; ///< of the script commands; keeps its name from use to use
 
     void PonIdioma();
     void mnuSalir_Click();

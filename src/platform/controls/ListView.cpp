@@ -11,7 +11,7 @@ namespace controls {
 
 namespace {
 
-constexpr int startWidths[] = {220, 120, 90, 170}; // pixels at 96 dpi
+constexpr int startWidths[] = {210, 110, 80, 120}; // pixels at 96 dpi
 
 } // namespace
 
@@ -60,6 +60,7 @@ ListItem* ListView::Add(const QString& key, const QString& text)
     if (m_items.contains(key))
         basic::raise(basic::error::KeyNotUnique);
     auto* item = new ListItem(key, text);
+    item->setSizeHint(0, QSize(0, fontMetrics().height() + 4));
     addTopLevelItem(item);
     m_items.insert(key, item);
     return item;

@@ -33,6 +33,7 @@ MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(thi
 
 MdiForm::~MdiForm()
 {
+    m_area->disconnect(this); // the area still tells of children while it dies
     loadedWindows().removeAll(this);
 }
 
@@ -96,7 +97,8 @@ Form* MdiForm::ActiveForm() const
 
 QMdiSubWindow* MdiForm::adopt(Form* form)
 {
-    const QSize wanted = form->size().expandedTo(form->sizeHint());
+    const QSize wanted = form->testAttribute(Qt::WA_Resized) ? form->size().expandedTo(form->sizeHint())
+                                                             : form->sizeHint();
     auto* frame = m_area->addSubWindow(form);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWindowTitle(form->windowTitle());

@@ -86,7 +86,7 @@ Answer messageBox(const QString& text, int style, const QString& title)
     case QMessageBox::Ok:
         return Answer::Ok;
     default:
-        return Answer::Cancel;
+        return (style & Buttons) == 0 ? Answer::Ok : Answer::Cancel;
     }
 }
 

@@ -99,7 +99,8 @@ bool SqlEditor::findNext(bool forward)
 void SqlEditor::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_F6) {
-        focusNextPrevChild(!event->modifiers().testFlag(Qt::ShiftModifier));
+        // Scintilla keeps Tab for itself, and so refuses to move the focus.
+        QAbstractScrollArea::focusNextPrevChild(!event->modifiers().testFlag(Qt::ShiftModifier));
         return;
     }
     if (event->matches(QKeySequence::Find)) {

@@ -1,0 +1,44 @@
+#include "app/Ordenes_Scripts.h"
+
+#include "core/Funciones.h"
+#include "core/mdiPrincipal.h"
+#include "query/ArchivoScript.h"
+#include "query/frmAnalizadorConsultas.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The dialog set for scripts; a cancelled one keeps the name of the last.
+controls::FileDialog& DialogoScripts()
+{
+    controls::FileDialog& dialogo = ::mdiPrincipal->cmdPrincipal;
+    dialogo.setDefaultExt(u"sql"_s);
+    dialogo.setFilter(u"*.sql"_s);
+    return dialogo;
+}
+
+} // namespace
+
+void mnuAbrir_Click()
+try {
+    controls::FileDialog& dialogo = DialogoScripts();
+    dialogo.ShowOpen();
+    if (dialogo.FileName().trimmed().isEmpty())
+        return;
+    const QString texto = LeeScript(dialogo.FileName());
+    ::frmAnalizadorConsultas->txtSQL->setText(texto);
+} catch (...) {
+    InformaError(u"mnuAbrir_Click"_s);
+}
+
+void mnuGuardar_Click()
+try {
+    controls::FileDialog& dialogo = DialogoScripts();
+    dialogo.ShowSave();
+    if (dialogo.FileName().trimmed().isEmpty())
+        return;
+    EscribeScript(dialogo.FileName(), ::frmAnalizadorConsultas->txtSQL->Text());
+} catch (...) {
+    InformaError(u"mnuGuardar_Click"_s);
+}

@@ -1,0 +1,169 @@
+// The life of forms: order of their handlers, slots, the list of loaded forms, the MDI window.
+#include "platform/controls/MdiForm.h"
+#include "platform/controls/Slot.h"
+
+#include <gtest/gtest.h>
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QTest>
+#include <QTimer>
+
+namespace controls {
+namespace {
+
+QStringList& events()
+{
+    static QStringList list;
+    return list;
+}
+
+class Recorder : public Form
+{
+public:
+    explicit Recorder(const QString& name) { setObjectName(name); }
+    bool keep = false;
+
+protected:
+    void Form_Load() override { events() += Name() + ".Load"; }
+    void Form_Activate() override { events() += Name() + ".Activate"; }
+    void Form_QueryUnload(bool& /*cancel*/) override { events() += Name() + ".QueryUnload"; }
+    void Form_Unload(bool& cancel) override
+    {
+        events() += Name() + ".Unload";
+        cancel = keep;
+    }
+};
+
+class Window : public MdiForm
+{
+public:
+    Window() { setObjectName("window"); }
+
+protected:
+    void MDIForm_Load() override { events() += "window.Load"; }
+    void MDIForm_Unload(bool& /*cancel*/) override { events() += "window.Unload"; }
+};
+
+struct Sheet : Recorder
+{
+    Sheet() : Recorder("sheet") {}
+};
+
+class Forms : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window = new Window;
+        window->Show();
+        events().clear();
+    }
+    void TearDown() override
+    {
+        delete window;
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    static QStringList taken()
+    {
+        QTest::qWait(1);
+        return std::exchange(events(), {});
+    }
+
+    QPointer<Window> window;
+};
+
+} // namespace
+
+TEST_F(Forms, HandlersRunInOrderAndOnceEach)
+{
+    auto* a = new Recorder("a");
+    a->Show();
+    EXPECT_EQ(taken(), (QStringList{"a.Load", "a.Activate"}));
+    a->Show();
+    EXPECT_EQ(taken(), QStringList()) << "showing the active form again changes nothing";
+    auto* b = new Recorder("b");
+    b->Show();
+    EXPECT_EQ(taken(), (QStringList{"b.Load", "b.Activate"}));
+    EXPECT_EQ(LoadedFormNames(), (QStringList{"window", "a", "b"}));
+    a->SetFocus();
+    EXPECT_EQ(taken(), QStringList{"a.Activate"});
+    EXPECT_EQ(window->ActiveForm(), a);
+    a->Unload();
+    EXPECT_EQ(taken(), (QStringList{"a.QueryUnload", "a.Unload", "b.Activate"}));
+    EXPECT_EQ(LoadedForms(), QList<Form*>{b});
+}
+
+TEST_F(Forms, AnUnloadedFormIsDeletedWithItsFrame)
+{
+    QPointer<Recorder> a = new Recorder("a");
+    a->Show();
+    window->area()->subWindowList().first()->close();
+    QTest::qWait(1);
+    EXPECT_TRUE(a.isNull());
+    EXPECT_TRUE(window->area()->subWindowList().isEmpty());
+}
+
+TEST_F(Forms, CancelKeepsTheFormAndTheWindow)
+{
+    auto* a = new Recorder("a");
+    a->Show();
+    a->keep = true;
+    taken();
+    EXPECT_FALSE(a->Unload());
+    window->area()->subWindowList().first()->close();
+    EXPECT_TRUE(a->isVisible());
+    window->close();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(taken(), (QStringList{"a.QueryUnload", "a.Unload", "a.QueryUnload", "a.Unload", "a.QueryUnload",
+                                    "a.Unload"}));
+    a->keep = false;
+    window->close();
+    EXPECT_EQ(taken(), (QStringList{"a.QueryUnload", "a.Unload", "window.Unload"}));
+    EXPECT_EQ(LoadedFormNames(), QStringList());
+}
+
+TEST_F(Forms, ASlotMakesItsFormOnFirstUseAndAgainAfterItsUnload)
+{
+    static Slot<Sheet> slot;
+    EXPECT_FALSE(slot.exists());
+    Sheet* first = &*slot;
+    EXPECT_EQ(taken(), QStringList()) << "naming the form does not load it";
+    slot->Show();
+    EXPECT_EQ(&*slot, first);
+    EXPECT_EQ(taken(), (QStringList{"sheet.Load", "sheet.Activate"}));
+    slot->Unload();
+    slot.clear();
+    EXPECT_FALSE(slot.exists());
+    slot->Show();
+    EXPECT_EQ(taken(), (QStringList{"sheet.QueryUnload", "sheet.Unload", "sheet.Load", "sheet.Activate"}));
+}
+
+TEST_F(Forms, CascadingLaysVisibleChildrenOutInSteps)
+{
+    QList<Form*> forms;
+    for (const char* name : {"a", "b", "c"}) {
+        forms += new Recorder(name);
+        forms.last()->Show();
+    }
+    window->Cascade();
+    EXPECT_EQ(forms[0]->Left(), 0);
+    EXPECT_GT(forms[1]->Left(), forms[0]->Left());
+    EXPECT_GT(forms[2]->Top(), forms[1]->Top());
+    forms[2]->setLeft(0);
+    EXPECT_EQ(forms[2]->Left(), 0);
+    forms[1]->setWindowStateValue(Form::Minimized);
+    EXPECT_EQ(forms[1]->windowStateValue(), Form::Minimized);
+    forms[1]->setWindowStateValue(Form::Normal);
+    EXPECT_EQ(forms[1]->windowStateValue(), Form::Normal);
+}
+
+TEST_F(Forms, AModalFormReturnsWhenItCloses)
+{
+    auto* a = new Recorder("a");
+    QTimer::singleShot(10, a, [a] { a->close(); });
+    a->ShowModal();
+    EXPECT_EQ(events(), (QStringList{"a.Load", "a.QueryUnload", "a.Unload"}));
+}
+
+} // namespace controls
