@@ -77,7 +77,16 @@ Connection::Connection(Descriptor descriptor, const Shared& shared)
 
 Connection::~Connection()
 {
+    close();
+}
+
+void Connection::close()
+{
+    if (socket_.descriptor() < 0)
+        return;
     shared_.watch.remove(socket_.descriptor());
+    const std::lock_guard lock(mutex_);
+    socket_.close();
 }
 
 void Connection::stop()
@@ -111,9 +120,8 @@ void Connection::run()
             serve();
     } catch (const ProtocolError&) {
         if (sink_) {
-            sink_->message(brokenStream());
-            sink_->requestEnd();
-            writer_.endMessage();
+            sink_->setKind(Completion::Kind::Statement);
+            refuse(brokenStream());
         }
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "connection dropped: %s\n", failure.what());
@@ -126,7 +134,7 @@ void Connection::run()
         session = std::move(session_);
     }
     session.reset();
-    socket_.shutdown();
+    close();
 }
 
 bool Connection::login()
@@ -253,6 +261,7 @@ void Connection::executeBatch(ByteReader& reader)
 void Connection::executeCalls(ByteReader& reader)
 {
     do {
+        sink_->setKind(Completion::Kind::Procedure);
         Call call;
         try {
             call = readCall(reader, version_);
@@ -267,7 +276,6 @@ void Connection::executeCalls(ByteReader& reader)
         for (const auto& parameter : call.parameters)
             names.push_back(parameter.name);
         sink_->setParameterNames(std::move(names));
-        sink_->setKind(Completion::Kind::Procedure);
         session_->executeProcedure(call.procedure, std::move(call.parameters), *sink_);
     } while (!reader.atEnd());
 }

@@ -53,6 +53,7 @@ private:
     void setIsolation(int level);
     void begin();
     void end();
+    void close();
 
     Socket socket_;
     const Shared& shared_;
@@ -61,7 +62,7 @@ private:
     Version version_ = Version::V74;
     std::unique_ptr<TokenSink> sink_;
 
-    std::mutex mutex_; ///< over the three below, which the watch and `stop` look at
+    std::mutex mutex_; ///< over what follows and the socket's end, for the watch and `stop`
     std::unique_ptr<Session> session_;
     bool running_ = false;
     bool stopped_ = false;

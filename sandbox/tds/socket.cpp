@@ -44,14 +44,15 @@ bool waitReadable(int descriptor, Deadline deadline)
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
 {
-    std::swap(number_, other.number_);
+    Descriptor moved(std::move(other));
+    std::swap(number_, moved.number_);
     return *this;
 }
 
 Descriptor::~Descriptor()
 {
     if (number_ >= 0)
-        close(number_);
+        ::close(number_);
 }
 
 int Descriptor::release()

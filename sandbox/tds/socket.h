@@ -53,6 +53,7 @@ public:
 
     /// Ends both directions, so that whoever waits on it returns.
     void shutdown() const;
+    void close() { descriptor_ = {}; }
 
 private:
     Descriptor descriptor_;
