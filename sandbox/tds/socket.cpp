@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -16,7 +17,7 @@ namespace practice::tds {
 
 namespace {
 
-[[noreturn]] void fail(const char* what)
+[[noreturn]] void fail(const std::string& what)
 {
     throw std::system_error(errno, std::generic_category(), what);
 }
@@ -121,10 +122,9 @@ Descriptor listenOnLoopback(std::uint16_t port)
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        fail("bind");
-    if (listen(listener.get(), 64) != 0)
-        fail("listen");
+    const bool bound = bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    if (!bound || listen(listener.get(), 64) != 0)
+        fail("cannot listen on 127.0.0.1:" + std::to_string(port));
     return listener;
 }
 
