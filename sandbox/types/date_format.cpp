@@ -217,8 +217,11 @@ std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType&
     date += time;
     if (zulu && type.id == TypeId::DateTimeOffset)
         date += 'Z';
-    else if (type.id == TypeId::DateTimeOffset && !time.empty())
-        date += (iso ? "" : " ") + offsetText(value.offsetMinutes);
+    if (!zulu && type.id == TypeId::DateTimeOffset && !time.empty()) {
+        if (!iso)
+            date += ' ';
+        date += offsetText(value.offsetMinutes);
+    }
     return date;
 }
 
