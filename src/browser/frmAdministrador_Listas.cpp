@@ -15,9 +15,9 @@ namespace {
 
 QString TextoListaObjetos(const QString& campoTipo, const QString& filtro)
 {
-    return u"Select t.name as tabla,"_s + campoTipo + u",u.name as usuario,t.crdate as fecha "_s + u" from "_s +
-           PrefijoBD + u"sysobjects t,"_s + PrefijoBD + u"sysusers u"_s + filtro + u" and u.uid = t.uid"_s +
-           u" order by t.name"_s;
+    return u"Select t.name as tabla,"_s + campoTipo + u",u.name as usuario,t.crdate as fecha "_s +
+           u" from "_s + PrefijoBD + u"sysobjects t,"_s + PrefijoBD + u"sysusers u"_s + filtro +
+           u" and u.uid = t.uid"_s + u" order by t.name"_s;
 }
 
 QString ClaseTabla(const QString& tipo)
@@ -118,12 +118,13 @@ try {
     PonCabecera(ltvTablas, 3, QString(), QString());
     PonCabecera(ltvTablas, 4, QString(), QString());
     ado::Recordset registros;
-    if (!AbreLista(registros,
-                   u" SELECT usu.Name as nombre,lo.loginname as login"_s + u"         From "_s +
-                       u"                   "_s + BaseDatos + u"..sysusers usu ,master.dbo.syslogins lo"_s +
-                       u"         Where usu.sid = lo.sid and "_s +
-                       u"                   (usu.islogin = 1 and usu.isaliased = 0 and usu.hasdbaccess = 1) "_s,
-                   u" Usuarios "_s, u" Users "_s))
+    if (!AbreLista(
+            registros,
+            u" SELECT usu.Name as nombre,lo.loginname as login"_s + u"         From "_s +
+                u"                   "_s + BaseDatos + u"..sysusers usu ,master.dbo.syslogins lo"_s +
+                u"         Where usu.sid = lo.sid and "_s +
+                u"                   (usu.islogin = 1 and usu.isaliased = 0 and usu.hasdbaccess = 1) "_s,
+            u" Usuarios "_s, u" Users "_s))
         return;
     for (; !registros.Eof(); registros.MoveNext()) {
         const QString nombre = TextoCampo(registros, u"nombre"_s);

@@ -47,8 +47,8 @@ try {
     Conexion = ado::Connection();
     Conexion.setCommandTimeout(TiempoMaximo);
     Conexion.Open(u"Provider="_s + ProveedorSQL + u";Data Source="_s + ServidorSQL + u";Initial Catalog="_s +
-                       BaseDatos + u";User Id="_s + UsuarioSQL + u";Password="_s + ClaveSQL + u";"_s,
-                   QString(), QString(), -1);
+                      BaseDatos + u";User Id="_s + UsuarioSQL + u";Password="_s + ClaveSQL + u";"_s,
+                  QString(), QString(), -1);
     return true;
 } catch (...) {
     InformaError(u"Conecta_SQL"_s, u"Error conectando con SQL Server."_s);

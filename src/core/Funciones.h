@@ -14,7 +14,11 @@ class TextBox;
 } // namespace controls
 
 /// How a condition compares its value.
-enum class TipoCondicion { Texto, Numerico };
+enum class TipoCondicion
+{
+    Texto,
+    Numerico
+};
 
 /// One tested column of BuscaRegistro and ExisteRegistro.
 struct Condicion

@@ -6,6 +6,7 @@
 #include "core/mdlRegistro.h"
 #include "platform/basic/Numbers.h"
 #include "platform/basic/Variant.h"
+#include "platform/controls/MessageBox.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +19,7 @@ try {
         ::frmIdioma->ShowModal();
     else
         Idioma = basic::toInt16(basic::val(guardado));
+    controls::setMessageBoxLanguage(Idioma);
 } catch (...) {
     InformaError(u"LeeIdiomaRegistro"_s);
 }

@@ -9,7 +9,10 @@
 class QSettings;
 
 /// The only hive there is.
-enum Colmena { HKEY_CURRENT_USER };
+enum Colmena
+{
+    HKEY_CURRENT_USER
+};
 
 /// Types of value: text, and a 32-bit number.
 inline constexpr int ValorTexto = 1;

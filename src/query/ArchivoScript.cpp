@@ -15,10 +15,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 // What Windows puts on the 32 places that Latin-1 leaves to control characters; 0 where it has none.
-constexpr char16_t AñadidosWindows[] = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+constexpr char16_t AñadidosWindows[] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                        0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                        0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 QString DeLatino(const QByteArray& bytes)
 {
@@ -90,7 +90,8 @@ QString LeeScript(const QString& nombre)
 void EscribeScript(const QString& nombre, const QString& texto)
 {
     QSaveFile archivo(nombre);
-    archivo.setDirectWriteFallback(true); // a folder that takes no new files may hold a file that can be written
+    archivo.setDirectWriteFallback(
+        true); // a folder that takes no new files may hold a file that can be written
     if (!archivo.open(QIODevice::WriteOnly))
         ErrorDeArchivo(nombre, archivo.error());
     archivo.write(BytesDeTexto(texto + u"\r\n"_s));

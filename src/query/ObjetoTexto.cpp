@@ -10,9 +10,10 @@ bool CapturaTextoObjeto_SQL(const ClaseObjeto& clase, const QString& nombre, QSt
                             QString& nombreObjeto)
 {
     PrefijoBD = BaseDatosActual + u".."_s;
-    const QString consulta = u"Select obj.name,com.text "_s + u" from "_s + PrefijoBD + u"sysobjects obj, "_s +
-                             PrefijoBD + u"syscomments com"_s + clase.filtro + u" and name='"_s + nombre +
-                             u"'"_s + u" and com.id=obj.id"_s + u" order by name"_s;
+    const QString consulta = u"Select obj.name,com.text "_s + u" from "_s + PrefijoBD +
+                             u"sysobjects obj, "_s + PrefijoBD + u"syscomments com"_s + clase.filtro +
+                             u" and name='"_s + nombre + u"'"_s + u" and com.id=obj.id"_s +
+                             u" order by name"_s;
     ado::Recordset registros;
     if (!CreaRecordset(ConexionSQL, registros, consulta))
         return false;

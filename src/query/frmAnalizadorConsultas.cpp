@@ -16,9 +16,9 @@ namespace formularios {
 namespace {
 
 constexpr int TeclaF5 = 116;
-constexpr int CursorClaves = 1;      // keyset
-constexpr int LadoCliente = 3;       // client-side cursor
-constexpr int BloqueoOptimista = 3;  // what sets this copy of CreaRecordset apart
+constexpr int CursorClaves = 1;     // keyset
+constexpr int LadoCliente = 3;      // client-side cursor
+constexpr int BloqueoOptimista = 3; // what sets this copy of CreaRecordset apart
 
 } // namespace
 
@@ -37,9 +37,9 @@ void frmAnalizadorConsultas::PonIdioma()
 try {
     PonTexto(this, u"Analizado Consultas"_s, u"Query Analyzer"_s);
     PonTexto(cmdEjecuta, u"(F5) &Ejecutar"_s, u"(F5) &Execute"_s);
-    GridSQL->setCopyCaptions(EnIdioma(u"&Copiar"_s, u"&Copy"_s).value_or(u"&Copiar"_s),
-                             EnIdioma(u"Copiar con &títulos"_s, u"Copy with &headers"_s)
-                                 .value_or(u"Copiar con &títulos"_s));
+    GridSQL->setCopyCaptions(
+        EnIdioma(u"&Copiar"_s, u"&Copy"_s).value_or(u"&Copiar"_s),
+        EnIdioma(u"Copiar con &títulos"_s, u"Copy with &headers"_s).value_or(u"Copiar con &títulos"_s));
 } catch (...) {
     InformaError(u"PonIdioma"_s);
 }

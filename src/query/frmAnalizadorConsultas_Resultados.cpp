@@ -24,8 +24,7 @@ QString EnTexto(const QString& español, const QString& ingles)
 QString CuentaFilas(qint64 filas)
 {
     const QString numero = QLocale().toString(filas);
-    return filas == 1 ? EnTexto(u"1 fila"_s, u"1 row"_s)
-                      : EnTexto(numero + u" filas"_s, numero + u" rows"_s);
+    return filas == 1 ? EnTexto(u"1 fila"_s, u"1 row"_s) : EnTexto(numero + u" filas"_s, numero + u" rows"_s);
 }
 
 QString CuentaAfectadas(qint64 filas)

@@ -15,7 +15,8 @@ namespace {
 
 const ClaseObjeto& Clase()
 {
-    static const ClaseObjeto clase{u"CREATE PROCEDURE [NOMBRE_PROCEDIMIENTO] AS "_s, u" where obj.type = 'P'"_s, u"DROP PROCEDURE "_s};
+    static const ClaseObjeto clase{u"CREATE PROCEDURE [NOMBRE_PROCEDIMIENTO] AS "_s,
+                                   u" where obj.type = 'P'"_s, u"DROP PROCEDURE "_s};
     return clase;
 }
 

@@ -14,7 +14,8 @@ namespace {
 
 const ClaseObjeto& Clase()
 {
-    static const ClaseObjeto clase{u"CREATE VIEW [NOMBRE_VISTA] AS "_s, u" where obj.type = 'V'"_s, u"DROP VIEW "_s};
+    static const ClaseObjeto clase{u"CREATE VIEW [NOMBRE_VISTA] AS "_s, u" where obj.type = 'V'"_s,
+                                   u"DROP VIEW "_s};
     return clase;
 }
 

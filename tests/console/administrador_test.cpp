@@ -26,10 +26,10 @@ void CreaBasePruebas()
         conexion.Open(u"Provider=SQLOLEDB.1;Data Source="_s + ServidorDePrueba() +
                       u";Initial Catalog=master;User Id=sa;Password="_s + ClaveDePrueba + u";"_s);
         for (const auto* texto :
-             {u"CREATE DATABASE Banco", u"USE Banco", u"CREATE TABLE Uno (a int NOT NULL PRIMARY KEY, b varchar(10))",
-              u"CREATE TABLE Dos (c int)", u"CREATE VIEW Vista1 AS SELECT a FROM Uno",
-              u"CREATE PROCEDURE Proc1 AS SELECT 1", u"EXEC sp_addlogin 'pepe', 'Clave1!'",
-              u"EXEC sp_grantdbaccess 'pepe'"})
+             {u"CREATE DATABASE Banco", u"USE Banco",
+              u"CREATE TABLE Uno (a int NOT NULL PRIMARY KEY, b varchar(10))", u"CREATE TABLE Dos (c int)",
+              u"CREATE VIEW Vista1 AS SELECT a FROM Uno", u"CREATE PROCEDURE Proc1 AS SELECT 1",
+              u"EXEC sp_addlogin 'pepe', 'Clave1!'", u"EXEC sp_grantdbaccess 'pepe'"})
             conexion.Execute(QString(texto));
         return true;
     }();
@@ -102,10 +102,11 @@ TEST_F(Administrador, EachFolderFillsTheListWithItsObjects)
     auto* detalle = ::frmAdministrador->lblDetalle;
 
     Pulsa(u"DTBanco"_s);
-    EXPECT_EQ(Transcripcion(),
-              Lineas({u"Select t.name as tabla,t.xtype as tipo,u.name as usuario,t.crdate as fecha  from "
-                      u"Banco..sysobjects t,Banco..sysusers u where (t.xtype = 'U'or t.xtype = 'S') and u.uid = "
-                      u"t.uid order by t.name"_s}));
+    EXPECT_EQ(
+        Transcripcion(),
+        Lineas({u"Select t.name as tabla,t.xtype as tipo,u.name as usuario,t.crdate as fecha  from "
+                u"Banco..sysobjects t,Banco..sysusers u where (t.xtype = 'U'or t.xtype = 'S') and u.uid = "
+                u"t.uid order by t.name"_s}));
     ASSERT_GT(lista->ListCount(), 2);
     EXPECT_EQ(detalle->text(), u" Tablas "_s + QString::number(lista->ListCount()) + u" elementos"_s);
     EXPECT_EQ(lista->Item(0)->Key(), u"T0"_s);
@@ -117,10 +118,11 @@ TEST_F(Administrador, EachFolderFillsTheListWithItsObjects)
     EXPECT_EQ(lista->columnHeader(4), u"Fecha creación"_s);
 
     Pulsa(u"DVBanco"_s);
-    EXPECT_EQ(Transcripcion(),
-              Lineas({u"Select t.name as tabla,t.category as categoria,u.name as usuario,t.crdate as fecha  from "
-                      u"Banco..sysobjects t,Banco..sysusers u where (t.xtype = 'V') and u.uid = t.uid order by "
-                      u"t.name"_s}));
+    EXPECT_EQ(
+        Transcripcion(),
+        Lineas({u"Select t.name as tabla,t.category as categoria,u.name as usuario,t.crdate as fecha  from "
+                u"Banco..sysobjects t,Banco..sysusers u where (t.xtype = 'V') and u.uid = t.uid order by "
+                u"t.name"_s}));
     EXPECT_EQ(lista->Item(0)->Key(), u"VVista1"_s);
     EXPECT_EQ(lista->Item(0)->SubItems(2), u"Usiario"_s);
 
@@ -134,10 +136,11 @@ TEST_F(Administrador, EachFolderFillsTheListWithItsObjects)
     EXPECT_EQ(lista->Item(0)->SubItems(2), QString());
 
     Pulsa(u"DUBanco"_s);
-    EXPECT_EQ(Transcripcion(),
-              Lineas({u" SELECT usu.Name as nombre,lo.loginname as login         From                    "
-                      u"Banco..sysusers usu ,master.dbo.syslogins lo         Where usu.sid = lo.sid and        "
-                      u"            (usu.islogin = 1 and usu.isaliased = 0 and usu.hasdbaccess = 1) "_s}));
+    EXPECT_EQ(
+        Transcripcion(),
+        Lineas({u" SELECT usu.Name as nombre,lo.loginname as login         From                    "
+                u"Banco..sysusers usu ,master.dbo.syslogins lo         Where usu.sid = lo.sid and        "
+                u"            (usu.islogin = 1 and usu.isaliased = 0 and usu.hasdbaccess = 1) "_s}));
     EXPECT_EQ(detalle->text(), u" Usuarios 2 elementos"_s);
     EXPECT_EQ(lista->columnHeader(2), u"Inicio sesión"_s);
     EXPECT_EQ(lista->columnHeader(3), QString());
@@ -183,8 +186,8 @@ TEST_F(Administrador, ComingForwardReadsTheListAgain)
 TEST_F(Administrador, TheMenuFollowsTheKeyByItsFirstMatchingLetterAnywhere)
 {
     Prepara(Es);
-    const QStringList base{u"mnuNuevaBD"_s,       u"mnuAñadirTabla"_s,    u"mnuAñadirVista"_s,
-                           u"mnuPropiedadesBD"_s, u"mnuEliminar"_s,       u"mnuCopiaSeguridad"_s,
+    const QStringList base{u"mnuNuevaBD"_s,       u"mnuAñadirTabla"_s, u"mnuAñadirVista"_s,
+                           u"mnuPropiedadesBD"_s, u"mnuEliminar"_s,    u"mnuCopiaSeguridad"_s,
                            u"mnuRestaurarCopia"_s};
     const QStringList tabla{u"mnuAñadirTabla"_s, u"mnuDiseño"_s, u"mnuVerRegistros"_s, u"mnuEliminar"_s};
     const struct
@@ -241,8 +244,8 @@ TEST_F(Administrador, ADatabaseDroppedElsewhereReportsTheServersError)
     Pulsa(u"DTFugaz"_s);
     const auto avisos = Avisos();
     ASSERT_EQ(avisos.size(), 1);
-    EXPECT_EQ(avisos[0], (Aviso{u" Error Nº:208 (Invalid object name 'Fugaz..sysobjects'.)."_s, 48,
-                                u"Atención."_s}));
+    EXPECT_EQ(avisos[0],
+              (Aviso{u" Error Nº:208 (Invalid object name 'Fugaz..sysobjects'.)."_s, 48, u"Atención."_s}));
     EXPECT_EQ(::frmAdministrador->ltvTablas->ListCount(), 0);
     Pulsa(u"DTBanco"_s);
     EXPECT_EQ(Avisos(), QList<Aviso>{});
@@ -254,10 +257,11 @@ TEST_F(Administrador, FilegroupsAreCapturedWithTheirFilesAndFlags)
     Transcripcion();
     BaseDatosActual = u"Banco"_s;
     CapturaGruposFicheros_SQL();
-    EXPECT_EQ(Transcripcion(),
-              Lineas({u"select  g.groupname,g.status,  g.groupid, 'filecount' =         (select count(*) from "
-                      u"Banco..sysfiles f             Where f.groupid = g.groupid                 and (f.status & "
-                      u"0x40 <> 0x40))     from Banco..sysfilegroups g order by groupid"_s}));
+    EXPECT_EQ(
+        Transcripcion(),
+        Lineas({u"select  g.groupname,g.status,  g.groupid, 'filecount' =         (select count(*) from "
+                u"Banco..sysfiles f             Where f.groupid = g.groupid                 and (f.status & "
+                u"0x40 <> 0x40))     from Banco..sysfilegroups g order by groupid"_s}));
     EXPECT_EQ(GruposFicheros.at(0, 0), u"PRIMARY"_s);
     EXPECT_EQ(GruposFicheros.at(0, 1), u"1"_s);
     EXPECT_EQ(GruposFicheros.at(1, 0), QString());

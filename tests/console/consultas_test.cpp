@@ -123,8 +123,8 @@ TEST_F(Consultas, ABatchShowsEachResultAndWhatStandsBesideThem)
     EXPECT_TRUE(forma()->txtMensajes->toPlainText().contains(u"entre"_s));
 
     Corre(u"select 5 as a select 1/0 as b"_s);
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:8134 (Divide by zero error encountered.)."_s, 48,
-                                       u"Atención."_s}}));
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u" Error Nº:8134 (Divide by zero error encountered.)."_s, 48, u"Atención."_s}}));
     EXPECT_EQ(Celda(0, 0), u"5"_s);
 }
 

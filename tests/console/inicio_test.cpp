@@ -33,7 +33,8 @@ QStringList MenusVisibles()
     for (const QMenu* menu : {m->mnuArchivo, m->mnuBaseDatos, m->mnuConsulta, m->mnuTabla})
         if (menu->menuAction()->isVisible())
             visibles += menu->objectName();
-    for (const QAction* entrada : {m->mnuConectar, m->mnuAdministrador, m->mnuAnalizadorConsultas, m->mnuSalir})
+    for (const QAction* entrada :
+         {m->mnuConectar, m->mnuAdministrador, m->mnuAnalizadorConsultas, m->mnuSalir})
         if (entrada->isVisible())
             visibles += entrada->objectName();
     return visibles;
@@ -204,8 +205,8 @@ TEST_F(Consola, RegistersAreFoundByTheirConditions)
     EXPECT_FALSE(ExisteRegistro(ConexionSQL, true, u"sysusers"_s, {u"name"_s, QString()}));
     EXPECT_EQ(Transcripcion(), Lineas({u"Select name from master..sysusers where name = 'dbo' and uid=1"_s,
                                        u"Select name from master..sysusers where name = 'd%'"_s}));
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"El codigo dbo/1 ya existe en la tabla sysusers"_s, 48,
-                                       u"Atención"_s}}));
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u"El codigo dbo/1 ya existe en la tabla sysusers"_s, 48, u"Atención"_s}}));
     EXPECT_TRUE(ExisteRegistro(ConexionSQL, false, u"nada"_s, {u"name"_s, u"x"_s}));
     EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:208 (Invalid object name 'master..nada'.)."_s, 48,
                                        u"Atención."_s}}));

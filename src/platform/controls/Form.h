@@ -18,7 +18,12 @@ class Form : public QWidget
     Q_OBJECT
 
 public:
-    enum WindowState { Normal = 0, Minimized = 1, Maximized = 2 };
+    enum WindowState
+    {
+        Normal = 0,
+        Minimized = 1,
+        Maximized = 2
+    };
 
     explicit Form(QWidget* parent = nullptr);
     ~Form() override;

@@ -18,11 +18,11 @@ ImageList::ImageList(QObject* parent) : QObject(parent)
 
 const QStringList& ImageList::keys()
 {
-    static const QStringList names{
-        QStringLiteral("BaseDatos"), QStringLiteral("CarpetaAbierta"), QStringLiteral("CarpetaCerrada"),
-        QStringLiteral("Tabla"),     QStringLiteral("Campo"),          QStringLiteral("Vista"),
-        QStringLiteral("Usuarios"),  QStringLiteral("Procedimientos"), QStringLiteral("Servidor"),
-        QStringLiteral("Usuario")};
+    static const QStringList names{QStringLiteral("BaseDatos"),      QStringLiteral("CarpetaAbierta"),
+                                   QStringLiteral("CarpetaCerrada"), QStringLiteral("Tabla"),
+                                   QStringLiteral("Campo"),          QStringLiteral("Vista"),
+                                   QStringLiteral("Usuarios"),       QStringLiteral("Procedimientos"),
+                                   QStringLiteral("Servidor"),       QStringLiteral("Usuario")};
     return names;
 }
 

@@ -97,8 +97,8 @@ Form* MdiForm::ActiveForm() const
 
 QMdiSubWindow* MdiForm::adopt(Form* form)
 {
-    const QSize wanted = form->testAttribute(Qt::WA_Resized) ? form->size().expandedTo(form->sizeHint())
-                                                             : form->sizeHint();
+    const QSize wanted =
+        form->testAttribute(Qt::WA_Resized) ? form->size().expandedTo(form->sizeHint()) : form->sizeHint();
     auto* frame = m_area->addSubWindow(form);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWindowTitle(form->windowTitle());

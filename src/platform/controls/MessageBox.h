@@ -7,7 +7,13 @@
 
 namespace controls {
 
-enum class Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
+enum class Answer
+{
+    Ok = 1,
+    Cancel = 2,
+    Yes = 6,
+    No = 7
+};
 
 /// Styles: 48 OK with exclamation, 16 OK with critical, 292 Yes and No with question and No the default,
 /// 35 Yes, No and Cancel with question. The text is plain.

@@ -3,7 +3,11 @@
 
 namespace controls {
 
-enum class Pointer { Default = 0, Hourglass = 11 };
+enum class Pointer
+{
+    Default = 0,
+    Hourglass = 11
+};
 
 /// Not counted: one Default undoes any number of Hourglass.
 void setMousePointer(Pointer pointer);

@@ -82,7 +82,8 @@ void ResultGrid::fitColumns()
     for (int column = 0; column < rows->columnCount(); ++column) {
         int width = horizontalHeader()->sectionSizeHint(column);
         for (int row = 0; row < sample && width < widestColumn; ++row)
-            width = std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) + 16);
+            width =
+                std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) + 16);
         setColumnWidth(column, std::clamp(width, narrowestColumn, widestColumn));
     }
 }
@@ -113,8 +114,8 @@ QString ResultGrid::selectionText(bool headers) const
 
 void ResultGrid::keyPressEvent(QKeyEvent* event)
 {
-    const bool withHeaders = event->key() == Qt::Key_C &&
-                             event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
+    const bool withHeaders =
+        event->key() == Qt::Key_C && event->modifiers() == (Qt::ControlModifier | Qt::ShiftModifier);
     if (withHeaders || event->matches(QKeySequence::Copy)) {
         copy(withHeaders);
         return;

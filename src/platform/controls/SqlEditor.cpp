@@ -21,9 +21,11 @@ public:
     {
         if (set == 1)
             return "add all alter and any as asc authorization backup begin between break browse bulk by "
-                   "cascade case catch check checkpoint close clustered coalesce collate column commit compute "
+                   "cascade case catch check checkpoint close clustered coalesce collate column commit "
+                   "compute "
                    "constraint contains containstable continue convert create cross current cursor database "
-                   "dbcc deallocate declare default delete deny desc disk distinct distributed drop dump else "
+                   "dbcc deallocate declare default delete deny desc disk distinct distributed drop dump "
+                   "else "
                    "end errlvl escape except exec execute exists exit external fetch file fillfactor for "
                    "foreign freetext from full function goto grant group having holdlock identity "
                    "identity_insert if in index inner insert intersect into is join key kill left like "
@@ -164,6 +166,10 @@ void SqlEditor::applyColours()
         sql->setColor(colours.text, style);
     for (const int style : {QsciLexerSQL::Comment, QsciLexerSQL::CommentLine, QsciLexerSQL::CommentDoc})
         sql->setColor(colours.comment, style);
+    setMatchedBraceBackgroundColor(palette().color(QPalette::Midlight));
+    setMatchedBraceForegroundColor(ink);
+    setUnmatchedBraceBackgroundColor(paper);
+    setUnmatchedBraceForegroundColor(colours.text);
     setCaretForegroundColor(ink);
     setSelectionBackgroundColor(palette().color(QPalette::Highlight));
     setSelectionForegroundColor(palette().color(QPalette::HighlightedText));
