@@ -290,6 +290,8 @@ ExpressionPtr QueryParser::inList(ExpressionPtr operand, bool negated)
         if (node->values.size() == 1 && node->values.front()->kind == ast::ExpressionKind::Subquery) {
             node->query = std::move(static_cast<ast::Subquery&>(*node->values.front()).query);
             node->values.clear();
+            if (atSetOperator())
+                node->query = continued(std::move(node->query));
         }
         expect(Symbol::Close);
     }

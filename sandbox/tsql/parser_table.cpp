@@ -149,7 +149,7 @@ bool TableParser::columnPart(ast::ColumnDefinition& column, ast::TableElements& 
     } else if (atConstraint()) {
         // With columns of its own it belongs to the table, though no comma parts it from the column.
         ast::TableConstraint part = constraint(ElementPlace::CreateTable, true);
-        if (part.expression || part.kind == ast::ConstraintKind::Check || part.columns.empty())
+        if (part.columns.empty())
             column.constraints.push_back(std::move(part));
         else
             elements.constraints.push_back(std::move(part));
