@@ -55,7 +55,7 @@ void loadColumns(sqlite3* connection, Object& object)
     while (rows.step()) {
         const SqlType type{typeOfNumber(rows.number(2)), rows.number(3), std::uint8_t(rows.number(4)),
                            std::uint8_t(rows.number(5))};
-        if (object.kind == ObjectKind::Procedure || object.kind == ObjectKind::ScalarFunction) {
+        if (rows.text(1).starts_with('@')) {
             object.parameters.push_back({rows.string(1), type, rows.number(16) != 0});
             continue;
         }
@@ -233,7 +233,7 @@ DatabasePtr loadDatabase(sqlite3* connection, int id)
 ObjectPtr loadObject(sqlite3* connection, int databaseId, int objectId)
 {
     Statement row(connection, "SELECT o.name, o.uid, u.name, o.xtype, o.parent, o.created, o.groupid, "
-                              "o.quoted, o.ansinulls, o.dbid "
+                              "o.quoted, o.ansinulls, o.dbid, o.shipped, o.disabled "
                               "FROM cat_object o LEFT JOIN cat_user u ON u.dbid = ?1 AND u.uid = o.uid "
                               "WHERE o.dbid IN (?1, 0) AND o.id = ?2");
     if (!row.bind(1, databaseId).bind(2, objectId).step())
@@ -253,6 +253,8 @@ ObjectPtr loadObject(sqlite3* connection, int databaseId, int objectId)
     object->filegroupId = row.number(6);
     object->quotedIdentifier = row.number(7) != 0;
     object->ansiNulls = row.number(8) != 0;
+    object->shipped = row.number(10) != 0;
+    object->enabled = row.number(11) == 0;
     loadColumns(connection, *object);
     if (object->kind == ObjectKind::UserTable)
         loadTable(connection, *object);

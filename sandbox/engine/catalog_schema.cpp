@@ -21,7 +21,7 @@ CREATE TABLE cat_object(
     uid INTEGER NOT NULL, xtype TEXT NOT NULL COLLATE "SQL_Latin1_General_CP1_CI_AS", parent INTEGER NOT NULL DEFAULT 0, created NOT NULL,
     groupid INTEGER NOT NULL DEFAULT 1, quoted INTEGER NOT NULL DEFAULT 1,
     ansinulls INTEGER NOT NULL DEFAULT 1, schemaver INTEGER NOT NULL DEFAULT 0,
-    shipped INTEGER NOT NULL DEFAULT 0,
+    shipped INTEGER NOT NULL DEFAULT 0, disabled INTEGER NOT NULL DEFAULT 0,
     PRIMARY KEY(dbid, id)) WITHOUT ROWID;
 CREATE UNIQUE INDEX cat_object_name ON cat_object(dbid, fold, uid);
 CREATE INDEX cat_object_parent ON cat_object(dbid, parent);

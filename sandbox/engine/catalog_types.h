@@ -192,6 +192,8 @@ struct Object
     int parentId = 0; ///< the table of a constraint or trigger
     std::int64_t created = 0;
     int filegroupId = 1;
+    bool shipped = false;         ///< the server's own
+    bool enabled = true;          ///< of a trigger
     bool quotedIdentifier = true; ///< setting under which a module was created
     bool ansiNulls = true;
     std::string text; ///< of a view, procedure, function or trigger, as it was sent

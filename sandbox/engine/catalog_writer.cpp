@@ -19,25 +19,6 @@ std::string paddedXtype(ObjectKind kind)
     return xtype;
 }
 
-/// Object ids walk through the positive integers in big steps, as on any server of this kind.
-int nextObjectId(sqlite3* connection, int databaseId)
-{
-    constexpr std::int64_t step = 16'000'057;
-    constexpr std::int64_t ceiling = 1LL << 31;
-    Statement last(connection, "SELECT lastid FROM cat_database WHERE dbid = ?");
-    last.bind(1, databaseId).step();
-    std::int64_t id = last.integer(0);
-    Statement taken(connection, "SELECT 1 FROM cat_object WHERE dbid = ? AND id = ?");
-    for (bool free = false; !free;) {
-        id = (id + step) % ceiling;
-        free = id > 1000 && !taken.bind(1, databaseId).bind(2, id).step();
-        taken.reset();
-    }
-    Statement keep(connection, "UPDATE cat_database SET lastid = ? WHERE dbid = ?");
-    keep.bind(1, id).bind(2, databaseId).run();
-    return int(id);
-}
-
 void runFor(sqlite3* connection, const char* sql, int databaseId)
 {
     Statement(connection, sql).bind(1, databaseId).run();
@@ -141,6 +122,25 @@ void insertFile(sqlite3* connection, int databaseId, const NewFile& file)
     row.bind(7, diskFile + (file.groupId == 0 ? logFile : 0) + (file.percent ? percentGrowth : 0));
     row.bind(8, file.name).bind(9, foldName(file.name)).bind(10, file.path).run();
     bumpCatalogVersion(connection);
+}
+
+/// Object ids walk through the positive integers in big steps, as on any server of this kind.
+int nextObjectId(sqlite3* connection, int databaseId)
+{
+    constexpr std::int64_t step = 16'000'057;
+    constexpr std::int64_t ceiling = 1LL << 31;
+    Statement last(connection, "SELECT lastid FROM cat_database WHERE dbid = ?");
+    last.bind(1, databaseId).step();
+    std::int64_t id = last.integer(0);
+    Statement taken(connection, "SELECT 1 FROM cat_object WHERE dbid = ? AND id = ?");
+    for (bool free = false; !free;) {
+        id = (id + step) % ceiling;
+        free = id > 1000 && !taken.bind(1, databaseId).bind(2, id).step();
+        taken.reset();
+    }
+    Statement keep(connection, "UPDATE cat_database SET lastid = ? WHERE dbid = ?");
+    keep.bind(1, id).bind(2, databaseId).run();
+    return int(id);
 }
 
 int insertObject(sqlite3* connection, int databaseId, const NewObject& object)
@@ -312,6 +312,14 @@ void deleteConstraintRows(sqlite3* connection, int databaseId, int constraintId)
     for (const char* table : {"cat_check", "cat_reference", "cat_reference_column"})
         runFor(connection, ("DELETE FROM " + std::string(table) + " WHERE dbid = ? AND constid = ?").c_str(),
                databaseId, constraintId);
+    bumpCatalogVersion(connection);
+}
+
+void setTriggersEnabled(sqlite3* connection, int databaseId, const std::vector<int>& triggers, bool enabled)
+{
+    Statement row(connection, "UPDATE cat_object SET disabled = ? WHERE dbid = ? AND id = ?");
+    for (const int id : triggers)
+        row.bind(1, int(!enabled)).bind(2, databaseId).bind(3, id).run();
     bumpCatalogVersion(connection);
 }
 

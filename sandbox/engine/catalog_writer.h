@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 struct sqlite3;
 
@@ -57,6 +58,8 @@ struct NewObject
     bool shipped = false;
 };
 
+/// An id that no object has, for a name that is made from it.
+[[nodiscard]] int nextObjectId(sqlite3* connection, int databaseId);
 /// @return the object's id
 int insertObject(sqlite3* connection, int databaseId, const NewObject& object);
 /// The object alone, with its text, parameters or columns, and the permissions on it.
@@ -81,6 +84,8 @@ void insertCheck(sqlite3* connection, int databaseId, int tableId, const CheckCo
 void insertForeignKey(sqlite3* connection, int databaseId, const ForeignKey& key);
 /// The row of a CHECK or FOREIGN KEY constraint behind its object.
 void deleteConstraintRows(sqlite3* connection, int databaseId, int constraintId);
+
+void setTriggersEnabled(sqlite3* connection, int databaseId, const std::vector<int>& triggers, bool enabled);
 
 struct NewUser
 {

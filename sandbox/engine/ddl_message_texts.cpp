@@ -12,21 +12,24 @@ constexpr MessageText texts[] = {
     {226, 16, 6, "%s statement not allowed within multi-statement transaction."},
     {1088, 16, 12, "Cannot find the object \"%s\" because it does not exist or you do not have permissions."},
     {1505, 16, 1,
-     "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name '%s' and "
+     "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
+     "'%s' and "
      "the index name '%s'. The duplicate key value is (%s)."},
     {1701, 16, 1,
      "Creating or altering table '%s' failed because the minimum row size would be %s, including %s bytes of "
      "internal overhead. This exceeds the maximum allowable table row size of %s bytes."},
-    {1702, 16, 1,
-     "CREATE TABLE failed because column '%s' in table '%s' exceeds the maximum of %s columns."},
+    {1702, 16, 1, "CREATE TABLE failed because column '%s' in table '%s' exceeds the maximum of %s columns."},
     {1750, 16, 0, "Could not create constraint or index. See previous errors."},
     {1752, 16, 0, "Column '%s' in table '%s' is invalid for creating a default constraint."},
     {1753, 16, 0,
-     "Column '%s.%s' is not the same length or scale as referencing column '%s.%s' in foreign key '%s'. Columns "
+     "Column '%s.%s' is not the same length or scale as referencing column '%s.%s' in foreign key '%s'. "
+     "Columns "
      "participating in a foreign key relationship must be defined with the same length and scale."},
-    {1754, 16, 0, "Defaults cannot be created on columns with an IDENTITY attribute. Table '%s', column '%s'."},
+    {1754, 16, 0,
+     "Defaults cannot be created on columns with an IDENTITY attribute. Table '%s', column '%s'."},
     {1755, 16, 0, "Defaults cannot be created on columns of data type timestamp. Table '%s', column '%s'."},
-    {1757, 16, 0, "Column '%s.%s' is not of same collation as referencing column '%s.%s' in foreign key '%s'."},
+    {1757, 16, 0,
+     "Column '%s.%s' is not of same collation as referencing column '%s.%s' in foreign key '%s'."},
     {1759, 16, 0,
      "Computed column '%s' in table '%s' is not allowed to be used in another computed-column definition."},
     {1763, 16, 0, "Cross-database foreign key references are not supported. Foreign key '%s'."},
@@ -34,40 +37,50 @@ constexpr MessageText texts[] = {
     {1769, 16, 1, "Foreign key '%s' references invalid column '%s' in referencing table '%s'."},
     {1770, 16, 0, "Foreign key '%s' references invalid column '%s' in referenced table '%s'."},
     {1773, 16, 0,
-     "Foreign key '%s' has implicit reference to object '%s' which does not have a primary key defined on it."},
+     "Foreign key '%s' has implicit reference to object '%s' which does not have a primary key defined on "
+     "it."},
     {1774, 16, 0,
-     "The number of columns in the referencing column list for foreign key '%s' does not match those of the primary "
+     "The number of columns in the referencing column list for foreign key '%s' does not match those of the "
+     "primary "
      "key in the referenced table '%s'."},
     {1776, 16, 0,
-     "There are no primary or candidate keys in the referenced table '%s' that match the referencing column list in "
+     "There are no primary or candidate keys in the referenced table '%s' that match the referencing column "
+     "list in "
      "the foreign key '%s'."},
     {1778, 16, 0,
      "Column '%s.%s' is not the same data type as referencing column '%s.%s' in foreign key '%s'."},
     {1779, 16, 0, "Table '%s' already has a primary key defined on it."},
     {1781, 16, 1, "Column already has a DEFAULT bound to it."},
     {1785, 16, 0,
-     "Introducing FOREIGN KEY constraint '%s' on table '%s' may cause cycles or multiple cascade paths. Specify ON "
+     "Introducing FOREIGN KEY constraint '%s' on table '%s' may cause cycles or multiple cascade paths. "
+     "Specify ON "
      "DELETE NO ACTION or ON UPDATE NO ACTION, or modify other FOREIGN KEY constraints."},
     {1801, 16, 3, "Database '%s' already exists. Choose a different database name."},
-    {1802, 16, 4, "CREATE DATABASE failed. Some file names listed could not be created. Check related errors."},
+    {1802, 16, 4,
+     "CREATE DATABASE failed. Some file names listed could not be created. Check related errors."},
     {1803, 16, 1,
-     "The CREATE DATABASE statement failed. The primary file must be at least %s MB to accommodate a copy of the "
+     "The CREATE DATABASE statement failed. The primary file must be at least %s MB to accommodate a copy of "
+     "the "
      "model database."},
+    {1813, 16, 2, "Could not open new database '%s'. CREATE DATABASE is aborted."},
     {1826, 16, 1, "User-defined filegroups are not allowed on \"%s\"."},
-    {1828, 16, 3,
-     "The logical file name \"%s\" is already in use. Choose a different name."},
+    {1828, 16, 3, "The logical file name \"%s\" is already in use. Choose a different name."},
     {1834, 16, 1, "The file '%s' cannot be overwritten. It is being used by database '%s'."},
     {1842, 16, 1,
-     "The file size, max size cannot be greater than 2147483647 in units of a page size. The file growth cannot be "
+     "The file size, max size cannot be greater than 2147483647 in units of a page size. The file growth "
+     "cannot be "
      "greater than 2147483647 in units of both page size and percentage."},
     {1902, 16, 3,
-     "Cannot create more than one clustered index on table '%s'. Drop the existing clustered index '%s' before "
+     "Cannot create more than one clustered index on table '%s'. Drop the existing clustered index '%s' "
+     "before "
      "creating another."},
     {1904, 16, 1,
-     "The index '%s' on table '%s' has %s column names in index key list. The maximum limit for index or statistics "
+     "The index '%s' on table '%s' has %s column names in index key list. The maximum limit for index or "
+     "statistics "
      "key column list is %s."},
     {1907, 16, 1,
-     "Cannot recreate index '%s'. The new index definition does not match the constraint being enforced by the "
+     "Cannot recreate index '%s'. The new index definition does not match the constraint being enforced by "
+     "the "
      "existing index."},
     {1909, 16, 1,
      "Cannot use duplicate column names in index key list. Column name '%s' listed more than once."},
@@ -82,25 +95,30 @@ constexpr MessageText texts[] = {
     {1921, 16, 1, "Invalid filegroup '%s' specified."},
     {1939, 16, 1, "Cannot create index on view '%s' because the view is not schema bound."},
     {1944, 16, 1,
-     "Index '%s' was not created. This index has a key length of at least %s bytes. The maximum permissible key "
+     "Index '%s' was not created. This index has a key length of at least %s bytes. The maximum permissible "
+     "key "
      "length is %s bytes."},
     {1945, 10, 1,
      "Warning! The maximum key length is %s bytes. The index '%s' has maximum length of %s bytes. For some "
      "combination of large values, the insert/update operation will fail."},
     {2705, 16, 3,
-     "Column names in each table must be unique. Column name '%s' in table '%s' is specified more than once."},
+     "Column names in each table must be unique. Column name '%s' in table '%s' is specified more than "
+     "once."},
+    {2706, 16, 6, "Table '%s' does not exist."},
     {2714, 16, 6, "There is already an object named '%s' in the database."},
     {2715, 16, 6, "Column, parameter, or variable #%s: Cannot find data type %s."},
     {2716, 16, 1, "Column, parameter, or variable #%s: Cannot specify a column width on data type %s."},
     {2717, 15, 2, "The size (%s) given to the %s '%s' exceeds the maximum allowed (%s)."},
     {2727, 11, 1, "Cannot find index '%s'."},
     {2738, 16, 2,
-     "A table can only have one timestamp column. Because table '%s' already has one, the column '%s' cannot be "
+     "A table can only have one timestamp column. Because table '%s' already has one, the column '%s' cannot "
+     "be "
      "added."},
     {2744, 16, 2,
      "Multiple identity columns specified for table '%s'. Only one identity column per table is allowed."},
     {2749, 16, 2,
-     "Identity column '%s' must be of data type int, bigint, smallint, tinyint, or decimal or numeric with a scale "
+     "Identity column '%s' must be of data type int, bigint, smallint, tinyint, or decimal or numeric with a "
+     "scale "
      "of 0, unencrypted, and constrained to be nonnullable."},
     {2750, 16, 1,
      "Column or parameter #%s: Specified column precision %s is greater than the maximum precision of %s."},
@@ -125,10 +143,12 @@ constexpr MessageText texts[] = {
     {3728, 16, 1, "'%s' is not a constraint."},
     {3733, 16, 2, "Constraint '%s' does not belong to table '%s'."},
     {4506, 16, 1,
-     "Column names in each view or function must be unique. Column name '%s' in view or function '%s' is specified "
+     "Column names in each view or function must be unique. Column name '%s' in view or function '%s' is "
+     "specified "
      "more than once."},
     {4511, 16, 1, "Create View or Function failed because no column name was specified for column %s."},
     {4604, 16, 1, "There is no such user or group '%s' or you do not have permission."},
+    {4606, 16, 1, "Granted or revoked privilege %s is not compatible with object."},
     {4610, 16, 1, "You can only grant or revoke permissions on objects in the current database."},
     {4613, 16, 1, "Grantor does not have GRANT permission."},
     {4615, 16, 1, "Invalid column name '%s'."},
@@ -137,13 +157,17 @@ constexpr MessageText texts[] = {
     {4621, 16, 10,
      "Permissions at the server scope can only be granted when the current database is master."},
     {4624, 16, 1,
-     "Cannot grant, deny, or revoke permissions to sa, dbo, entity owner, information_schema, sys, or yourself."},
+     "Cannot grant, deny, or revoke permissions to sa, dbo, entity owner, information_schema, sys, or "
+     "yourself."},
     {4629, 16, 10,
-     "Permissions on server scoped catalog views or system stored procedures or extended stored procedures can be "
+     "Permissions on server scoped catalog views or system stored procedures or extended stored procedures "
+     "can be "
      "granted only when the current database is master."},
     {4901, 16, 1,
-     "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified, or "
-     "the column being added is an identity or timestamp column, or alternatively if none of the previous conditions "
+     "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition "
+     "specified, or "
+     "the column being added is an identity or timestamp column, or alternatively if none of the previous "
+     "conditions "
      "are satisfied the table must be empty to allow addition of this column. Column '%s' cannot be added to "
      "non-empty table '%s' because it does not satisfy these conditions."},
     {4902, 16, 1, "Cannot find the object \"%s\" because it does not exist or you do not have permissions."},
@@ -153,50 +177,66 @@ constexpr MessageText texts[] = {
     {4920, 16, 0, "ALTER TABLE failed because trigger '%s' on table '%s' does not exist."},
     {4922, 16, 9, "ALTER TABLE %s %s failed because one or more objects access this column."},
     {4923, 16, 1,
-     "ALTER TABLE DROP COLUMN failed because '%s' is the only data column in table '%s'. A table must have at least "
+     "ALTER TABLE DROP COLUMN failed because '%s' is the only data column in table '%s'. A table must have "
+     "at least "
      "one data column."},
     {4924, 16, 1, "ALTER TABLE %s failed because column '%s' does not exist in table '%s'."},
     {4927, 16, 1, "Cannot alter column '%s' to be data type %s."},
     {4928, 16, 1, "Cannot alter column '%s' because it is '%s'."},
-    {5008, 16, 1, "This ALTER DATABASE statement is not supported. Correct the syntax and execute the statement again."},
+    {5008, 16, 1,
+     "This ALTER DATABASE statement is not supported. Correct the syntax and execute the statement again."},
     {5009, 16, 9,
      "One or more files listed in the statement could not be found or could not be initialized."},
     {5011, 14, 5,
-     "User does not have permission to alter database '%s', the database does not exist, or the database is not in "
+     "User does not have permission to alter database '%s', the database does not exist, or the database is "
+     "not in "
      "a state that allows access checks."},
+    {5012, 16, 1, "The name of the primary filegroup cannot be changed."},
     {5020, 16, 1, "The primary data or log file cannot be removed from a database."},
-    {5031, 16, 1, "Cannot remove the file '%s' because it is the only file in the DEFAULT filegroup."},
-    {5035, 16, 1, "Filegroup '%s' already exists in this database. Specify a different name or remove the conflicting "
-                  "filegroup if it is empty."},
+    {5030, 16, 2, "The database could not be exclusively locked to perform the operation."},
+    {5031, 16, 1, "Cannot remove the filegroup '%s' because it is the DEFAULT filegroup."},
+    {5035, 16, 1,
+     "Filegroup '%s' already exists in this database. Specify a different name or remove the conflicting "
+     "filegroup if it is empty."},
     {5036, 16, 1, "MODIFY FILE failed. Specify logical name."},
     {5037, 16, 1, "MODIFY FILE failed. Do not specify physical name."},
     {5038, 16, 1, "MODIFY FILE failed for file \"%s\". At least one property per file must be specified."},
     {5039, 16, 1, "MODIFY FILE failed. Specified size is less than or equal to current size."},
     {5040, 16, 1, "MODIFY FILE failed. Size is greater than MAXSIZE."},
     {5041, 16, 1, "MODIFY FILE failed. File '%s' does not exist."},
-    {5042, 16, 1, "The file '%s' cannot be removed because it is not empty."},
-    {5043, 16, 1, "The filegroup '%s' cannot be found in '%s'."},
+    {5042, 16, 1, "The %s '%s' cannot be removed because it is not empty."},
+    {5043, 16, 1, "The %s '%s' cannot be found in %s."},
     {5047, 16, 1, "Cannot change the %s property of the filegroup 'PRIMARY'."},
     {5048, 16, 1, "Cannot add, remove, or modify files in filegroup '%s'. The filegroup is read-only."},
-    {5050, 16, 1, "Cannot change the properties of empty filegroup '%s'. The filegroup must contain at least one file."},
+    {5050, 16, 1,
+     "Cannot change the properties of empty filegroup '%s'. The filegroup must contain at least one file."},
     {5055, 16, 1, "Cannot add, remove, or modify file '%s'. The file is read-only."},
     {5058, 16, 1, "Option '%s' cannot be set in database '%s'."},
+    {5061, 16, 1,
+     "ALTER DATABASE failed because a lock could not be placed on database '%s'. Try again later."},
     {5064, 16, 1,
-     "Changes to the state or options of database '%s' cannot be made at this time. The database is in single-user "
+     "Changes to the state or options of database '%s' cannot be made at this time. The database is in "
+     "single-user "
      "mode, and a user is currently connected to it."},
     {5069, 16, 1, "ALTER DATABASE statement failed."},
-    {5070, 16, 2,
-     "Database state cannot be changed while other users are using the database '%s'"},
+    {5070, 16, 2, "Database state cannot be changed while other users are using the database '%s'"},
     {5074, 16, 1, "The %s '%s' is dependent on column '%s'."},
+    {5103, 16, 1, "MAXSIZE cannot be less than SIZE for file '%s'."},
+    {5104, 16, 1, "File '%s' already used."},
+    {5105, 16, 2,
+     "A file activation error occurred. The physical file name '%s' may be incorrect. Diagnose and correct "
+     "additional errors, and retry the operation."},
     {5123, 16, 1,
-     "CREATE FILE encountered operating system error %s while attempting to open or create the physical file '%s'."},
-    {5133, 16, 1,
-     "Directory lookup for the file \"%s\" failed with the operating system error %s."},
+     "CREATE FILE encountered operating system error %s while attempting to open or create the physical file "
+     "'%s'."},
+    {5133, 16, 1, "Directory lookup for the file \"%s\" failed with the operating system error %s."},
     {5149, 16, 3,
      "MODIFY FILE encountered operating system error %s while attempting to expand the physical file '%s'."},
     {5170, 16, 1,
-     "Cannot create file '%s' because it already exists. Change the file path or the file name, and retry the "
+     "Cannot create file '%s' because it already exists. Change the file path or the file name, and retry "
+     "the "
      "operation."},
+    {5174, 16, 1, "Each file size must be greater than or equal to 512 KB."},
     {7999, 16, 9, "Could not find any index named '%s' for table '%s'."},
     {8110, 16, 0, "Cannot add multiple PRIMARY KEY constraints to table '%s'."},
     {8111, 16, 1, "Cannot define PRIMARY KEY constraint on nullable column in table '%s'."},
@@ -206,28 +246,33 @@ constexpr MessageText texts[] = {
     {8147, 16, 1, "Could not create IDENTITY attribute on nullable column '%s', table '%s'."},
     {8148, 16, 0, "More than one column %s constraint specified for column '%s', table '%s'."},
     {8151, 16, 0,
-     "Both a PRIMARY KEY and UNIQUE constraint have been defined for column '%s', table '%s'. Only one is allowed."},
+     "Both a PRIMARY KEY and UNIQUE constraint have been defined for column '%s', table '%s'. Only one is "
+     "allowed."},
     {8168, 16, 0,
-     "Cannot create, drop, enable, or disable more than one constraint, column, index, or trigger named '%s' in this "
+     "Cannot create, drop, enable, or disable more than one constraint, column, index, or trigger named '%s' "
+     "in this "
      "context. Duplicate names are not allowed."},
     {8183, 16, 1,
-     "Only UNIQUE or PRIMARY KEY constraints can be created on computed columns, while CHECK, FOREIGN KEY, and NOT "
+     "Only UNIQUE or PRIMARY KEY constraints can be created on computed columns, while CHECK, FOREIGN KEY, "
+     "and NOT "
      "NULL constraints require that computed columns be persisted."},
     {8196, 16, 1, "Duplicate column specified as ROWGUIDCOL."},
-    {15007, 16, 1, "'%s' is not a valid login or you do not have permission."},
+    {8197, 16, 4, "The object '%s' does not exist or is invalid for this operation."},
+    {15006, 16, 1, "'%s' is not a valid name because it contains invalid characters."},
+    {15007, 16, 1, "The login '%s' does not exist."},
     {15008, 16, 1, "User '%s' does not exist in the current database."},
-    {15009, 16, 1,
-     "The object '%s' does not exist in database '%s' or is invalid for this operation."},
-    {15010, 16, 1, "The database '%s' does not exist. Supply a valid database name. To see available databases, use "
-                   "sys.databases."},
+    {15009, 16, 1, "The object '%s' does not exist in database '%s'."},
+    {15010, 16, 1, "The database '%s' does not exist. Use sp_helpdb to show available databases."},
     {15014, 16, 1, "The role '%s' does not exist in the current database."},
-    {15023, 16, 1, "User, group, or role '%s' already exists in the current database."},
-    {15025, 16, 1, "The server principal '%s' already exists."},
+    {15023, 16, 1, "User or role '%s' already exists in the current database."},
+    {15025, 16, 1, "The login '%s' already exists."},
     {15028, 16, 1, "The server '%s' already exists."},
-    {15032, 16, 1, "The database '%s' already exists. Specify a unique database name."},
+    {15032, 16, 1, "The database '%s' already exists."},
     {15063, 16, 1, "The login already has an account under a different user name."},
+    {15081, 11, 1, "Membership of the public role cannot be changed."},
     {15118, 16, 1,
-     "Password validation failed. The password does not meet Windows policy requirements because it is not complex "
+     "Password validation failed. The password does not meet Windows policy requirements because it is not "
+     "complex "
      "enough."},
     {15123, 16, 1, "The configuration option '%s' does not exist, or it may be an advanced option."},
     {15129, 16, 1, "'%s' is not a valid value for configuration option '%s'."},
@@ -236,21 +281,25 @@ constexpr MessageText texts[] = {
     {15144, 16, 1, "The role has members. It must be empty before it can be dropped."},
     {15150, 16, 1, "Cannot %s the %s '%s'."},
     {15151, 16, 1, "Cannot %s the %s '%s', because it does not exist or you do not have permission."},
-    {15174, 16, 1, "Login '%s' owns one or more database(s). Change the owner of the database(s) before dropping the "
-                   "login."},
+    {15174, 16, 1,
+     "Login '%s' owns one or more database(s). Change the owner of the database(s) before dropping the "
+     "login."},
     {15175, 16, 1,
-     "Login '%s' is aliased or mapped to a user in one or more database(s). Drop the user or alias before dropping "
+     "Login '%s' is aliased or mapped to a user in one or more database(s). Drop the user or alias before "
+     "dropping "
      "the login."},
     {15181, 16, 1, "Cannot drop the database owner."},
-    {15182, 16, 1, "Cannot disable access to the guest user in master or tempdb."},
-    {15183, 16, 1, "The database principal owns objects in the database and cannot be dropped."},
+    {15182, 16, 1, "Cannot drop the guest user from master or tempdb."},
+    {15183, 16, 1, "The user owns objects in the database and cannot be dropped."},
     {15197, 16, 1, "There is no text for object '%s'."},
     {15211, 16, 1, "Old (current) password incorrect for user. The password was not changed."},
     {15222, 16, 1, "Remote login option '%s' is not unique."},
     {15224, 11, 1,
-     "Error: The value for the @newname parameter contains invalid characters or violates a basic restriction (%s)."},
-    {15225, 11, 1, "No item by the name of '%s' could be found in the current database '%s', given that @itemtype was "
-                   "input as '%s'."},
+     "Error: The value for the @newname parameter contains invalid characters or violates a basic "
+     "restriction (%s)."},
+    {15225, 11, 1,
+     "No item by the name of '%s' could be found in the current database '%s', given that @itemtype was "
+     "input as '%s'."},
     {15242, 16, 1, "Database option '%s' is not unique."},
     {15247, 16, 1, "User does not have permission to perform this action."},
     {15248, 11, 1, "Either the parameter @objname is ambiguous or the claimed @objtype (%s) is wrong."},
@@ -258,14 +307,15 @@ constexpr MessageText texts[] = {
     {15250, 16, 1,
      "The database name component of the object qualifier must be the name of the current database."},
     {15253, 11, 1, "Syntax error parsing SQL identifier '%s'."},
-    {15335, 11, 1, "Error: The new name '%s' is already in use as a %s name and would cause a duplicate that is not "
-                   "permitted."},
+    {15335, 11, 1,
+     "Error: The @newname value '%s' is already in use as a %s name and would cause a duplicate that is not "
+     "permitted."},
     {15336, 16, 1, "Object '%s' cannot be renamed because the object participates in enforced dependencies."},
     {15387, 11, 1,
      "If the qualified object name specifies a database, that database must be the current database."},
     {15401, 11, 1, "Windows NT user or group '%s' not found. Check the name again."},
     {15402, 11, 1, "'%s' is not a fixed server role."},
-    {15405, 16, 1, "Cannot use the special principal '%s'."},
+    {15405, 11, 1, "Cannot use the reserved user or role name '%s'."},
     {15410, 11, 1, "User or role '%s' does not exist in this database."},
     {15413, 11, 1, "Cannot make a role a member of itself."},
     {15433, 16, 1, "Supplied parameter sid is in use."},
@@ -273,14 +323,16 @@ constexpr MessageText texts[] = {
     {15466, 16, 1, "An error occurred during decryption."},
     {15477, 10, 1, "Caution: Changing any part of an object name could break scripts and stored procedures."},
     {15600, 15, 1, "An invalid parameter or option was specified for procedure '%s'."},
+    {40510, 16, 1, "Statement '%s' is not supported in this version of SQL Server."},
 };
 
 } // namespace
 
 const MessageText* findDdlMessageText(int number)
 {
-    const auto* found = std::lower_bound(std::begin(texts), std::end(texts), number,
-                                         [](const MessageText& text, int wanted) { return text.number < wanted; });
+    const auto* found =
+        std::lower_bound(std::begin(texts), std::end(texts), number,
+                         [](const MessageText& text, int wanted) { return text.number < wanted; });
     return found != std::end(texts) && found->number == number ? found : nullptr;
 }
 

@@ -107,7 +107,7 @@ type_desc               nvarchar(60)?  'SQL_TRIGGER'
 create_date             datetime       o.created
 modify_date             datetime       o.created
 is_ms_shipped           bit            0
-is_disabled             bit            0
+is_disabled             bit            o.disabled
 is_instead_of_trigger   bit            0
 )",
      "FROM cat_object o WHERE o.dbid = :db AND o.xtype = 'TR'"},
