@@ -8,8 +8,8 @@ namespace ado {
 
 class Session;
 
-/// A session with a server. Not copyable: what has been assigned to is the new session, and the old one
-/// closes once no recordset of it waits for further results. Recordsets stay readable without it.
+/// A session with a server. Assigning another closes the one that was there. Recordsets stay readable
+/// without their connection; results of their batch that had not been read by then are gone.
 ///
 /// Every failure is a basic::RuntimeError: the server's own number and message, or for faults of the
 /// client side 17 (no server, name unknown, access refused by the network), -2147217871 (time-out),
@@ -58,12 +58,11 @@ public:
 
 private:
     friend class Recordset;
-    friend class Command;
 
-    /// The session; raises 3709 without one.
-    [[nodiscard]] const std::shared_ptr<Session>& session() const;
+    /// The session; raises 3709 without one, -2147467259 when the server has gone.
+    [[nodiscard]] Session& session() const;
 
-    std::shared_ptr<Session> m_session;
+    std::unique_ptr<Session> m_session;
     QStringList m_messages;
     int m_commandTimeout = 30;
     int m_connectionTimeout = 15;

@@ -1,0 +1,111 @@
+#include "platform/ado/Connection.h"
+
+#include "platform/ado/Batch.h"
+#include "platform/ado/ErrorNumbers.h"
+#include "platform/ado/Observer.h"
+#include "platform/ado/Session.h"
+#include "platform/basic/RuntimeError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace ado {
+
+Connection::Connection() = default;
+Connection::~Connection() = default;
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&&) noexcept = default;
+
+void Connection::setCommandTimeout(int seconds)
+{
+    if (seconds < 0)
+        basic::raise(basic::error::InvalidCall);
+    m_commandTimeout = seconds;
+}
+
+int Connection::CommandTimeout() const
+{
+    return m_commandTimeout;
+}
+
+void Connection::setConnectionTimeout(int seconds)
+{
+    if (seconds < 0)
+        basic::raise(basic::error::InvalidCall);
+    m_connectionTimeout = seconds;
+}
+
+int Connection::ConnectionTimeout() const
+{
+    return m_connectionTimeout;
+}
+
+void Connection::Open(const QString& text, const QString& user, const QString& password, int)
+{
+    if (State() != 0)
+        basic::raise(basic::error::ObjectOpen);
+    ConnectionRequest request = parseConnectionString(text);
+    if (!user.isEmpty())
+        request.user = user;
+    if (!password.isEmpty())
+        request.password = password;
+    // Without a user the drivers try other ways to log in, and fail without saying why.
+    if (request.user.isEmpty())
+        basic::raise(number::LoginFailed, u"Login failed for user ''."_s);
+    m_session.reset();
+    m_session = std::make_unique<Session>(
+        request, std::chrono::seconds(request.timeout.value_or(m_connectionTimeout)));
+}
+
+int Connection::State() const
+{
+    return m_session && m_session->isAlive() ? 1 : 0;
+}
+
+void Connection::Close()
+{
+    m_session.reset();
+}
+
+Session& Connection::session() const
+{
+    if (State() == 0)
+        basic::raise(m_session ? number::DriverFailure : basic::error::BadConnection,
+                     m_session ? u"The connection with the server was lost. Connect again."_s
+                               : basic::standardDescription(basic::error::BadConnection));
+    m_session->setStatementTimeout(std::chrono::seconds(m_commandTimeout));
+    return *m_session;
+}
+
+void Connection::Execute(const QString& text, qint64* affected, int)
+{
+    Session& live = session();
+    m_messages.clear();
+    const auto batch = live.newBatch();
+    observe(text);
+    const Result outcome = batch->execute(text);
+    m_messages = outcome.messages;
+    if (affected != nullptr)
+        *affected = outcome.affected;
+}
+
+void Connection::BeginTrans()
+{
+    Execute(u"BEGIN TRANSACTION"_s);
+}
+
+void Connection::CommitTrans()
+{
+    Execute(u"COMMIT TRANSACTION"_s);
+}
+
+void Connection::RollbackTrans()
+{
+    Execute(u"ROLLBACK TRANSACTION"_s);
+}
+
+QStringList Connection::Messages() const
+{
+    return m_messages;
+}
+
+} // namespace ado

@@ -1,0 +1,161 @@
+#include "platform/ado/Diagnostics.h"
+
+#include "platform/ado/ErrorNumbers.h"
+#include <QRegularExpression>
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace ado {
+
+namespace {
+
+constexpr SQLSMALLINT stateLength = 5;
+constexpr qsizetype usualTextLength = 1024;
+
+// FreeTDS's own numbers for what happens on the client's side.
+constexpr int freeTdsFirst = 20000;
+constexpr int freeTdsLast = 20099;
+constexpr int freeTdsUnexpectedEnd = 20017;
+constexpr int freeTdsUnknownHost = 20013;
+
+constexpr int databaseChanged = 5701;
+constexpr int languageChanged = 5703;
+
+bool isClientNumber(const Diagnostic& record)
+{
+    return record.native >= freeTdsFirst && record.native <= freeTdsLast &&
+           (record.state.startsWith("01"_L1) || record.state.startsWith("08"_L1));
+}
+
+const Diagnostic* findServerError(const std::vector<Diagnostic>& records)
+{
+    const auto found = std::ranges::find_if(records, &Diagnostic::isServerError);
+    return found == records.end() ? nullptr : &*found;
+}
+
+basic::RuntimeError lostConnection()
+{
+    return {number::DriverFailure,
+            u"The connection with the server was lost: it closed it, or its answer could not be read. "
+            "Connect again."_s};
+}
+
+/// The record's text ends where the driver wrote its length; a longer text is read again.
+bool readRecord(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT index, Diagnostic& record)
+{
+    QString state(stateLength + 1, u'\0');
+    QString text(usualTextLength, u'\0');
+    SQLINTEGER native = 0;
+    SQLSMALLINT length = 0;
+    SQLRETURN outcome = SQLGetDiagRecW(kind, handle, index, odbc::wide(state), &native, odbc::wide(text),
+                                       static_cast<SQLSMALLINT>(text.size()), &length);
+    if (outcome == SQL_SUCCESS_WITH_INFO && length >= text.size()) {
+        text.resize(length + 1);
+        outcome = SQLGetDiagRecW(kind, handle, index, odbc::wide(state), &native, odbc::wide(text),
+                                 static_cast<SQLSMALLINT>(text.size()), &length);
+    }
+    if (!SQL_SUCCEEDED(outcome))
+        return false;
+    text.truncate(length);
+    record = {state.first(stateLength), static_cast<int>(native), withoutOriginGroups(text)};
+    return true;
+}
+
+} // namespace
+
+bool Diagnostic::isInformation() const
+{
+    return (state.startsWith("01"_L1) || state.startsWith("00"_L1)) && !isClientNumber(*this);
+}
+
+bool Diagnostic::isServerError() const
+{
+    return native != 0 && !isInformation() && !isClientNumber(*this) && !isTimeOut();
+}
+
+bool Diagnostic::isTimeOut() const
+{
+    return state.startsWith("HYT"_L1);
+}
+
+bool Diagnostic::isLost() const
+{
+    return state.startsWith("08"_L1) || isClientNumber(*this);
+}
+
+std::vector<Diagnostic> readDiagnostics(SQLSMALLINT kind, SQLHANDLE handle)
+{
+    std::vector<Diagnostic> records;
+    Diagnostic record;
+    for (SQLSMALLINT index = 1; readRecord(kind, handle, index, record); ++index)
+        records.push_back(record);
+    return records;
+}
+
+QString withoutOriginGroups(const QString& text)
+{
+    static const QRegularExpression groups(
+        u"^(?:\\[unixODBC\\])?(?:\\[Driver Manager\\]|\\[FreeTDS\\](?:\\[SQL Server\\])?|"
+        "\\[Microsoft\\]\\[(?:ODBC Driver \\d+ for SQL Server|SQL Server Native Client [\\d.]+|"
+        "ODBC SQL Server Driver)\\](?:\\[SQL Server\\])?)?"_s);
+    return text.sliced(groups.match(text).capturedEnd());
+}
+
+QStringList messages(const std::vector<Diagnostic>& records)
+{
+    QStringList result;
+    for (const Diagnostic& record : records)
+        if (record.isInformation() && record.native != databaseChanged && record.native != languageChanged)
+            result += record.text;
+    return result;
+}
+
+basic::RuntimeError statementError(const std::vector<Diagnostic>& records)
+{
+    if (const Diagnostic* const error = findServerError(records))
+        return {error->native, error->text};
+    if (std::ranges::any_of(records, &Diagnostic::isTimeOut))
+        return statementTimeOut();
+    if (records.empty() || std::ranges::any_of(records, &Diagnostic::isLost))
+        return lostConnection();
+    return {number::DriverFailure, records.front().text};
+}
+
+basic::RuntimeError connectError(const std::vector<Diagnostic>& records, const QString& server)
+{
+    if (const Diagnostic* const error = findServerError(records))
+        return {error->native, error->text};
+    if (std::ranges::any_of(records, &Diagnostic::isTimeOut))
+        return connectTimeOut(server);
+    const auto has = [&](auto number) {
+        return std::ranges::any_of(records,
+                                   [=](const Diagnostic& record) { return record.native == number; });
+    };
+    if (has(freeTdsUnknownHost))
+        return {number::NoServer,
+                u"SQL Server does not exist or access denied: no machine of this name is known (%1)."_s.arg(
+                    server)};
+    if (has(freeTdsUnexpectedEnd))
+        return {number::NoServer,
+                u"SQL Server does not exist or access denied: what answers at %1 closed the "
+                "connection or does not speak SQL Server's protocol."_s.arg(server)};
+    if (std::ranges::any_of(records, &Diagnostic::isLost))
+        return {number::NoServer,
+                u"SQL Server does not exist or access denied: no server answers at %1."_s.arg(server)};
+    return {number::DriverFailure,
+            records.empty() ? u"Connecting to %1 failed."_s.arg(server) : records.front().text};
+}
+
+basic::RuntimeError statementTimeOut()
+{
+    return {number::TimeOut,
+            u"Timeout expired. The statement was cancelled because its time limit has passed."_s};
+}
+
+basic::RuntimeError connectTimeOut(const QString& server)
+{
+    return {number::TimeOut, u"Timeout expired. The server did not answer in time (%1)."_s.arg(server)};
+}
+
+} // namespace ado

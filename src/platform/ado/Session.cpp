@@ -1,0 +1,179 @@
+#include "platform/ado/Session.h"
+
+#include "platform/ado/Batch.h"
+#include "platform/ado/Diagnostics.h"
+#include "platform/ado/ErrorNumbers.h"
+#include <QFile>
+#include <array>
+#include <dlfcn.h>
+#include <link.h>
+
+using namespace Qt::StringLiterals;
+
+namespace ado {
+
+namespace {
+
+constexpr std::chrono::seconds closingTime{5};
+/// What the driver gets beyond the limit of connecting, to report it by itself.
+constexpr std::chrono::seconds driverLead{1};
+
+/// One environment for the process; kept by each session, since sessions may outlive static objects.
+std::shared_ptr<odbc::Environment> environment()
+{
+    static const std::shared_ptr<odbc::Environment> shared = [] {
+        auto made = std::make_shared<odbc::Environment>(nullptr);
+        SQLSetEnvAttr(made->get(), SQL_ATTR_ODBC_VERSION, odbc::asPointer(SQL_OV_ODBC3), 0);
+        return made;
+    }();
+    return shared;
+}
+
+/// The value of "Driver" among a driver's attributes, "key=value" each ended by a NUL.
+QString libraryOf(const QString& attributes)
+{
+    for (const QString& attribute : attributes.split(QChar(u'\0'), Qt::SkipEmptyParts))
+        if (attribute.startsWith("Driver="_L1, Qt::CaseInsensitive))
+            return attribute.sliced(7);
+    return {};
+}
+
+std::vector<RegisteredDriver> registeredDrivers(SQLHENV environment)
+{
+    constexpr SQLSMALLINT room = 4096;
+    std::vector<RegisteredDriver> drivers;
+    QString name(room, u'\0');
+    QString attributes(room, u'\0');
+    SQLSMALLINT nameLength = 0;
+    SQLSMALLINT attributesLength = 0;
+    SQLUSMALLINT direction = SQL_FETCH_FIRST;
+    while (SQL_SUCCEEDED(SQLDriversW(environment, direction, odbc::wide(name), room, &nameLength,
+                                     odbc::wide(attributes), room, &attributesLength))) {
+        drivers.push_back(
+            {name.first(nameLength), libraryOf(attributes.first(std::min(attributesLength, room)))});
+        direction = SQL_FETCH_NEXT;
+    }
+    return drivers;
+}
+
+/// Path of the loaded library with this file name; empty when there is none.
+std::string loadedLibrary(const QString& fileName)
+{
+    struct Search
+    {
+        std::string ending;
+        std::string path;
+    } search{"/" + fileName.section(u'/', -1).toStdString(), {}};
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            auto* const wanted = static_cast<Search*>(data);
+            const std::string path = info->dlpi_name;
+            if (!path.ends_with(wanted->ending))
+                return 0;
+            wanted->path = path;
+            return 1;
+        },
+        &search);
+    return search.path;
+}
+
+} // namespace
+
+Session::Session(const ConnectionRequest& request, std::chrono::seconds timeout)
+    : m_environment(environment()),
+      m_driver(chooseDriver(registeredDrivers(m_environment->get()),
+                            [](const QString& path) { return QFile::exists(path); })),
+      m_dbc(m_environment->get())
+{
+    const ServerAddress address = parseServerAddress(request.dataSource);
+    connect(odbcConnectionString(m_driver, address, request), address.description(), timeout);
+    m_moreResults = findMoreResults();
+}
+
+void Session::connect(const QString& text, const QString& server, std::chrono::seconds timeout)
+{
+    QString connectionText = text;
+    SQLSetConnectAttrW(m_dbc.get(), SQL_ATTR_LOGIN_TIMEOUT,
+                       odbc::asPointer(static_cast<SQLULEN>(timeout.count())), SQL_IS_UINTEGER);
+    const auto shutDown = [this] { m_sockets.shutDown(); };
+    const auto limit = timeout.count() > 0 ? timeout + driverLead : timeout;
+    SQLRETURN outcome = SQL_ERROR;
+    {
+        const Watchdog::Limit connecting(m_watchdog, limit, shutDown, shutDown);
+        const Watchdog::Call call(m_watchdog);
+        outcome = SQLDriverConnectW(m_dbc.get(), nullptr, odbc::wide(connectionText),
+                                    static_cast<SQLSMALLINT>(connectionText.size()), nullptr, 0, nullptr,
+                                    SQL_DRIVER_NOPROMPT);
+    }
+    m_sockets.stop();
+    if (SQL_SUCCEEDED(outcome))
+        return;
+    if (m_watchdog.expired())
+        throw connectTimeOut(server);
+    throw connectError(readDiagnostics(SQL_HANDLE_DBC, m_dbc.get()), server);
+}
+
+Session::~Session()
+{
+    const auto shutDown = [this] { m_sockets.shutDown(); };
+    const Watchdog::Limit closing(m_watchdog, closingTime, shutDown, shutDown);
+    const Watchdog::Call call(m_watchdog);
+    if (m_current)
+        m_current->detach();
+    SQLDisconnect(m_dbc.get());
+    m_dbc.reset();
+}
+
+bool Session::isAlive() const
+{
+    SQLUINTEGER dead = SQL_CD_TRUE;
+    const SQLRETURN outcome =
+        SQLGetConnectAttrW(m_dbc.get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+    return SQL_SUCCEEDED(outcome) && dead == SQL_CD_FALSE;
+}
+
+std::shared_ptr<Batch> Session::newBatch()
+{
+    if (m_current)
+        m_current->finish(m_current.use_count() > 1);
+    m_current = std::make_shared<Batch>(*this);
+    return m_current;
+}
+
+odbc::Statement Session::newStatement() const
+{
+    odbc::Statement statement(m_dbc.get());
+    if (!statement)
+        throw statementError(readDiagnostics(SQL_HANDLE_DBC, m_dbc.get()));
+    SQLSetStmtAttr(statement.get(), SQL_ATTR_NOSCAN, odbc::asPointer(SQL_NOSCAN_ON), 0);
+    return statement;
+}
+
+Watchdog::Limit Session::limit(const odbc::Statement& statement)
+{
+    return {m_watchdog, m_statementTimeout, [handle = statement.get()] { SQLCancel(handle); },
+            [this] { m_sockets.shutDown(); }};
+}
+
+SQLRETURN Session::driverMoreResults(const odbc::Statement& statement) const
+{
+    SQLHSTMT driverStatement = statement.get();
+    if (m_moreResults == nullptr ||
+        !SQL_SUCCEEDED(
+            SQLGetInfoW(m_dbc.get(), SQL_DRIVER_HSTMT, &driverStatement, sizeof driverStatement, nullptr)))
+        return SQL_NO_DATA;
+    return m_moreResults(driverStatement);
+}
+
+Session::MoreResults Session::findMoreResults() const
+{
+    std::array<SQLCHAR, 1024> name{};
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfo(m_dbc.get(), SQL_DRIVER_NAME, name.data(), name.size(), &length)))
+        return nullptr;
+    const std::string path = loadedLibrary(QString::fromUtf8(reinterpret_cast<const char*>(name.data())));
+    void* const library = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    return library == nullptr ? nullptr : reinterpret_cast<MoreResults>(dlsym(library, "SQLMoreResults"));
+}
+
+} // namespace ado
