@@ -134,15 +134,15 @@ std::shared_ptr<const Result> Batch::readNext(bool withRows)
             end();
             throw statementTimeOut();
         }
+        if (outcome != SQL_SUCCESS) {
+            const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement.get());
+            m_messages += messages(records);
+            if (!SQL_SUCCEEDED(outcome) && outcome != SQL_NO_DATA)
+                fail(records);
+        }
         if (outcome == SQL_NO_DATA && !isFirst) {
             end();
             return nullptr;
-        }
-        if (outcome != SQL_SUCCESS && outcome != SQL_NO_DATA) {
-            const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement.get());
-            m_messages += messages(records);
-            if (!SQL_SUCCEEDED(outcome))
-                fail(records);
         }
         if (auto result = describe(withRows))
             return result;

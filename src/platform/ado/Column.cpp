@@ -276,7 +276,8 @@ basic::Variant ColumnBlock::fixedValue(const Column& column, std::size_t row) co
         return Decimal{scaledText(load<Int128>(data), column.scale)};
     case Storage::Minutes: {
         const auto minutes = load<std::int32_t>(data);
-        return basic::Moment{dayOf(minutes / 1440), minutes % 1440 * 60 * ticksPerSecond};
+        return basic::Moment{dayOf(minutes / 1440),
+                             static_cast<qint64>(minutes % 1440) * 60 * ticksPerSecond};
     }
     case Storage::Moment: {
         const auto ticks = load<qint64>(data);

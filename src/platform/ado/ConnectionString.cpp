@@ -88,7 +88,7 @@ public:
         if (m_at < m_text.size() && (m_text[m_at] == u'\'' || m_text[m_at] == u'"'))
             return quoted();
         const qsizetype end = m_text.indexOf(u';', m_at);
-        const QString result = m_text.mid(m_at, end < 0 ? -1 : end - m_at).trimmed();
+        QString result = m_text.mid(m_at, end < 0 ? -1 : end - m_at).trimmed();
         m_at = end < 0 ? m_text.size() : end;
         return result;
     }

@@ -41,6 +41,7 @@ private:
     void addBound(const Field& field, ColumnBuilder& builder);
     void addUnbound(SQLUSMALLINT number, Field& field, ColumnBuilder& builder);
     void addValue(const Field& field, ColumnBuilder& builder, const char* data, SQLLEN length);
+    void takeMessages();
     [[noreturn]] void fail();
 
     SQLHSTMT m_statement;
@@ -77,7 +78,7 @@ void Fetcher::bind()
 {
     const auto firstLong =
         std::ranges::find_if(m_fields, [](const Field& field) { return field.reader.isLong; });
-    std::size_t rowBytes = 0;
+    std::size_t rowBytes = 1;
     for (const Field& field : m_fields)
         rowBytes += field.reader.width + sizeof(SQLLEN);
     if (firstLong == m_fields.end())
@@ -107,8 +108,22 @@ void Fetcher::fail()
     throw statementError(records);
 }
 
+/// An error behind the last rows of a fetch comes with success, and among the messages.
+void Fetcher::takeMessages()
+{
+    const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement);
+    m_messages += messages(records);
+    const auto end = m_rowStates.begin() + static_cast<std::ptrdiff_t>(m_fetched);
+    if (std::find(m_rowStates.begin(), end, SQL_ROW_ERROR) != end ||
+        std::ranges::any_of(records, &Diagnostic::isServerError))
+        throw statementError(records);
+}
+
 bool Fetcher::fetch()
 {
+    // Fewer rows than asked for were the last; FreeTDS would go on into the next result.
+    if (m_fetched != 0 && m_fetched < m_rowsPerFetch)
+        return false;
     SQLRETURN outcome = SQL_ERROR;
     {
         const Watchdog::Call call(m_watchdog);
@@ -120,12 +135,8 @@ bool Fetcher::fetch()
         return false;
     if (!SQL_SUCCEEDED(outcome))
         fail();
-    if (outcome == SQL_SUCCESS_WITH_INFO) {
-        const auto end = m_rowStates.begin() + static_cast<std::ptrdiff_t>(m_fetched);
-        if (std::find(m_rowStates.begin(), end, SQL_ROW_ERROR) != end)
-            fail();
-        m_messages += messages(readDiagnostics(SQL_HANDLE_STMT, m_statement));
-    }
+    if (outcome == SQL_SUCCESS_WITH_INFO)
+        takeMessages();
     return true;
 }
 

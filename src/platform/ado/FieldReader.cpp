@@ -19,7 +19,7 @@ constexpr SQLSMALLINT typeTime = -154;
 constexpr SQLSMALLINT typeOffset = -155;
 
 constexpr SQLULEN longestBound = 8000;       ///< the longest declared length of a type that is not (max)
-constexpr std::size_t longGuess = 32 * 1024; ///< holds most long values in one call
+constexpr std::size_t longGuess = 32'768;    ///< holds most long values in one call
 constexpr std::size_t bytesPerCharacter = 3; ///< of UTF-8 for one UTF-16 unit, or one byte of a code page
 constexpr std::size_t formattedWidth = 64;   ///< the text of a number or a time
 constexpr qint64 ticksPerSecond = 10'000'000;

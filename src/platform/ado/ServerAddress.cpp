@@ -25,7 +25,7 @@ int parsePort(const QString& text, const QString& dataSource)
 
 QString hostName(const QString& written)
 {
-    const QString host = written.trimmed();
+    QString host = written.trimmed();
     if (host.isEmpty() || host == u"." || host.compare("(local)"_L1, Qt::CaseInsensitive) == 0)
         return u"localhost"_s;
     if (host.startsWith(u'[') && host.endsWith(u']'))

@@ -59,7 +59,8 @@ std::set<SocketTracker::Socket> SocketTracker::openSockets()
 std::vector<SocketTracker::Socket> SocketTracker::opened() const
 {
     std::vector<Socket> result;
-    std::ranges::set_difference(openSockets(), m_before, std::back_inserter(result));
+    const std::set<Socket> now = openSockets();
+    std::set_difference(now.begin(), now.end(), m_before.begin(), m_before.end(), std::back_inserter(result));
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <set>
 #include <sys/types.h>
+#include <tuple>
 #include <vector>
 
 namespace ado {
@@ -27,7 +28,10 @@ private:
     {
         int descriptor;
         ino_t inode; ///< tells a descriptor that was given to another file since
-        auto operator<=>(const Socket&) const = default;
+        bool operator<(const Socket& other) const
+        {
+            return std::tie(descriptor, inode) < std::tie(other.descriptor, other.inode);
+        }
     };
     static std::set<Socket> openSockets();
     [[nodiscard]] std::vector<Socket> opened() const;

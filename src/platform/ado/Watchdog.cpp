@@ -43,7 +43,8 @@ void Watchdog::run()
 void Watchdog::expire(std::unique_lock<std::mutex>& lock)
 {
     m_expired = true;
-    const auto isOver = [this] { return m_quit || !m_active; };
+    // The next limit may begin before this thread has seen the end of the present one.
+    const auto isOver = [this, turn = m_turn] { return m_quit || !m_active || m_turn != turn; };
     if (m_inCall)
         m_first();
     // The call that was running may go on, and a later one may hang as well.
@@ -61,6 +62,7 @@ Watchdog::Limit::Limit(Watchdog& watchdog, std::chrono::milliseconds duration, M
         watchdog.m_second = std::move(second);
         watchdog.m_deadline = Clock::now() + duration;
         watchdog.m_expired = false;
+        ++watchdog.m_turn;
         watchdog.m_active = duration.count() > 0;
         if (watchdog.m_active && !watchdog.m_thread.joinable())
             watchdog.m_thread = std::thread([&watchdog] { watchdog.run(); });
