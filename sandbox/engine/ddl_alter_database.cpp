@@ -183,7 +183,7 @@ void renameDatabase(SessionContext& session, const Database& database, const std
     const DatabasePtr taken = session.catalog().database(name);
     if (taken && taken->id != database.id)
         raise(1801, {name});
-    if (isInUse(session, database.id))
+    if (isInUseByOthers(session, database.id))
         raise(5030);
     Statement row(session.connection(), "UPDATE cat_database SET name = ?, fold = ? WHERE dbid = ?");
     row.bind(1, name).bind(2, foldName(name)).bind(3, database.id).run();
@@ -197,7 +197,7 @@ void setDatabaseOption(SessionContext& session, const Database& database, Databa
     const bool closing = option == Offline || option == ReadOnly;
     if (closing && (database.id == masterId || database.id == tempdbId))
         raise(5058, {option == Offline ? "OFFLINE" : "READ_ONLY", database.name});
-    if (closing && on && isInUse(session, database.id))
+    if (closing && on && isInUseByOthers(session, database.id))
         raise(5061, {database.name});
     const DatabaseOptions options = on ? database.options | option : database.options & ~option;
     updateDatabase(session, database.id, "options", options);
@@ -214,10 +214,7 @@ void setUserAccess(SessionContext& session, const Database& database, UserAccess
 {
     if (database.id == masterId || database.id == tempdbId)
         raise(5058, {access == UserAccess::Single ? "SINGLE_USER" : "RESTRICTED_USER", database.name});
-    Statement others(session.connection(), "SELECT count(*) FROM json_each(practice_sessions()) j "
-                                           "WHERE j.value ->> 'dbid' = ? AND j.value ->> 'spid' <> ?");
-    others.bind(1, database.id).bind(2, session.spid()).step();
-    if (access == UserAccess::Single && !othersMayGo && others.integer(0) > 0)
+    if (access == UserAccess::Single && !othersMayGo && isInUseByOthers(session, database.id))
         raise(5070, {database.name});
     updateDatabase(session, database.id, "access", std::int64_t(access));
 }

@@ -180,11 +180,14 @@ void requireNoTransaction(SessionContext& session, const char* statement)
 
 bool isInUse(SessionContext& session, int databaseId)
 {
-    if (session.database()->id == databaseId)
-        return true;
-    Statement row(session.connection(),
-                  "SELECT 1 FROM json_each(practice_sessions()) j WHERE j.value ->> 'dbid' = ?");
-    return row.bind(1, databaseId).step();
+    return session.database()->id == databaseId || isInUseByOthers(session, databaseId);
+}
+
+bool isInUseByOthers(SessionContext& session, int databaseId)
+{
+    Statement row(session.connection(), "SELECT 1 FROM json_each(practice_sessions()) j "
+                                        "WHERE j.value ->> 'dbid' = ? AND j.value ->> 'spid' <> ?");
+    return row.bind(1, databaseId).bind(2, session.spid()).step();
 }
 
 void createDatabase(SessionContext& session, const ast::CreateDatabaseStatement& statement)

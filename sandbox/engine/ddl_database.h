@@ -12,8 +12,9 @@ void requireNoTransaction(SessionContext& session, const char* statement);
 
 /// True while any session works in the database.
 [[nodiscard]] bool isInUse(SessionContext& session, int databaseId);
+[[nodiscard]] bool isInUseByOthers(SessionContext& session, int databaseId);
 
-/// @throws SqlError 5030 while it is in use, 1801
+/// @throws SqlError 5030 while others use it, 1801
 void renameDatabase(SessionContext& session, const Database& database, const std::string& name);
 
 void setDatabaseOption(SessionContext& session, const Database& database, DatabaseOption option, bool on);

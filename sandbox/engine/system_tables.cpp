@@ -2,6 +2,7 @@
 
 #include "engine/storage.h"
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -53,34 +54,6 @@ std::string collated(const std::string& expression, const SqlType& type)
     return '(' + expression + ") COLLATE \"" + defaultCollation + '"';
 }
 
-SystemTable compile(const SystemTableDefinition& definition)
-{
-    SystemTable table;
-    table.schema = definition.schema;
-    table.name = definition.name;
-    table.masterOnly = definition.masterOnly;
-    std::string list;
-    std::istringstream lines(definition.columns);
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        std::string name;
-        std::string type;
-        std::string expression;
-        if (!(words >> name >> type))
-            continue;
-        std::getline(words >> std::ws, expression);
-        const bool nullable = type.back() == '?';
-        if (nullable)
-            type.pop_back();
-        table.columns.push_back({name, parseType(type), nullable});
-        const SqlType& parsed = table.columns.back().type;
-        list += (list.empty() ? "SELECT " : ", ") + collated(padded(expression, parsed), parsed) + " AS " +
-                quotedName(name);
-    }
-    table.body = list + ' ' + definition.source;
-    return table;
-}
-
 std::vector<SystemTable> compileAll()
 {
     std::vector<SystemTable> all;
@@ -88,7 +61,7 @@ std::vector<SystemTable> compileAll()
          {objectSystemTables(), indexSystemTables(), fileSystemTables(), securitySystemTables(),
           serverSystemTables(), informationSchemaViews(), catalogViews(), constraintCatalogViews()}) {
         for (const SystemTableDefinition& definition : definitions)
-            all.push_back(compile(definition));
+            all.push_back(compileSystemTable(definition));
     }
     return all;
 }
@@ -104,6 +77,35 @@ std::map<Key, const SystemTable*> indexByName()
 }
 
 } // namespace
+
+SystemTable compileSystemTable(const SystemTableDefinition& definition)
+{
+    SystemTable table;
+    table.schema = definition.schema;
+    table.name = definition.name;
+    table.masterOnly = definition.masterOnly;
+    std::string list;
+    std::istringstream lines(definition.columns);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string name;
+        std::string type;
+        std::string expression;
+        if (!(words >> name >> type))
+            continue;
+        std::getline(words >> std::ws, expression);
+        std::replace(name.begin(), name.end(), '&', ' ');
+        const bool nullable = type.back() == '?';
+        if (nullable)
+            type.pop_back();
+        table.columns.push_back({name, parseType(type), nullable});
+        const SqlType& parsed = table.columns.back().type;
+        list += (list.empty() ? "SELECT " : ", ") + collated(padded(expression, parsed), parsed) + " AS " +
+                quotedName(name);
+    }
+    table.body = list + ' ' + definition.source;
+    return table;
+}
 
 const std::vector<SystemTable>& systemTables()
 {

@@ -13,11 +13,15 @@ struct SystemTableDefinition
     const char* schema;
     const char* name;
     bool masterOnly;
-    /// One line a column: name, type (with ? where it may be NULL), expression in SQLite's dialect.
+    /// One line a column: name (& for a blank in it), type (with ? where it may be NULL), expression in
+    /// SQLite's dialect.
     const char* columns;
     /// From FROM on; :db stands for the database's id.
     const char* source;
 };
+
+/// Reads the lines of a definition into typed columns and one SELECT.
+[[nodiscard]] SystemTable compileSystemTable(const SystemTableDefinition& definition);
 
 [[nodiscard]] std::span<const SystemTableDefinition> objectSystemTables(); ///< sysobjects, syscolumns ...
 [[nodiscard]] std::span<const SystemTableDefinition> indexSystemTables();  ///< sysindexes, sysreferences ...
