@@ -82,7 +82,7 @@ try {
     ado::Recordset registros;
     if (!CreaRecordset(Conexion, registros, texto))
         return {};
-    const QString resultado = registros.RecordCount() > 0 ? TextoCampo(registros, 0) : QString();
+    QString resultado = registros.RecordCount() > 0 ? TextoCampo(registros, 0) : QString();
     registros.Close();
     return resultado;
 } catch (...) {

@@ -6,7 +6,7 @@
 #include "core/mdlRegistro.h"
 #include "platform/basic/Numbers.h"
 #include "platform/basic/Variant.h"
-#include "platform/controls/MessageBox.h"
+#include "platform/controls/Language.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,7 +19,7 @@ try {
         ::frmIdioma->ShowModal();
     else
         Idioma = basic::toInt16(basic::val(guardado));
-    controls::setMessageBoxLanguage(Idioma);
+    controls::setUiLanguage(Idioma);
 } catch (...) {
     InformaError(u"LeeIdiomaRegistro"_s);
 }

@@ -121,7 +121,7 @@ void frmAnalizadorConsultas::txtSQL_KeyDown(int KeyCode, int /*Shift*/)
 
 QString frmAnalizadorConsultas::TextoParaEjecutar() const
 {
-    const QString seleccion = txtSQL->SelText();
+    QString seleccion = txtSQL->SelText();
     if (!seleccion.trimmed().isEmpty())
         return seleccion;
     const QString texto = txtSQL->Text();
