@@ -37,7 +37,7 @@ QString Lineas(const QStringList& lineas)
 
 QString ServidorDePrueba()
 {
-    static const auto servidor = support::PracticeServer::start({u"--sample"_s});
+    static const auto servidor = support::PracticeServer::start();
     return u"127.0.0.1,"_s + QString::number(servidor->port());
 }
 

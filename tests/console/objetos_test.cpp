@@ -1,0 +1,359 @@
+// The commands on what is selected in the browser, the editors of views and procedures, script files.
+#include "Consola.h"
+
+#include "browser/frmAdministrador.h"
+#include "core/Global.h"
+#include "core/mdiPrincipal.h"
+#include "platform/controls/FileDialog.h"
+#include "platform/controls/Pointer.h"
+#include "query/ArchivoScript.h"
+#include "query/frmAnalizadorConsultas.h"
+#include "query/frmProcedimiento.h"
+#include "query/frmVista.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace pruebas {
+namespace {
+
+constexpr int Es = 0;
+constexpr int En = 1;
+
+const QString ConsultaBases = u"Select name from master.dbo.sysdatabases order by name"_s;
+
+QString ConsultaTablas(const QString& base)
+{
+    return u"Select t.name as tabla,t.xtype as tipo,u.name as usuario,t.crdate as fecha  from %1..sysobjects "
+           u"t,%1..sysusers u where (t.xtype = 'U'or t.xtype = 'S') and u.uid = t.uid order by t.name"_s.arg(
+               base);
+}
+
+QString ConsultaVistas(const QString& base)
+{
+    return u"Select t.name as tabla,t.category as categoria,u.name as usuario,t.crdate as fecha  from "
+           u"%1..sysobjects t,%1..sysusers u where (t.xtype = 'V') and u.uid = t.uid order by t.name"_s.arg(
+               base);
+}
+
+QString ConsultaTexto(const QString& tipo, const QString& nombre)
+{
+    return u"Select obj.name,com.text  from Taller..sysobjects obj, Taller..syscomments com where obj.type = "
+           u"'%1' "
+           u"and name='%2' and com.id=obj.id order by name"_s.arg(tipo, nombre);
+}
+
+const QString ConsultaProcedimientos =
+    u"Select t.name as tabla,t.xtype as tipo,u.name as usuario,t.crdate as fecha  from Taller..sysobjects t,"
+    u"Taller..sysusers u where t.xtype = 'P' and u.uid = t.uid order by t.name"_s;
+
+} // namespace
+
+class Objetos : public Consola
+{
+protected:
+    /// A fresh database Taller with one object of each kind, open in the browser.
+    void Prepara(int idioma)
+    {
+        ArrancaYConecta(idioma);
+        Ejecuta({u"if db_id('Taller') is not null drop database Taller"_s, u"create database Taller"_s,
+                 u"use Taller"_s, u"create table Padre (id int not null primary key)"_s,
+                 u"create table Hija (id int not null references Padre(id))"_s,
+                 u"create table [con hueco] (a int)"_s, u"create view Ver as select id from Padre"_s,
+                 u"create procedure Haz as select 1 as uno"_s, u"insert Padre values (7)"_s,
+                 u"use master"_s});
+        Abre(::mdiPrincipal->mnuAdministrador);
+        Transcripcion();
+    }
+
+    void TearDown() override
+    {
+        Avisos();
+        if (ConexionSQL.State() != 0)
+            Ejecuta({u"use master"_s});
+        Consola::TearDown();
+    }
+
+    void Ejecuta(const QStringList& sentencias)
+    {
+        for (const QString& sentencia : sentencias)
+            ASSERT_NO_THROW(ConexionSQL.Execute(sentencia)) << sentencia.toStdString();
+        Transcripcion();
+    }
+
+    /// Selects an item of the list by its text with the right button, as the user does.
+    void Elige(const QString& texto)
+    {
+        auto* lista = ::frmAdministrador->ltvTablas;
+        for (int i = 0; i < lista->ListCount(); ++i) {
+            if (lista->Item(i)->Text() != texto)
+                continue;
+            lista->scrollToItem(lista->Item(i));
+            const QPoint punto = lista->visualItemRect(lista->Item(i)).center();
+            ::frmAdministrador->ltvTablas_MouseDown(2, 0, punto.x(), punto.y());
+            ::mdiPrincipal->mnuBaseDatos->close();
+            return;
+        }
+        FAIL() << "not in the list: " << texto.toStdString();
+    }
+
+    /// Clicks a folder and chooses an entry of the menu for one of its objects.
+    void Manda(const QString& carpeta, const QString& objeto, QAction* entrada)
+    {
+        Pulsa(carpeta);
+        Elige(objeto);
+        Transcripcion();
+        ASSERT_TRUE(entrada->isVisible());
+        entrada->trigger();
+        QTest::qWait(1);
+    }
+
+    static bool EnLista(const QString& texto)
+    {
+        auto* lista = ::frmAdministrador->ltvTablas;
+        for (int i = 0; i < lista->ListCount(); ++i)
+            if (lista->Item(i)->Text() == texto)
+                return true;
+        return false;
+    }
+};
+
+TEST_F(Objetos, DropsATableAndReadsTheListAgain)
+{
+    Prepara(Es);
+    Manda(u"DTTaller"_s, u"Hija"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE Hija"_s, ConsultaTablas(u"Taller"_s)}));
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_FALSE(EnLista(u"Hija"_s));
+}
+
+TEST_F(Objetos, ARefusedDropShowsTheErrorAndLeavesTheListAlone)
+{
+    Prepara(Es);
+    Manda(u"DTTaller"_s, u"Padre"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE Padre"_s}));
+    EXPECT_EQ(
+        Avisos(),
+        (QList<Aviso>{{u" Error Nº:3726 (Could not drop object 'Padre' because it is referenced by a FOREIGN "
+                       u"KEY constraint.)."_s,
+                       48, u"Atención."_s}}));
+    EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+    Manda(u"DTTaller"_s, u"con hueco"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE con hueco"_s}));
+    ASSERT_EQ(Avisos().size(), 1);
+    EXPECT_TRUE(EnLista(u"con hueco"_s));
+}
+
+TEST_F(Objetos, DropsAViewButNeverAProcedure)
+{
+    Prepara(Es);
+    Manda(u"DPTaller"_s, u"Haz"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_EQ(Transcripcion(), QString());
+    Manda(u"DVTaller"_s, u"Ver"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_EQ(Transcripcion(), Lineas({u"Use Taller"_s, u"DROP VIEW Ver"_s, ConsultaVistas(u"Taller"_s)}));
+    EXPECT_EQ(::frmAdministrador->ltvTablas->ListCount(), 0);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+}
+
+TEST_F(Objetos, ADroppedDatabaseRebuildsTheTreeAndThenMissesTheItem)
+{
+    Prepara(Es);
+    Pulsa(u"BDTaller"_s);
+    ::mdiPrincipal->mnuEliminar->trigger();
+    EXPECT_EQ(Transcripcion(), Lineas({u"DROP DATABASE Taller"_s, ConsultaBases}));
+    EXPECT_EQ(::frmAdministrador->trvBD->Find(u"BDTaller"_s), nullptr);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:91 (Object variable or With block variable not set)."_s,
+                                       48, u"Atención."_s}}));
+    EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+}
+
+TEST_F(Objetos, ADatabaseInUseIsKept)
+{
+    Prepara(Es);
+    Ejecuta({u"use Taller"_s});
+    Pulsa(u"BDTaller"_s);
+    ::mdiPrincipal->mnuEliminar->trigger();
+    EXPECT_EQ(Transcripcion(), Lineas({u"DROP DATABASE Taller"_s}));
+    const auto avisos = Avisos();
+    ASSERT_EQ(avisos.size(), 1);
+    EXPECT_TRUE(avisos[0].texto.startsWith(u" Error Nº:3702 ("_s)) << avisos[0].texto.toStdString();
+    EXPECT_NE(::frmAdministrador->trvBD->Find(u"BDTaller"_s), nullptr);
+}
+
+TEST_F(Objetos, ALoginGoesWithItsUsersInEveryDatabase)
+{
+    Prepara(Es);
+    Ejecuta({u"exec sp_addlogin 'rosa', 'Clave1!'"_s, u"use Taller"_s, u"exec sp_grantdbaccess 'rosa'"_s,
+             u"use model"_s, u"exec sp_grantdbaccess 'rosa'"_s, u"use master"_s});
+    Manda(u"DI"_s, u"rosa"_s, ::mdiPrincipal->mnuEliminar);
+    const QString enviado = Transcripcion();
+    EXPECT_TRUE(enviado.startsWith(ConsultaBases)) << enviado.toStdString();
+    EXPECT_TRUE(enviado.contains(Lineas({u"Select name from Taller..sysusers where name = 'rosa'"_s,
+                                         u"use Taller"_s, u"exec sp_revokedbaccess  'rosa'"_s})));
+    EXPECT_TRUE(enviado.contains(Lineas({u"Select name from model..sysusers where name = 'rosa'"_s,
+                                         u"use model"_s, u"exec sp_revokedbaccess  'rosa'"_s})));
+    EXPECT_TRUE(enviado.contains(u"Select name from master..sysusers where name = 'rosa'\n"
+                                 u"Select name"_s))
+        << "no access, nothing to revoke";
+    EXPECT_TRUE(enviado.endsWith(Lineas({u" EXEC sp_droplogin 'rosa'"_s, u"sp_helplogins"_s})));
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_FALSE(EnLista(u"rosa"_s));
+}
+
+TEST_F(Objetos, AUserIsRevokedInWhicheverDatabaseTheSessionStands)
+{
+    Prepara(Es);
+    Ejecuta({u"exec sp_addlogin 'luis', 'Clave1!'"_s, u"use Taller"_s, u"exec sp_grantdbaccess 'luis'"_s});
+    Manda(u"DUTaller"_s, u"luis"_s, ::mdiPrincipal->mnuEliminar);
+    EXPECT_TRUE(Transcripcion().startsWith(Lineas({u" sp_revokedbaccess 'luis'"_s})));
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_FALSE(EnLista(u"luis"_s));
+    Ejecuta({u"use master"_s, u"exec sp_droplogin 'luis'"_s});
+}
+
+TEST_F(Objetos, ShowsTheRowsOfATableInTheQueryWindow)
+{
+    Prepara(Es);
+    Manda(u"DTTaller"_s, u"Padre"_s, ::mdiPrincipal->mnuVerRegistros);
+    EXPECT_EQ(Transcripcion(),
+              Lineas({ConsultaBases, u"Use master"_s, u"Use Taller"_s, u"select * from Padre"_s}));
+    EXPECT_EQ(::frmAnalizadorConsultas->cboBD->Text(), u"Taller"_s);
+    EXPECT_EQ(::frmAnalizadorConsultas->GridSQL->model()->index(0, 0).data().toString(), u"7"_s);
+    EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+}
+
+TEST_F(Objetos, ATableBeyondTheLastSlotIsASubscriptError)
+{
+    Prepara(Es);
+    Pulsa(u"DTTaller"_s);
+    auto* lista = ::frmAdministrador->ltvTablas;
+    lista->Select(lista->Add(u"T201"_s, u"Lejos"_s));
+    ::mdiPrincipal->mnuDiseño->trigger();
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:9 (Subscript out of range)."_s, 48, u"Atención."_s}}));
+}
+
+TEST_F(Objetos, AViewIsReplacedByDropAndCreate)
+{
+    Prepara(Es);
+    Manda(u"DVTaller"_s, u"Ver"_s, ::mdiPrincipal->mnuDiseño);
+    EXPECT_EQ(Transcripcion(), Lineas({ConsultaTexto(u"V"_s, u"Ver"_s)}));
+    EXPECT_EQ(::frmVista->Caption(), u"Vista"_s);
+    EXPECT_EQ(::frmVista->txtSQL->Text(), u"create view Ver as select id from Padre"_s);
+    const QString nuevo = u"create view Ver as\rselect id + 1 as otro from Padre"_s;
+    ::frmVista->txtSQL->setText(nuevo);
+    ::frmVista->cmdAceptar->click();
+    QString enviado = Transcripcion();
+    EXPECT_TRUE(
+        enviado.startsWith(Lineas({u"USE Taller"_s, u"DROP VIEW Ver"_s, nuevo, ConsultaVistas(u"Taller"_s)})))
+        << enviado.toStdString();
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_FALSE(::frmVista.exists());
+    EXPECT_TRUE(EnLista(u"Ver"_s));
+}
+
+TEST_F(Objetos, ARefusedReplacementLosesTheObjectAndKeepsTheText)
+{
+    Prepara(En);
+    Manda(u"DVTaller"_s, u"Ver"_s, ::mdiPrincipal->mnuDiseño);
+    ::frmVista->txtSQL->setText(u"create view Ver as selec 1"_s);
+    Transcripcion();
+    ::frmVista->cmdAceptar->click();
+    EXPECT_EQ(Transcripcion(),
+              Lineas({u"USE Taller"_s, u"DROP VIEW Ver"_s, u"create view Ver as selec 1"_s}));
+    EXPECT_EQ(Avisos().size(), 1);
+    EXPECT_TRUE(::frmVista.exists());
+    ::frmVista->cmdAceptar->click();
+    EXPECT_EQ(Transcripcion(), Lineas({u"USE Taller"_s, u"DROP VIEW Ver"_s}));
+    const auto avisos = Avisos();
+    ASSERT_EQ(avisos.size(), 1);
+    EXPECT_TRUE(avisos[0].texto.startsWith(u" Error Nº:3701 ("_s)) << avisos[0].texto.toStdString();
+    EXPECT_EQ(::frmVista->txtSQL->Text(), u"create view Ver as selec 1"_s);
+    ::frmVista->cmdCancelar->click();
+    EXPECT_EQ(Transcripcion().count(u"DROP"_s), 0);
+    EXPECT_FALSE(::frmVista.exists());
+}
+
+TEST_F(Objetos, ALongProcedureLoadsWholeAndIsTitledAsAView)
+{
+    Prepara(En);
+    const QString largo = u"create procedure Largo as select '"_s + u"ñ"_s.repeated(9000) + u"' as x"_s;
+    Ejecuta({u"use Taller"_s, largo, u"use master"_s});
+    Manda(u"DPTaller"_s, u"Largo"_s, ::mdiPrincipal->mnuDiseño);
+    EXPECT_EQ(Transcripcion(), Lineas({ConsultaTexto(u"P"_s, u"Largo"_s)}));
+    EXPECT_EQ(::frmProcedimiento->txtSQL->Text(), largo);
+    EXPECT_EQ(::frmProcedimiento->Caption(), u"View"_s);
+    EXPECT_EQ(::frmProcedimiento->cmdAceptar->text(), u"Accept"_s);
+    ::frmProcedimiento->cmdAceptar->click();
+    EXPECT_TRUE(Transcripcion().startsWith(
+        Lineas({u"USE Taller"_s, u"DROP PROCEDURE Largo"_s, largo, ConsultaProcedimientos})));
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+}
+
+TEST_F(Objetos, ANewViewStartsFromItsPlaceholder)
+{
+    Prepara(Es);
+    Pulsa(u"DVTaller"_s);
+    ::mdiPrincipal->mnuAñadirVista->trigger();
+    EXPECT_EQ(BaseDatosActual, u"Taller"_s);
+    EXPECT_EQ(::frmVista->txtSQL->Text(), u"CREATE VIEW [NOMBRE_VISTA] AS "_s);
+    ::frmVista->txtSQL->setText(::frmVista->txtSQL->Text() + u"select 1 as a"_s);
+    Transcripcion();
+    ::frmVista->cmdAceptar->click();
+    EXPECT_TRUE(Transcripcion().startsWith(
+        Lineas({u"USE Taller"_s, u"CREATE VIEW [NOMBRE_VISTA] AS select 1 as a"_s})));
+    EXPECT_TRUE(EnLista(u"NOMBRE_VISTA"_s));
+}
+
+TEST(Scripts, EncodingsAreToldByTheirMarksOrByTheirBytes)
+{
+    const QString texto = u"select 'ñ€'"_s;
+    const QByteArray utf8 = texto.toUtf8();
+    EXPECT_EQ(TextoDeBytes(utf8), texto);
+    EXPECT_EQ(TextoDeBytes("\xEF\xBB\xBF" + utf8), texto);
+    EXPECT_EQ(TextoDeBytes(QByteArray("\xFF\xFE", 2) +
+                           QByteArray(reinterpret_cast<const char*>(texto.utf16()), 2 * texto.size())),
+              texto);
+    EXPECT_EQ(TextoDeBytes("select '\xF1\x80'"), texto);
+    EXPECT_EQ(BytesDeTexto(u"select 1\r\n"_s), "select 1\r\n");
+    EXPECT_EQ(TextoDeBytes(BytesDeTexto(texto)), texto);
+}
+
+TEST_F(Objetos, ScriptsAreLoadedAndSavedUnderTheRememberedName)
+{
+    ArrancaYConecta(Es);
+    const QTemporaryDir carpeta;
+    const QString nombre = carpeta.filePath(u"uno.sql"_s);
+    QString elegido;
+    controls::setFileDialogAnswerer([&](bool, const QString& patron) {
+        EXPECT_EQ(patron, u"*.sql"_s);
+        return elegido;
+    });
+    ::mdiPrincipal->mnuAbrir->trigger();
+    EXPECT_EQ(Transcripcion(), QString()) << "a cancelled first dialog does nothing";
+
+    QFile archivo(nombre);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+    archivo.write("select 1\nselect 2");
+    archivo.close();
+    elegido = nombre;
+    ::mdiPrincipal->mnuAbrir->trigger();
+    EXPECT_EQ(::frmAnalizadorConsultas->txtSQL->Text(), u"select 1\r\nselect 2\r\n"_s);
+
+    elegido.clear();
+    ::frmAnalizadorConsultas->txtSQL->setText(u"otra"_s);
+    ::mdiPrincipal->mnuGuardar->trigger();
+    ASSERT_TRUE(archivo.open(QIODevice::ReadOnly));
+    EXPECT_EQ(archivo.readAll(), "otra\r\n") << "a cancelled dialog goes on with the last name";
+    archivo.close();
+
+    elegido = carpeta.filePath(u"no/hay.sql"_s);
+    ::mdiPrincipal->mnuAbrir->trigger();
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:76 (Path not found)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(::frmAnalizadorConsultas->txtSQL->Text(), u"otra"_s);
+    controls::setFileDialogAnswerer({});
+}
+
+} // namespace pruebas
