@@ -10,7 +10,7 @@ namespace practice::tds {
 namespace {
 
 /// A statement of that size is beyond any use, and memory has an end.
-constexpr std::size_t longestRequest = 64U * 1024 * 1024;
+constexpr std::size_t longestRequest = std::size_t{64} * 1024 * 1024;
 
 Message fault(int number, int severity, std::string text)
 {

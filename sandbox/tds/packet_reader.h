@@ -41,7 +41,7 @@ private:
     [[nodiscard]] std::optional<Header> readHeader(Deadline deadline);
 
     Socket& socket_;
-    std::size_t limit_ = 64 * 1024;
+    std::size_t limit_ = std::size_t{64} * 1024;
 };
 
 } // namespace practice::tds

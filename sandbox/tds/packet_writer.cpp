@@ -7,7 +7,7 @@ namespace practice::tds {
 namespace {
 
 /// Enough packets to make a system call worth its while.
-constexpr std::size_t bufferedBytes = 64 * 1024;
+constexpr std::size_t bufferedBytes = std::size_t{64} * 1024;
 
 } // namespace
 

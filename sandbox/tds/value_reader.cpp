@@ -112,9 +112,9 @@ ParameterType lobType(ByteReader& reader, TypeId id)
 ParameterType xmlType(ByteReader& reader)
 {
     if (reader.number<std::uint8_t>() != 0) {
-        reader.skip(2U * reader.number<std::uint8_t>());
-        reader.skip(2U * reader.number<std::uint8_t>());
-        reader.skip(2U * reader.number<std::uint16_t>());
+        reader.skip(std::size_t{2} * reader.number<std::uint8_t>());
+        reader.skip(std::size_t{2} * reader.number<std::uint8_t>());
+        reader.skip(std::size_t{2} * reader.number<std::uint16_t>());
     }
     return {{TypeId::Xml, maxLength, 0, 0}, Length::Chunks, 0};
 }

@@ -168,7 +168,7 @@ std::string timeText(const Style& style, const SqlType& type, std::int64_t ticks
     const int second = static_cast<int>(ticks / ticksPerSecond % 60);
     const int hour12 = hour % 12 == 0 ? 12 : hour % 12;
     const char* half = hour < 12 ? "AM" : "PM";
-    const std::string seconds = print("%02d:%02d:%02d", hour, minute, second);
+    std::string seconds = print("%02d:%02d:%02d", hour, minute, second);
     switch (style.time) {
     case TimePart::Short12:
         return print("%2d:%02d%s", hour12, minute, half);

@@ -430,6 +430,7 @@ TEST_F(Wire, DropsTheSilentAndTheTooMany)
     options.maxConnections = 3;
     start(options);
     std::vector<RawClient> many;
+    many.reserve(3);
     for (int i = 0; i < 3; ++i)
         many.push_back(loggedIn());
     RawClient surplus = client();
