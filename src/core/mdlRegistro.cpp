@@ -15,13 +15,12 @@ namespace {
 constexpr int Bien = 0;
 constexpr int Mal = -1;
 
-// A text that would read back as a number is marked, since a file keeps no types.
+// A file keeps no types, so that a text is marked there; a registry keeps them itself.
+#ifdef Q_OS_WIN
+const QString MarcaTexto;
+#else
 const QString MarcaTexto = QStringLiteral("text:");
-
-QString Grupo(const QString& clave)
-{
-    return QString(clave).replace(u'\\', u'/');
-}
+#endif
 
 std::unique_ptr<QSettings> Abre(const QString& clave)
 {
@@ -29,7 +28,8 @@ std::unique_ptr<QSettings> Abre(const QString& clave)
     return std::make_unique<QSettings>(u"HKEY_CURRENT_USER\\"_s + clave, QSettings::NativeFormat);
 #else
     auto ajustes = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, u"quermo"_s);
-    ajustes->beginGroup(Grupo(clave));
+    ajustes->setFallbacksEnabled(false); // what the machine's administrator left is another hive
+    ajustes->beginGroup(QString(clave).replace(u'\\', u'/'));
     return ajustes;
 #endif
 }
@@ -81,15 +81,13 @@ int LeerValorEx(QSettings& claveAbierta, const QString& nombre, basic::Variant& 
     if (!claveAbierta.contains(nombre))
         return Bien;
     const QVariant guardado = claveAbierta.value(nombre);
-    if (!guardado.canConvert<QString>())
-        return Mal;
     const QString texto = guardado.toString();
     bool esNumero = false;
-    const int numero = texto.toInt(&esNumero);
-    if (esNumero)
-        valor = basic::Variant(numero);
-    else if (texto.startsWith(MarcaTexto))
+    const int numero = guardado.toInt(&esNumero);
+    if (guardado.typeId() == QMetaType::QString && texto.startsWith(MarcaTexto))
         valor = basic::Variant(texto.mid(MarcaTexto.size()));
+    else if (esNumero)
+        valor = basic::Variant(numero);
     else
         return Mal;
     return Bien;

@@ -163,7 +163,7 @@ TEST_F(Forms, AModalFormReturnsWhenItCloses)
     auto* a = new Recorder("a");
     QTimer::singleShot(10, a, [a] { a->close(); });
     a->ShowModal();
-    EXPECT_EQ(events(), (QStringList{"a.Load", "a.QueryUnload", "a.Unload"}));
+    EXPECT_EQ(events(), (QStringList{"a.Load", "a.Activate", "a.QueryUnload", "a.Unload"}));
 }
 
 } // namespace controls

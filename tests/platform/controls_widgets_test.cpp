@@ -3,6 +3,7 @@
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/ImageList.h"
 #include "platform/controls/Keys.h"
+#include "platform/controls/Language.h"
 #include "platform/controls/ListView.h"
 #include "platform/controls/MessageBox.h"
 #include "platform/controls/Pointer.h"
@@ -221,7 +222,7 @@ TEST(MessageBoxes, StyleDecidesButtonsAndDefault)
     } cases[] = {{48, {"OK"}, "OK", Answer::Ok},
                  {292, {"&Yes", "&No"}, "&No", Answer::No},
                  {35, {"&Yes", "&No", "Cancel"}, "&Yes", Answer::Cancel}};
-    setMessageBoxLanguage(1);
+    setUiLanguage(1);
     for (const auto& each : cases) {
         QStringList buttons;
         QString defaultButton;

@@ -2,10 +2,13 @@
 
 #include "platform/basic/RuntimeError.h"
 
+#include <QWheelEvent>
+
 namespace controls {
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent)
 {
+    setFocusPolicy(Qt::StrongFocus); // not by the wheel
     connect(this, &QComboBox::activated, this, &ComboBox::Click);
 }
 
@@ -47,6 +50,14 @@ void ComboBox::setListIndex(int index)
         checkIndex(index);
     setCurrentIndex(index);
     emit Click();
+}
+
+void ComboBox::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus())
+        QComboBox::wheelEvent(event);
+    else
+        event->ignore();
 }
 
 void ComboBox::checkIndex(int index) const

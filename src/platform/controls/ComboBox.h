@@ -29,6 +29,10 @@ public:
 signals:
     void Click();
 
+protected:
+    /// The wheel turns a combo that has the focus, and no other: it would select in passing.
+    void wheelEvent(QWheelEvent* event) override;
+
 private:
     void checkIndex(int index) const;
 };

@@ -1,5 +1,8 @@
 #include "platform/controls/FileDialog.h"
 
+#include "platform/controls/Language.h"
+#include "platform/controls/Pointer.h"
+
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -19,6 +22,7 @@ QString ask(bool save, const QString& pattern, const QString& extension, const Q
     if (script())
         return script()(save, pattern);
     QFileDialog dialog(QApplication::activeWindow());
+    dialog.setWindowTitle(save ? uiText("Guardar", "Save") : uiText("Abrir", "Open"));
     dialog.setNameFilter(pattern);
     dialog.setDefaultSuffix(extension);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -26,6 +30,7 @@ QString ask(bool save, const QString& pattern, const QString& extension, const Q
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (!last.isEmpty())
         dialog.setDirectory(QFileInfo(last).absolutePath());
+    const ArrowWhileAsking arrow;
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 

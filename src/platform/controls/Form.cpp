@@ -2,11 +2,13 @@
 
 #include "platform/controls/LoadedWindows.h"
 #include "platform/controls/MdiForm.h"
+#include "platform/controls/Pointer.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
-#include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QWindow>
 
 namespace controls {
 
@@ -38,6 +40,8 @@ Form::Form(QWidget* parent) : QWidget(parent) {}
 Form::~Form()
 {
     loadedWindows().removeAll(this);
+    if (m_frame)
+        m_frame->deleteLater(); // nothing is left to show
 }
 
 void Form::setCaption(const QString& caption)
@@ -59,29 +63,43 @@ void Form::Load()
 void Form::Show()
 {
     Load();
+    if (!m_loaded)
+        return; // its own handler gave up
     auto* host = MdiForm::instance();
-    if (!host) {
-        show();
-        return;
-    }
-    if (!m_frame) {
+    if (host && !m_frame && !isVisible()) {
         m_frame = host->adopt(this);
         show();
         m_frame->show();
     }
+    if (!m_frame && !isVisible())
+        showAsWindow();
     SetFocus();
 }
 
 void Form::ShowModal()
 {
     Load();
+    if (!m_loaded)
+        return;
+    const ArrowWhileAsking arrow;
     QEventLoop loop;
     connect(this, &Form::unloaded, &loop, &QEventLoop::quit);
+    connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
     setWindowModality(Qt::ApplicationModal);
     setWindowFlag(Qt::Dialog);
-    show();
+    showAsWindow();
     activateWindow();
     loop.exec();
+}
+
+void Form::showAsWindow()
+{
+    if (const auto* owner = QApplication::activeWindow()) {
+        create();
+        windowHandle()->setTransientParent(owner->windowHandle());
+    }
+    show();
+    Form_Activate();
 }
 
 bool Form::Unload()
@@ -114,7 +132,7 @@ void Form::SetFocus()
 {
     Load();
     if (m_frame && MdiForm::instance())
-        MdiForm::instance()->area()->setActiveSubWindow(m_frame);
+        MdiForm::instance()->bringForward(m_frame);
     else
         activateWindow();
 }
@@ -145,12 +163,18 @@ int Form::Top() const
 
 void Form::setLeft(int left)
 {
-    frame()->move(left, frame()->y());
+    moveTo(left, Top());
 }
 
 void Form::setTop(int top)
 {
-    frame()->move(frame()->x(), top);
+    moveTo(Left(), top);
+}
+
+void Form::moveTo(int left, int top)
+{
+    if (windowStateValue() == Normal)
+        frame()->move(left, top);
 }
 
 Form::WindowState Form::windowStateValue() const

@@ -11,8 +11,9 @@ class QMdiSubWindow;
 namespace controls {
 
 /// The handlers run in this order: Form_Load once, before the form shows; Form_Activate each time it
-/// becomes the main window's active child; Form_QueryUnload and Form_Unload when it goes, either of which
-/// may keep it by setting `cancel`. Coming back from another program is no activation.
+/// becomes the main window's active child, or shows as a window of its own; Form_QueryUnload and Form_Unload
+/// when it goes, either of which may keep it by setting `cancel`. Coming back from another program is no
+/// activation.
 class Form : public QWidget
 {
     Q_OBJECT
@@ -34,7 +35,8 @@ public:
 
     /// Enters the list of loaded forms and runs Form_Load; nothing when loaded.
     void Load();
-    /// Loads, and shows as a child of the MDI window; a visible form only comes forward.
+    /// Loads, and shows as a child of the MDI window; a visible form only comes forward. A minimised one
+    /// is restored after its Form_Activate.
     void Show();
     /// Loads, shows above all other windows, and returns when the form has gone.
     void ShowModal();
@@ -44,6 +46,7 @@ public:
     /// Brings the form forward.
     void SetFocus();
 
+    /// Place within the MDI window, in pixels. A minimised or maximised form stays where it is.
     [[nodiscard]] int Left() const;
     [[nodiscard]] int Top() const;
     void setLeft(int left);
@@ -67,6 +70,8 @@ protected:
 
 private:
     [[nodiscard]] QWidget* frame() const;
+    void moveTo(int left, int top);
+    void showAsWindow();
 
     QPointer<QMdiSubWindow> m_frame;
     bool m_loaded = false;

@@ -17,7 +17,8 @@ void synthesizeTab();
 /// Shift is 1, Ctrl 2, Alt 4, added up.
 [[nodiscard]] int shiftState(Qt::KeyboardModifiers modifiers);
 
-/// The classic code of a function key, letter or digit (F1 is 112); 0 for any other.
+/// The classic code of a function key, letter, digit, or key that moves or deletes (F1 is 112, Delete 46);
+/// 0 for any other.
 [[nodiscard]] int keyCode(const QKeyEvent& event);
 
 /// The menu key and Shift+F10 ask for what the right button gives.

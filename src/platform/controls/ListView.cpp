@@ -1,11 +1,8 @@
 #include "platform/controls/ListView.h"
 
 #include "platform/basic/RuntimeError.h"
-#include "platform/controls/Keys.h"
 
 #include <QHeaderView>
-#include <QKeyEvent>
-#include <QMouseEvent>
 
 namespace controls {
 
@@ -20,7 +17,7 @@ ListItem::ListItem(QString key, const QString& text) : m_key(std::move(key))
     setText(0, text);
 }
 
-ListView::ListView(QWidget* parent) : QTreeWidget(parent)
+ListView::ListView(QWidget* parent) : ItemView(parent)
 {
     setColumnCount(static_cast<int>(std::size(startWidths)));
     for (int column = 0; column < columnCount(); ++column) {
@@ -28,10 +25,8 @@ ListView::ListView(QWidget* parent) : QTreeWidget(parent)
         setColumnWidth(column, startWidths[column]);
     }
     setRootIsDecorated(false);
-    setUniformRowHeights(true);
     setAlternatingRowColors(true);
     setAllColumnsShowFocus(true);
-    setSelectionMode(QAbstractItemView::SingleSelection);
     header()->setStretchLastSection(true);
 }
 
@@ -73,11 +68,6 @@ ListItem* ListView::Item(int index) const
     return static_cast<ListItem*>(topLevelItem(index));
 }
 
-ListItem* ListView::SelectedItem() const
-{
-    return static_cast<ListItem*>(selectedItems().value(0));
-}
-
 void ListView::Select(ListItem* item)
 {
     setCurrentItem(item);
@@ -86,29 +76,6 @@ void ListView::Select(ListItem* item)
 ListItem* ListView::HitTest(const QPoint& point) const
 {
     return static_cast<ListItem*>(itemAt(point));
-}
-
-void ListView::mousePressEvent(QMouseEvent* event)
-{
-    const QPoint at = event->position().toPoint();
-    if (event->button() == Qt::RightButton) {
-        emit MouseDown(rightButton, shiftState(event->modifiers()), at.x(), at.y());
-        event->accept();
-        return;
-    }
-    if (event->button() == Qt::LeftButton)
-        emit MouseDown(leftButton, shiftState(event->modifiers()), at.x(), at.y());
-    QTreeWidget::mousePressEvent(event);
-}
-
-void ListView::keyPressEvent(QKeyEvent* event)
-{
-    if (asksForMenu(*event) && SelectedItem()) {
-        const QPoint at = visualItemRect(SelectedItem()).center();
-        emit MouseDown(rightButton, 0, at.x(), at.y());
-        return;
-    }
-    QTreeWidget::keyPressEvent(event);
 }
 
 } // namespace controls

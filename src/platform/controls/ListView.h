@@ -1,8 +1,9 @@
 // A report list: rows with a key, a text and sub-items, below column headers that code renames.
 #pragma once
 
+#include "platform/controls/ItemView.h"
+
 #include <QHash>
-#include <QTreeWidget>
 
 namespace controls {
 
@@ -21,7 +22,7 @@ private:
 };
 
 /// Nothing is selected after a fill, until the user or code selects.
-class ListView : public QTreeWidget
+class ListView : public ItemView
 {
     Q_OBJECT
 
@@ -38,18 +39,11 @@ public:
     [[nodiscard]] int ListCount() const { return topLevelItemCount(); }
     /// From 0. Error 9 outside the list.
     [[nodiscard]] ListItem* Item(int index) const;
-    [[nodiscard]] ListItem* SelectedItem() const;
+    /// Null when nothing is selected.
+    [[nodiscard]] ListItem* SelectedItem() const { return static_cast<ListItem*>(selected()); }
     void Select(ListItem* item);
     /// The item under a point of the viewport; null when there is none.
     [[nodiscard]] ListItem* HitTest(const QPoint& point) const;
-
-signals:
-    /// As the tree's.
-    void MouseDown(int button, int shift, int x, int y);
-
-protected:
-    void mousePressEvent(QMouseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QHash<QString, ListItem*> m_items;

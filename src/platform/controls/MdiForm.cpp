@@ -79,6 +79,7 @@ bool MdiForm::Unload()
 void MdiForm::Cascade()
 {
     const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
+    const int most = m_area->viewport()->height() / 2; // beyond, little of a child would be seen
     int offset = 0;
     for (QMdiSubWindow* frame : m_area->subWindowList(QMdiArea::StackingOrder)) {
         if (!frame->isVisible() || frame->isMinimized())
@@ -86,7 +87,7 @@ void MdiForm::Cascade()
         if (frame->isMaximized())
             frame->showNormal();
         frame->move(offset, offset);
-        offset += step;
+        offset = offset + step > most ? 0 : offset + step;
     }
 }
 
@@ -104,7 +105,17 @@ QMdiSubWindow* MdiForm::adopt(Form* form)
     frame->setWindowTitle(form->windowTitle());
     const QSize border = frame->sizeHint() - form->sizeHint();
     frame->resize((wanted + border).boundedTo(m_area->viewport()->size()));
+    connect(frame, &QMdiSubWindow::windowStateChanged, this,
+            [this, frame](auto before, auto now) { childStateChanged(frame, before, now); });
     return frame;
+}
+
+void MdiForm::bringForward(QMdiSubWindow* frame)
+{
+    m_area->setActiveSubWindow(frame);
+    childActivated(frame); // the area is silent about a minimised child that is active for it already
+    if (frame->isMinimized())
+        frame->showNormal();
 }
 
 void MdiForm::release(QMdiSubWindow* frame)
@@ -136,6 +147,32 @@ void MdiForm::childActivated(QMdiSubWindow* frame)
     m_active = frame;
     if (auto* form = qobject_cast<Form*>(frame->widget()))
         form->activate();
+}
+
+// For the area a child stays the active one while it is minimised; for the forms the next takes over.
+void MdiForm::childStateChanged(QMdiSubWindow* frame, Qt::WindowStates before, Qt::WindowStates now)
+{
+    const bool minimized = now.testFlag(Qt::WindowMinimized);
+    if (before.testFlag(Qt::WindowMinimized) == minimized)
+        return;
+    if (!minimized) {
+        if (m_area->activeSubWindow() == frame)
+            childActivated(frame);
+    } else if (m_active == frame) {
+        m_active.clear();
+        activateNext();
+    }
+}
+
+void MdiForm::activateNext()
+{
+    const auto frames = m_area->subWindowList(QMdiArea::ActivationHistoryOrder);
+    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
+        if (!(*frame)->isVisible() || (*frame)->isMinimized())
+            continue;
+        m_area->setActiveSubWindow(*frame);
+        return;
+    }
 }
 
 } // namespace controls

@@ -28,13 +28,16 @@ public:
     /// False when a child or the window's own handler keeps it.
     bool Unload();
 
-    /// Lays the visible children out from the top left corner, each a step below and right of the last.
+    /// Lays the children out from the top left corner, each a step below and right of the last and the
+    /// active one on top. Maximised ones are restored, minimised ones left alone.
     void Cascade();
     [[nodiscard]] Form* ActiveForm() const;
     [[nodiscard]] QMdiArea* area() const { return m_area; }
 
-    /// For Form: wraps a form into a frame of the area, and forgets the frame of one that goes.
+    /// For Form: wraps a form into a frame of the area, makes it the active one, and forgets the frame of
+    /// one that goes.
     QMdiSubWindow* adopt(Form* form);
+    void bringForward(QMdiSubWindow* frame);
     void release(QMdiSubWindow* frame);
 
 protected:
@@ -47,6 +50,8 @@ protected:
 
 private:
     void childActivated(QMdiSubWindow* frame);
+    void childStateChanged(QMdiSubWindow* frame, Qt::WindowStates before, Qt::WindowStates now);
+    void activateNext();
 
     QMdiArea* m_area;
     QPointer<QMdiSubWindow> m_active;

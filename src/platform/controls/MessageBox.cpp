@@ -1,8 +1,16 @@
 #include "platform/controls/MessageBox.h"
 
+#include "platform/controls/Language.h"
+#include "platform/controls/Pointer.h"
+
 #include <QApplication>
+#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace controls {
 
@@ -15,18 +23,15 @@ constexpr int Icon = 0x70;
 constexpr int Critical = 16;
 constexpr int Question = 32;
 constexpr int SecondDefault = 0x100;
-constexpr qsizetype LongText = 1500; // more would push the buttons off the screen
+// More than these would push the buttons off the screen.
+constexpr qsizetype LongText = 1500;
+constexpr qsizetype ManyLines = 20;
+constexpr qsizetype LongWord = 120; // a label breaks lines between words only
 
 MessageBoxAnswerer& script()
 {
     static MessageBoxAnswerer answerer;
     return answerer;
-}
-
-int& language()
-{
-    static int current = 0;
-    return current;
 }
 
 QMessageBox::Icon iconOf(int style)
@@ -45,19 +50,44 @@ QMessageBox::StandardButtons buttonsOf(int style)
 
 void nameButtons(QMessageBox& box)
 {
-    const bool spanish = language() == 0;
     const struct
     {
         QMessageBox::StandardButton button;
-        const char* spanish;
-        const char* english;
-    } names[] = {{QMessageBox::Ok, "Aceptar", "OK"},
-                 {QMessageBox::Yes, "&Sí", "&Yes"},
-                 {QMessageBox::No, "&No", "&No"},
-                 {QMessageBox::Cancel, "Cancelar", "Cancel"}};
-    for (const auto& name : names)
-        if (auto* button = box.button(name.button))
-            button->setText(QString::fromUtf8(spanish ? name.spanish : name.english));
+        QString name;
+    } names[] = {{QMessageBox::Ok, uiText("Aceptar", "OK")},
+                 {QMessageBox::Yes, uiText("&Sí", "&Yes")},
+                 {QMessageBox::No, uiText("&No", "&No")},
+                 {QMessageBox::Cancel, uiText("Cancelar", "Cancel")}};
+    for (const auto& each : names)
+        if (auto* button = box.button(each.button))
+            button->setText(each.name);
+}
+
+bool isLong(const QString& text)
+{
+    const auto isLongWord = [](QStringView word) { return word.size() > LongWord; };
+    const auto words = QStringView(text).split(QLatin1Char(' '));
+    return text.size() > LongText ||
+           text.count(QLatin1Char('\n')) + text.count(QLatin1Char('\r')) > ManyLines ||
+           std::any_of(words.begin(), words.end(), isLongWord);
+}
+
+/// Shows the text in a field that scrolls, in the place of the box's label.
+void showScrolling(QMessageBox& box, const QString& text)
+{
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (!grid || !label)
+        return;
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid->getItemPosition(grid->indexOf(label), &row, &column, &rows, &columns);
+    auto* field = new QPlainTextEdit(text, &box);
+    field->setReadOnly(true);
+    field->setTabChangesFocus(true);
+    field->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    field->setMinimumSize(field->fontMetrics().averageCharWidth() * 80, field->fontMetrics().height() * 16);
+    label->hide();
+    grid->addWidget(field, row, column, rows, columns);
 }
 
 } // namespace
@@ -70,14 +100,15 @@ Answer messageBox(const QString& text, int style, const QString& title)
     box.setObjectName(QStringLiteral("messageBox"));
     box.setWindowTitle(title);
     box.setTextFormat(Qt::PlainText);
-    box.setText(text.size() > LongText ? text.left(LongText) + QChar(0x2026) : text);
-    if (text.size() > LongText)
-        box.setDetailedText(text);
+    box.setText(isLong(text) ? QString() : text);
     box.setIcon(iconOf(style));
     box.setStandardButtons(buttonsOf(style));
     nameButtons(box);
     if ((style & SecondDefault) != 0)
         box.setDefaultButton(QMessageBox::No);
+    if (isLong(text))
+        showScrolling(box, text);
+    const ArrowWhileAsking arrow;
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;
@@ -88,11 +119,6 @@ Answer messageBox(const QString& text, int style, const QString& title)
     default:
         return (style & Buttons) == 0 ? Answer::Ok : Answer::Cancel;
     }
-}
-
-void setMessageBoxLanguage(int current)
-{
-    language() = current;
 }
 
 void setMessageBoxAnswerer(MessageBoxAnswerer answerer)

@@ -16,11 +16,8 @@ enum class Answer
 };
 
 /// Styles: 48 OK with exclamation, 16 OK with critical, 292 Yes and No with question and No the default,
-/// 35 Yes, No and Cancel with question. The text is plain.
+/// 35 Yes, No and Cancel with question. The text is plain; a long one scrolls.
 Answer messageBox(const QString& text, int style, const QString& title);
-
-/// Captions of the buttons: Spanish for 0, English for anything else.
-void setMessageBoxLanguage(int language);
 
 using MessageBoxAnswerer = std::function<Answer(const QString& text, int style, const QString& title)>;
 

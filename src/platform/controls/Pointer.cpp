@@ -20,4 +20,16 @@ Pointer mousePointer()
     return QGuiApplication::overrideCursor() ? Pointer::Hourglass : Pointer::Default;
 }
 
+ArrowWhileAsking::ArrowWhileAsking()
+{
+    if (mousePointer() == Pointer::Hourglass)
+        QGuiApplication::changeOverrideCursor(QCursor(Qt::ArrowCursor));
+}
+
+ArrowWhileAsking::~ArrowWhileAsking()
+{
+    if (mousePointer() == Pointer::Hourglass)
+        QGuiApplication::changeOverrideCursor(QCursor(Qt::WaitCursor));
+}
+
 } // namespace controls

@@ -13,4 +13,14 @@ enum class Pointer
 void setMousePointer(Pointer pointer);
 [[nodiscard]] Pointer mousePointer();
 
+/// While it lives an hourglass looks like an arrow, for the user is the one to act.
+class ArrowWhileAsking
+{
+public:
+    ArrowWhileAsking();
+    ~ArrowWhileAsking();
+    ArrowWhileAsking(const ArrowWhileAsking&) = delete;
+    ArrowWhileAsking& operator=(const ArrowWhileAsking&) = delete;
+};
+
 } // namespace controls

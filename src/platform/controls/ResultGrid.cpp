@@ -1,5 +1,6 @@
 #include "platform/controls/ResultGrid.h"
 
+#include "platform/controls/Language.h"
 #include "platform/controls/ResultModel.h"
 
 #include <QApplication>
@@ -12,7 +13,10 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace controls {
 
@@ -23,6 +27,17 @@ constexpr int measuredRowsOfWide = 20;
 constexpr int wideResult = 50; // columns
 constexpr int widestColumn = 320;
 constexpr int narrowestColumn = 48;
+constexpr int cellPadding = 16;
+
+QString quoted(QString text)
+{
+    const auto divides = [](QChar c) {
+        return c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
+    };
+    if (std::none_of(text.begin(), text.end(), divides))
+        return text;
+    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+}
 
 } // namespace
 
@@ -40,6 +55,7 @@ ResultGrid::ResultGrid(QWidget* parent) : QTableView(parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     connect(this, &QTableView::doubleClicked, this, &ResultGrid::showCell);
+    setCopyCaptions(uiText("&Copiar", "&Copy"), uiText("Copiar con &títulos", "Copy with &headers"));
     showRows(m_records);
 }
 
@@ -48,6 +64,8 @@ void ResultGrid::ReBind()
     m_message.clear();
     showRows(m_records);
     fitColumns();
+    scrollToTop();
+    horizontalScrollBar()->setValue(0);
 }
 
 void ResultGrid::showMessage(const QString& text)
@@ -82,8 +100,8 @@ void ResultGrid::fitColumns()
     for (int column = 0; column < rows->columnCount(); ++column) {
         int width = horizontalHeader()->sectionSizeHint(column);
         for (int row = 0; row < sample && width < widestColumn; ++row)
-            width =
-                std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) + 16);
+            width = std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) +
+                                        cellPadding);
         setColumnWidth(column, std::clamp(width, narrowestColumn, widestColumn));
     }
 }
@@ -95,17 +113,20 @@ QString ResultGrid::selectionText(bool headers) const
     if (selection.isEmpty())
         return {};
     const QItemSelectionRange range = selection.first();
+    const bool alone = !headers && range.width() == 1 && range.height() == 1;
+    const auto cellText = [&](int row, int column) {
+        const QModelIndex cell = rows->index(row, column);
+        const QString text = rows->isNull(cell) ? ResultModel::nullText() : rows->wholeText(cell);
+        return alone ? text : quoted(text);
+    };
     QString text;
     for (int column = range.left(); headers && column <= range.right(); ++column)
-        text += rows->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString() +
+        text += quoted(rows->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString()) +
                 QLatin1Char(column < range.right() ? '\t' : '\n');
     for (int row = range.top(); row <= range.bottom(); ++row) {
-        for (int column = range.left(); column <= range.right(); ++column) {
-            const QModelIndex cell = rows->index(row, column);
-            text += rows->isNull(cell) ? QStringLiteral("NULL") : rows->wholeText(cell);
-            if (column < range.right())
-                text += QLatin1Char('\t');
-        }
+        for (int column = range.left(); column < range.right(); ++column)
+            text += cellText(row, column) + QLatin1Char('\t');
+        text += cellText(row, range.right());
         if (row < range.bottom() || headers)
             text += QLatin1Char('\n');
     }
@@ -161,7 +182,9 @@ void ResultGrid::showCell(const QModelIndex& cell)
     QDialog viewer(this);
     viewer.setObjectName(QStringLiteral("dlgCelda"));
     viewer.setWindowTitle(model()->headerData(cell.column(), Qt::Horizontal).toString());
-    auto* text = new QPlainTextEdit(static_cast<const ResultModel*>(model())->wholeText(cell), &viewer);
+    const auto* rows = static_cast<const ResultModel*>(model());
+    auto* text = new QPlainTextEdit(rows->wholeText(cell), &viewer);
+    text->setPlaceholderText(rows->isNull(cell) ? ResultModel::nullText() : QString());
     text->setReadOnly(true);
     text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     auto* layout = new QVBoxLayout(&viewer);

@@ -9,7 +9,8 @@ namespace controls {
 
 /// Read-only. A null shows as "NULL" in a fainter italic, apart from an empty text. Long cells are cut for
 /// display; Enter or a double click shows one whole. Ctrl+C copies the selection, Ctrl+Shift+C with the
-/// column names, as tab-separated text.
+/// column names, as tab-separated text: a cell that holds a tab or a line end stands in quotes, as
+/// spreadsheets read it, unless it is copied alone.
 class ResultGrid : public QTableView
 {
     Q_OBJECT

@@ -76,7 +76,7 @@ bool ResultModel::isNull(const QModelIndex& index) const
 QString ResultModel::shownText(const QModelIndex& index) const
 {
     if (isNull(index))
-        return QStringLiteral("NULL");
+        return nullText();
     QString text = m_records.cellText(index.row(), index.column(), shownCharacters + 1);
     if (text.size() > shownCharacters)
         text = text.left(shownCharacters) + QChar(0x2026);

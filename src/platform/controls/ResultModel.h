@@ -16,6 +16,9 @@ public:
     /// Characters of a cell that are shown in the grid.
     static constexpr qsizetype shownCharacters = 256;
 
+    /// What stands for a null on the screen and in copies.
+    [[nodiscard]] static QString nullText() { return QStringLiteral("NULL"); }
+
     explicit ResultModel(ado::Recordset records, QObject* parent = nullptr);
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

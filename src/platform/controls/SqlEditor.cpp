@@ -1,6 +1,7 @@
 #include "platform/controls/SqlEditor.h"
 
 #include "platform/controls/Keys.h"
+#include "platform/controls/Language.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>
@@ -19,29 +20,37 @@ public:
 
     const char* keywords(int set) const override
     {
-        if (set == 1)
-            return "add all alter and any as asc authorization backup begin between break browse bulk by "
-                   "cascade case catch check checkpoint close clustered coalesce collate column commit "
-                   "compute "
-                   "constraint contains containstable continue convert create cross current cursor database "
-                   "dbcc deallocate declare default delete deny desc disk distinct distributed drop dump "
-                   "else "
-                   "end errlvl escape except exec execute exists exit external fetch file fillfactor for "
-                   "foreign freetext from full function goto grant group having holdlock identity "
-                   "identity_insert if in index inner insert intersect into is join key kill left like "
-                   "lineno load merge national nocheck nonclustered not null nullif of off offsets on open "
-                   "option or order outer output over percent pivot plan precision primary print proc "
-                   "procedure public raiserror read reconfigure references replication restore restrict "
-                   "return revert revoke right rollback rowcount rowguidcol rule save schema select set "
-                   "setuser shutdown some statistics table then throw to top tran transaction trigger "
-                   "truncate try union unique unpivot update use user values varying view waitfor when where "
-                   "while with";
-        if (set == 2)
-            return "bigint binary bit char date datetime datetime2 datetimeoffset decimal float image int "
-                   "money nchar ntext numeric nvarchar real smalldatetime smallint smallmoney sql_variant "
-                   "sysname text time timestamp tinyint uniqueidentifier varbinary varchar xml";
-        return QsciLexerSQL::keywords(set);
+        if (set == wordsSet)
+            return words;
+        return set == typesSet ? types : nullptr;
     }
+
+private:
+    static constexpr int wordsSet = 1; // shown in the style Keyword
+    static constexpr int typesSet = 5; // in the style KeywordSet5
+
+    // Lines that the formatter would break elsewhere.
+    // clang-format off
+    static constexpr const char* words =
+        "add all alter and any as asc authorization backup begin between break browse bulk by "
+        "cascade case catch check checkpoint close clustered coalesce collate column commit "
+        "compute constraint contains containstable continue convert create cross current cursor "
+        "database dbcc deallocate declare default delete deny desc disk distinct distributed "
+        "drop dump else end errlvl escape except exec execute exists exit external fetch file "
+        "fillfactor for foreign freetext from full function go goto grant group having holdlock "
+        "identity identity_insert if in index inner insert intersect into is join key kill left "
+        "like lineno load merge national nocheck nonclustered not null nullif of off offsets on "
+        "open option or order outer output over percent pivot plan precision primary print proc "
+        "procedure public raiserror read reconfigure references replication restore restrict "
+        "return revert revoke right rollback rowcount rowguidcol rule save schema select set "
+        "setuser shutdown some statistics table then throw to top tran transaction trigger "
+        "truncate try union unique unpivot update use user values varying view waitfor when "
+        "where while with";
+    static constexpr const char* types =
+        "bigint binary bit char date datetime datetime2 datetimeoffset decimal float image int "
+        "money nchar ntext numeric nvarchar real smalldatetime smallint smallmoney sql_variant "
+        "sysname text time timestamp tinyint uniqueidentifier varbinary varchar xml";
+    // clang-format on
 };
 
 struct Palette
@@ -82,11 +91,33 @@ SqlEditor::SqlEditor(QWidget* parent) : QsciScintilla(parent), m_find(new QLineE
     fitLineNumbers();
 }
 
+// Both go by length, since a text may hold the character 0.
+QString SqlEditor::Text() const
+{
+    const long size = SendScintilla(SCI_GETLENGTH);
+    return QString::fromUtf8(static_cast<const char*>(SendScintillaPtrResult(SCI_GETCHARACTERPOINTER)), size);
+}
+
+void SqlEditor::setText(const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const bool readOnly = isReadOnly();
+    setReadOnly(false);
+    beginUndoAction();
+    clear();
+    SendScintilla(SCI_ADDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
+    endUndoAction();
+    SendScintilla(SCI_GOTOPOS, 0UL);
+    setReadOnly(readOnly);
+}
+
 bool SqlEditor::findNext(bool forward)
 {
     const QString wanted = m_find->text();
-    if (wanted.isEmpty())
+    if (wanted.isEmpty()) {
+        openFind();
         return false;
+    }
     int line = 0;
     int index = 0;
     getCursorPosition(&line, &index);
@@ -95,7 +126,9 @@ bool SqlEditor::findNext(bool forward)
         int endIndex = 0;
         getSelection(&line, &index, &endLine, &endIndex);
     }
-    return findFirst(wanted, false, false, false, true, forward, line, index);
+    const bool found = findFirst(wanted, false, false, false, true, forward, line, index);
+    showFound(found);
+    return found;
 }
 
 void SqlEditor::keyPressEvent(QKeyEvent* event)
@@ -158,8 +191,7 @@ void SqlEditor::applyColours()
     sql->setDefaultColor(ink);
     sql->setColor(ink);
     sql->setColor(colours.keyword, QsciLexerSQL::Keyword);
-    sql->setColor(colours.type, QsciLexerSQL::KeywordSet6);
-    sql->setColor(colours.type, QsciLexerSQL::PlusKeyword);
+    sql->setColor(colours.type, QsciLexerSQL::KeywordSet5);
     sql->setColor(colours.number, QsciLexerSQL::Number);
     sql->setColor(colours.operators, QsciLexerSQL::Operator);
     for (const int style : {QsciLexerSQL::DoubleQuotedString, QsciLexerSQL::SingleQuotedString})
@@ -181,6 +213,9 @@ void SqlEditor::openFind()
 {
     if (hasSelectedText() && !selectedText().contains(QLatin1Char('\n')))
         m_find->setText(selectedText());
+    m_find->setPlaceholderText(uiText("Buscar", "Find"));
+    m_find->setAccessibleName(m_find->placeholderText());
+    showFound(true);
     m_find->show();
     placeFind();
     m_find->setFocus();
@@ -193,6 +228,14 @@ void SqlEditor::placeFind()
     m_find->resize(width, m_find->sizeHint().height());
     m_find->move(viewport()->geometry().right() - width, viewport()->y());
     m_find->raise();
+}
+
+void SqlEditor::showFound(bool found)
+{
+    QPalette colours = palette();
+    if (!found)
+        colours.setColor(QPalette::Text, paletteFor(palette().color(QPalette::Base).lightness() < 128).text);
+    m_find->setPalette(colours);
 }
 
 void SqlEditor::fitLineNumbers()

@@ -7,8 +7,9 @@ class QLineEdit;
 
 namespace controls {
 
-/// The text is kept as it was given, line ends of any kind included. Tab types a tab; F6 and Shift+F6 move
-/// the focus on and back.
+/// The text is kept as it was given, line ends of any kind included; Enter types a carriage return and a
+/// line feed. Tab types a tab; F6 and Shift+F6 move the focus on and back. Ctrl+F opens the find bar, F3 and
+/// Shift+F3 look on and back.
 class SqlEditor : public QsciScintilla
 {
     Q_OBJECT
@@ -16,7 +17,9 @@ class SqlEditor : public QsciScintilla
 public:
     explicit SqlEditor(QWidget* parent = nullptr);
 
-    [[nodiscard]] QString Text() const { return text(); }
+    [[nodiscard]] QString Text() const;
+    /// The cursor goes to the beginning.
+    void setText(const QString& text) override;
     [[nodiscard]] QString SelText() const { return selectedText(); }
 
     /// Looks for the find bar's text from the cursor on and around the end; false when it is nowhere.
@@ -36,6 +39,7 @@ private:
     void applyColours();
     void openFind();
     void placeFind();
+    void showFound(bool found);
     void fitLineNumbers();
 
     QLineEdit* m_find;

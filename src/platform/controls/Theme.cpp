@@ -39,14 +39,13 @@ QPalette paletteOf(const Colours& colours)
 
 } // namespace
 
-void applyTheme()
+void applyTheme(const QString& wanted)
 {
     QApplication::setStyle(QStringLiteral("Fusion"));
     QApplication::setWindowIcon(ImageList::applicationIcon());
-    const QByteArray wanted = qgetenv("QUERMO_THEME");
-    if (wanted == "light")
+    if (wanted == QLatin1String("light"))
         QApplication::setPalette(paletteOf(light));
-    else if (wanted == "dark")
+    else if (wanted == QLatin1String("dark"))
         QApplication::setPalette(paletteOf(dark));
 }
 

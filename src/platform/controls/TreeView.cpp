@@ -2,11 +2,12 @@
 
 #include "platform/basic/RuntimeError.h"
 #include "platform/controls/ImageList.h"
-#include "platform/controls/Keys.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+
+#include <utility>
 
 namespace controls {
 
@@ -16,12 +17,10 @@ TreeView::Node::Node(QString key, const QString& text, const QIcon& icon) : m_ke
     setIcon(0, icon);
 }
 
-TreeView::TreeView(QWidget* parent) : QTreeWidget(parent)
+TreeView::TreeView(QWidget* parent) : ItemView(parent)
 {
     setColumnCount(1);
     header()->hide();
-    setUniformRowHeights(true);
-    setSelectionMode(QAbstractItemView::SingleSelection);
 }
 
 void TreeView::Clear()
@@ -47,12 +46,6 @@ TreeView::Node* TreeView::Add(const QString& relative, const QString& key, const
     return node;
 }
 
-TreeView::Node* TreeView::SelectedItem() const
-{
-    // The focus alone makes a node current; only a click, a key or code selects it.
-    return static_cast<Node*>(selectedItems().value(0));
-}
-
 void TreeView::Select(Node* node)
 {
     setCurrentItem(node);
@@ -65,33 +58,22 @@ TreeView::Node* TreeView::HitTest(const QPoint& point) const
 
 void TreeView::mousePressEvent(QMouseEvent* event)
 {
-    const QPoint at = event->position().toPoint();
-    if (event->button() == Qt::RightButton) {
-        emit MouseDown(rightButton, shiftState(event->modifiers()), at.x(), at.y());
-        event->accept();
-        return;
-    }
-    if (event->button() == Qt::LeftButton)
-        emit MouseDown(leftButton, shiftState(event->modifiers()), at.x(), at.y());
-    QTreeWidget::mousePressEvent(event);
+    m_pressed = event->button() == Qt::LeftButton;
+    ItemView::mousePressEvent(event);
 }
 
 void TreeView::mouseReleaseEvent(QMouseEvent* event)
 {
-    QTreeWidget::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton && HitTest(event->position().toPoint()))
+    ItemView::mouseReleaseEvent(event);
+    // The second release of a double click has no press of its own.
+    if (std::exchange(m_pressed, false) && HitTest(event->position().toPoint()))
         emit Click();
 }
 
 void TreeView::keyPressEvent(QKeyEvent* event)
 {
-    if (asksForMenu(*event) && SelectedItem()) {
-        const QPoint at = visualRect(SelectedItem()).center();
-        emit MouseDown(rightButton, 0, at.x(), at.y());
-        return;
-    }
     const auto* before = SelectedItem();
-    QTreeWidget::keyPressEvent(event);
+    ItemView::keyPressEvent(event);
     if (SelectedItem() && SelectedItem() != before)
         emit Click();
 }

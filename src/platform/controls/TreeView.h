@@ -1,14 +1,15 @@
 // A tree whose nodes are found by key.
 #pragma once
 
+#include "platform/controls/ItemView.h"
+
 #include <QHash>
-#include <QTreeWidget>
 
 namespace controls {
 
 class ImageList;
 
-class TreeView : public QTreeWidget
+class TreeView : public ItemView
 {
     Q_OBJECT
 
@@ -36,18 +37,16 @@ public:
     Node* Add(const QString& relative, const QString& key, const QString& text, const QString& image);
     [[nodiscard]] Node* Find(const QString& key) const { return m_nodes.value(key); }
     [[nodiscard]] int Count() const { return static_cast<int>(m_nodes.size()); }
-    [[nodiscard]] Node* SelectedItem() const;
+    /// Null when nothing is selected.
+    [[nodiscard]] Node* SelectedItem() const { return static_cast<Node*>(selected()); }
     void Select(Node* node);
     /// The node under a point of the viewport; null when there is none.
     [[nodiscard]] Node* HitTest(const QPoint& point) const;
     [[nodiscard]] QRect visualRect(const Node* node) const { return visualItemRect(node); }
 
 signals:
-    /// A node was clicked with the left button, or reached by the keyboard.
+    /// A node was clicked with the left button (once for a double click), or reached by the keyboard.
     void Click();
-    /// A button (1 left, 2 right) went down at a point of the viewport, before anything is selected. The
-    /// menu key and Shift+F10 count as the right button on the selected node.
-    void MouseDown(int button, int shift, int x, int y);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -57,6 +56,7 @@ protected:
 private:
     QHash<QString, Node*> m_nodes;
     const ImageList* m_images = nullptr;
+    bool m_pressed = false;
 };
 
 } // namespace controls
