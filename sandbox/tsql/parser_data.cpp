@@ -7,6 +7,12 @@ using ast::StatementPtr;
 
 StatementPtr StatementParser::withStatement()
 {
+    if (m_afterOpenEnd) {
+        fail(319, "Incorrect syntax near the keyword '" + current().content() +
+                      "'. If this statement is a common table expression, an xmlnamespaces clause or a "
+                      "change tracking "
+                      "context clause, the previous statement must be terminated with a semicolon.");
+    }
     std::vector<ast::CommonTable> common = commonTables();
     switch (current().keyword) {
     case Keyword::Insert:
@@ -35,7 +41,7 @@ std::optional<ast::OutputClause> StatementParser::outputClause()
     ast::OutputClause clause;
     clause.items = selectItems();
     if (accept(Keyword::Into)) {
-        clause.into = targetTable();
+        clause.into = targetTable(HintForm::OnlyWith);
         if (at(Symbol::Open))
             clause.intoColumns = identifierList();
     }
@@ -49,7 +55,7 @@ StatementPtr StatementParser::insertStatement(std::vector<ast::CommonTable> comm
     node->commonTables = std::move(common);
     node->top = top();
     accept(Keyword::Into);
-    node->target = targetTable();
+    node->target = targetTable(HintForm::OnlyWith);
     // "(SELECT ..." and "((SELECT ..." are the source already, not columns.
     if (at(Symbol::Open) && peek().keyword != Keyword::Select && peek().symbol != Symbol::Open)
         node->columns = identifierList();
@@ -130,7 +136,7 @@ StatementPtr StatementParser::updateStatement(std::vector<ast::CommonTable> comm
     auto node = std::make_unique<ast::UpdateStatement>();
     node->commonTables = std::move(common);
     node->top = top();
-    node->target = targetTable();
+    node->target = targetTable(HintForm::Bare);
     expect(Keyword::Set);
     do
         node->assignments.push_back(assignment());
@@ -150,7 +156,7 @@ StatementPtr StatementParser::deleteStatement(std::vector<ast::CommonTable> comm
     node->commonTables = std::move(common);
     node->top = top();
     accept(Keyword::From);
-    node->target = targetTable();
+    node->target = targetTable(HintForm::Bare);
     node->output = outputClause();
     if (accept(Keyword::From))
         node->from = tableSources();

@@ -266,12 +266,10 @@ ast::NamedOption StatementParser::databaseOption()
     option.name = anyWord();
     if (std::ranges::binary_search(bareOptions, option.name))
         return option;
-    if (accept(Symbol::Equal)) {
+    const bool assigned = accept(Symbol::Equal);
+    if (assigned || at(Keyword::On) || at(Keyword::Off) || at(Keyword::Full) || at(TokenKind::Integer) ||
+        atIdentifier() || atString())
         option.values.push_back(constantOrWord());
-    } else if (at(Keyword::On) || at(Keyword::Off) || at(Keyword::Full) || at(TokenKind::Integer) ||
-               atIdentifier() || atString()) {
-        option.values.push_back(constantOrWord());
-    }
     if (isWord(current(), "SECONDS") || isWord(current(), "MINUTES"))
         option.values.push_back(bareWord());
     if (at(Symbol::Open))

@@ -448,37 +448,44 @@ ExpressionPtr QueryParser::parenthesised(bool conditionAllowed)
     return inner;
 }
 
+namespace {
+
+std::optional<ast::LiteralKind> literalKind(const Token& token)
+{
+    using enum ast::LiteralKind;
+    switch (token.kind) {
+    case TokenKind::String:
+        return String;
+    case TokenKind::NationalString:
+        return NationalString;
+    case TokenKind::Integer:
+        return Integer;
+    case TokenKind::Decimal:
+        return Decimal;
+    case TokenKind::Float:
+        return Float;
+    case TokenKind::Money:
+        return Money;
+    case TokenKind::Binary:
+        return Binary;
+    default:
+        return token.keyword == Keyword::Null ? std::optional(Null) : std::nullopt;
+    }
+}
+
+} // namespace
+
 ExpressionPtr QueryParser::literal()
 {
     const auto start = here();
+    const auto kind = literalKind(current());
+    if (!kind)
+        fail();
     auto node = std::make_unique<ast::Literal>();
-    switch (current().kind) {
-    case TokenKind::String:
-        node->literalKind = ast::LiteralKind::String;
-        break;
-    case TokenKind::NationalString:
-        node->literalKind = ast::LiteralKind::NationalString;
-        break;
-    case TokenKind::Integer:
-        node->literalKind = ast::LiteralKind::Integer;
-        break;
-    case TokenKind::Decimal:
-        node->literalKind = ast::LiteralKind::Decimal;
-        break;
-    case TokenKind::Float:
-        node->literalKind = ast::LiteralKind::Float;
-        break;
-    case TokenKind::Money:
-        node->literalKind = ast::LiteralKind::Money;
-        break;
-    case TokenKind::Binary:
-        node->literalKind = ast::LiteralKind::Binary;
-        break;
-    default:
-        expect(Keyword::Null);
-        return finish(std::move(node), start);
-    }
-    node->text = advance().content();
+    node->literalKind = *kind;
+    const Token token = advance();
+    if (*kind != ast::LiteralKind::Null)
+        node->text = token.content();
     return finish(std::move(node), start);
 }
 
@@ -508,8 +515,9 @@ ExpressionPtr QueryParser::constantOrVariable()
 
 ExpressionPtr QueryParser::constantOrWord()
 {
-    const bool word = at(TokenKind::Word) && !at(Keyword::Null);
-    return word || at(TokenKind::QuotedName) ? bareWord() : constantOrVariable();
+    if (at(TokenKind::QuotedName) || (at(TokenKind::Word) && !at(Keyword::Null)))
+        return bareWord();
+    return constantOrVariable();
 }
 
 ExpressionPtr QueryParser::bareWord()

@@ -11,24 +11,27 @@ using ast::StatementPtr;
 ast::Batch StatementParser::batch()
 {
     ast::Batch result;
-    for (skipSemicolons(); !atEnd(); skipSemicolons())
+    for (skipSemicolons(); !atEnd(); m_openEnd = !skipSemicolons())
         result.statements.push_back(statement());
     return result;
 }
 
-void StatementParser::skipSemicolons()
+bool StatementParser::skipSemicolons()
 {
+    const bool any = at(Symbol::Semicolon);
     while (accept(Symbol::Semicolon)) {
     }
+    return any;
 }
 
 ast::StatementList StatementParser::statementList()
 {
     ast::StatementList list;
     skipSemicolons();
+    m_openEnd = false;
     do {
         list.push_back(statement());
-        skipSemicolons();
+        m_openEnd = !skipSemicolons();
     } while (!at(Keyword::End) && !atEnd());
     return list;
 }
@@ -39,7 +42,7 @@ ast::StatementList StatementParser::restOfBatch()
     skipSemicolons();
     do {
         list.push_back(statement());
-        skipSemicolons();
+        m_openEnd = !skipSemicolons();
     } while (!atEnd());
     return list;
 }
@@ -49,6 +52,7 @@ StatementPtr StatementParser::statement()
     const Nesting nesting(*this);
     const auto start = here();
     m_first = std::exchange(m_untouched, false);
+    m_afterOpenEnd = std::exchange(m_openEnd, false);
     StatementPtr result = dispatch();
     result->source = since(start);
     return result;

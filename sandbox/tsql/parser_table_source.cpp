@@ -215,7 +215,7 @@ TableSourcePtr QueryParser::functionSource(ast::ObjectName name, bool system, co
     return node;
 }
 
-TableSourcePtr QueryParser::targetTable()
+TableSourcePtr QueryParser::targetTable(HintForm form)
 {
     const auto start = here();
     if (at(TokenKind::Variable)) {
@@ -226,7 +226,7 @@ TableSourcePtr QueryParser::targetTable()
     }
     auto node = std::make_unique<ast::NamedTable>();
     node->name = objectName();
-    if (at(Keyword::With) || atHints())
+    if (at(Keyword::With) || form == HintForm::Bare)
         node->hints = hints();
     node->source = since(start);
     return node;

@@ -34,6 +34,12 @@ protected:
         Statement,
         Nested
     };
+    /// Whether hints may stand without WITH; where columns may follow in parentheses they may not.
+    enum class HintForm : std::uint8_t
+    {
+        Bare,
+        OnlyWith
+    };
 
     // Expressions (parser_expression.cpp)
     [[nodiscard]] ast::ExpressionPtr operators(Level lowest, bool conditionAllowed);
@@ -66,7 +72,7 @@ protected:
     // Table sources (parser_table_source.cpp)
     [[nodiscard]] std::vector<ast::TableSourcePtr> tableSources();
     /// A table or table variable by name, with hints: what data changes aim at.
-    [[nodiscard]] ast::TableSourcePtr targetTable();
+    [[nodiscard]] ast::TableSourcePtr targetTable(HintForm form);
     [[nodiscard]] std::vector<ast::ValueRow> valueRows();
 
     /// Closes a node: its place, its height from its children.

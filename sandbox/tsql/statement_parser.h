@@ -27,7 +27,7 @@ private:
     [[nodiscard]] ast::StatementList statementList();
     /// All that is left of the batch: the body of a procedure.
     [[nodiscard]] ast::StatementList restOfBatch();
-    void skipSemicolons();
+    bool skipSemicolons();
 
     // Data (parser_data.cpp)
     [[nodiscard]] ast::StatementPtr withStatement();
@@ -156,8 +156,10 @@ private:
     [[nodiscard]] ast::StatementPtr alterSchema();
     [[nodiscard]] ast::StatementPtr alterAuthorization();
 
-    bool m_untouched = true; ///< no statement of the batch has begun
-    bool m_first = false;    ///< the statement that begins is the batch's first
+    bool m_untouched = true;     ///< no statement of the batch has begun
+    bool m_first = false;        ///< the statement that begins is the batch's first
+    bool m_openEnd = false;      ///< the statement before ended without a semicolon
+    bool m_afterOpenEnd = false; ///< the same, of the statement that begins
 };
 
 } // namespace practice
