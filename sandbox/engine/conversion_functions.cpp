@@ -4,6 +4,7 @@
 #include "types/text_encoding.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace practice {
 
@@ -78,6 +79,44 @@ void cvt(const Call& call)
     const SqlType from = call.type(1);
     const SqlType to = call.type(2);
     call.result(convert(call.value(0, from), from, to, static_cast<int>(call.integer(3))), to);
+}
+
+// trycvt(value, from type, to type, style): NULL where cvt fails
+void tryConversion(const Call& call)
+{
+    try {
+        cvt(call);
+    } catch (const ConversionError&) {
+        sqlite3_result_null(call.context());
+    }
+}
+
+// rowlimit(count): of TOP and OFFSET
+void rowLimit(const Call& call)
+{
+    if (call.isNull(0))
+        raise(1060);
+    if (call.integer(0) < 0)
+        raise(127);
+    call.result(call.integer(0));
+}
+
+// percentage(total, percent): of TOP n PERCENT, rounded up
+void percentage(const Call& call)
+{
+    const double percent = call.real(1);
+    if (percent < 0 || percent > 100)
+        raise(1031);
+    call.result(static_cast<std::int64_t>(std::ceil(static_cast<double>(call.integer(0)) * percent / 100)));
+}
+
+// depth(level): of a recursive common table
+void depth(const Call& call)
+{
+    constexpr std::int64_t deepest = 100;
+    if (call.integer(0) > deepest)
+        raise(530, {std::to_string(deepest)});
+    call.result(call.integer(0));
 }
 
 // asg(value, from type, to type): as an INSERT or UPDATE converts
@@ -211,6 +250,10 @@ void registerConversionFunctions(sqlite3* connection)
 {
     defineFunction(connection, "t_checksum", -1, checksum, Nulls::Handle);
     defineFunction(connection, "t_cvt", 4, cvt);
+    defineFunction(connection, "t_trycvt", 4, tryConversion);
+    defineFunction(connection, "t_rowlimit", 1, rowLimit, Nulls::Handle);
+    defineFunction(connection, "t_percentage", 2, percentage);
+    defineFunction(connection, "t_depth", 1, depth);
     defineFunction(connection, "t_asg", 3, asg);
     defineFunction(connection, "t_pad", 2, pad);
     defineFunction(connection, "t_required", 4, required, Nulls::Handle);

@@ -122,6 +122,8 @@ Term Translator::literal(const ast::Literal& literal)
 
 Term Translator::global(const std::string& name, const SqlType& type, bool nullable)
 {
+    if (standsAlone)
+        return resultTerm(callText("s_global", {quotedText(name), typeArgument(type)}), type, nullable);
     const auto known = std::find_if(parameters_.begin(), parameters_.end(), [&name](const ParameterSlot& slot) {
         return slot.kind == ParameterSlot::Kind::Global && slot.name == name;
     });

@@ -211,7 +211,8 @@ std::string Translator::addStoredTable(const ObjectPtr& table, Source source, Sc
         made.name = column.name;
         made.identity = column.identity.has_value();
         made.stored = &column;
-        made.term = resultTerm(source.handle + "." + storageColumn(column.id), column.type, column.nullable);
+        const std::string qualifier = standsAlone ? "" : source.handle + ".";
+        made.term = resultTerm(qualifier + storageColumn(column.id), column.type, column.nullable);
         if (isCharacter(column.type.id)) {
             made.term.collation = column.collation.empty() ? defaultCollation : column.collation;
             made.term.coercibility = Coercibility::Implicit;
