@@ -36,17 +36,6 @@ void encodeUtf16(sqlite3_context* context, int, sqlite3_value** arguments)
     sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
-std::string jsonText(std::string_view text)
-{
-    std::string quoted = "\"";
-    for (const char letter : text) {
-        if (letter == '"' || letter == '\\')
-            quoted += '\\';
-        quoted += letter;
-    }
-    return quoted + '"';
-}
-
 std::string messagesAsJson()
 {
     constexpr int highest = 22000;
@@ -80,6 +69,25 @@ void define(sqlite3* connection, const char* name, int arguments, int flags,
 }
 
 } // namespace
+
+std::string jsonText(std::string_view text)
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string quoted = "\"";
+    for (const char letter : text) {
+        const auto code = static_cast<unsigned char>(letter);
+        if (code < 0x20) {
+            quoted += "\\u00";
+            quoted += digits[code >> 4];
+            quoted += digits[code & 0xF];
+            continue;
+        }
+        if (letter == '"' || letter == '\\')
+            quoted += '\\';
+        quoted += letter;
+    }
+    return quoted + '"';
+}
 
 void registerCatalogFunctions(sqlite3* connection)
 {

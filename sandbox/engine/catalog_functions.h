@@ -1,6 +1,9 @@
 // Functions that the catalog's SELECTs use inside SQLite.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 struct sqlite3;
 
 namespace practice {
@@ -12,5 +15,8 @@ namespace practice {
 ///   host, program, status, command, login_time, last_batch (datetime in storage form) and
 ///   transactions. Empty until the server registers its own function of that name.
 void registerCatalogFunctions(sqlite3* connection);
+
+/// In double quotes, as JSON writes a string.
+[[nodiscard]] std::string jsonText(std::string_view text);
 
 } // namespace practice
