@@ -184,7 +184,7 @@ void registerArithmeticFunctions(sqlite3* connection)
     defineFunction(connection, "t_rng", 2, rng);
     defineFunction(connection, "t_fin", 1, fin);
     defineFunction(connection, "t_divi", 3, divi);
-    defineFunction(connection, "t_modi", 2, modi);
+    defineFunction(connection, "t_modi", 3, modi);
     defineFunction(connection, "t_divf", 2, divf);
     defineFunction(connection, "t_mulm", 3, mulm);
     defineFunction(connection, "t_divm", 3, divm);
