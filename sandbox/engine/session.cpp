@@ -1,5 +1,6 @@
 #include "engine/session.h"
 
+#include "engine/catalog_sessions.h"
 #include "engine/errors.h"
 #include "engine/interpreter.h"
 #include "engine/session_state.h"
@@ -17,16 +18,21 @@ constexpr int firstSpid = 51;
 class EngineSession : public Session
 {
 public:
-    EngineSession(const ServerOptions& options, int spid, const LoginRequest& request, const Login& login)
-        : state_(options.dataDirectory, options.serverName, spid, request, login)
+    EngineSession(const ServerOptions& options, SessionRegistry& registry, int spid, const LoginRequest& request,
+                  const Login& login)
+        : state_(options.dataDirectory, options.serverName, spid, request, login), registry_(registry)
     {
+        registerSessionList(state_.connection(), registry);
+        registry.add(spid, {login.name, request.host, request.application});
     }
+    ~EngineSession() override { registry_.remove(state_.spid()); }
 
     void open(const std::string& database, ResultSink& sink)
     {
         state_.setSink(sink);
         state_.useDatabase(database);
         initialDatabase_ = database;
+        registry_.end(id(), state_.database()->id, 0);
         state_.sink().environment(EnvironmentChange::Language, state_.options().language, "");
         state_.inform(5703, {state_.options().language});
     }
@@ -94,6 +100,7 @@ private:
     {
         state_.setSink(sink);
         state_.store().clearCancel();
+        registry_.begin(id());
         try {
             work();
         } catch (const Cancelled&) {
@@ -109,9 +116,11 @@ private:
             state_.abandon();
             state_.done(std::nullopt, 0, true);
         }
+        registry_.end(id(), state_.database()->id, state_.transactionCount());
     }
 
     SessionState state_;
+    SessionRegistry& registry_;
     std::string initialDatabase_;
 };
 
@@ -134,16 +143,13 @@ public:
     [[nodiscard]] std::unique_ptr<Session> login(const LoginRequest& request, ResultSink& sink) override
     {
         const Login login = accepted(request);
-        auto session = std::make_unique<EngineSession>(options_, nextSpid_++, request, login);
+        auto session = std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login);
         try {
             session->open(request.database.empty() ? login.defaultDatabase : request.database, sink);
-        } catch (const SqlError& error) {
+        } catch (const SqlError&) {
             if (request.database.empty())
                 throw LoginRefused(makeMessage(4064));
-            Message why = makeMessage(4060);
-            why.text = "Cannot open database \"" + request.database + "\" requested by the login. The login failed.";
-            (void)error;
-            throw LoginRefused(why);
+            throw LoginRefused(makeMessage(4060, {request.database}));
         }
         return session;
     }
@@ -156,7 +162,7 @@ private:
         const std::lock_guard lock(mutex_);
         Catalog catalog(store_.connection());
         const auto login = catalog.login(request.user);
-        if (!login || login->denied || login->windows || !checkPassword(store_.connection(), request.user, request.password))
+        if (!login || login->denied || login->windows || !(request.trusted || checkPassword(store_.connection(), request.user, request.password)))
             throw LoginRefused(refusal(request.user));
         return *login;
     }
@@ -164,6 +170,7 @@ private:
     ServerOptions options_;
     Store store_;
     std::mutex mutex_;
+    SessionRegistry registry_;
     std::atomic<int> nextSpid_ = firstSpid;
 };
 

@@ -20,6 +20,8 @@ struct LoginRequest
     std::string application;
     std::string host;
     std::string language;
+    /// Asked by the program itself and not over the wire: no password is wanted.
+    bool trusted = false;
 };
 
 struct Parameter
