@@ -63,10 +63,10 @@ ast::FileSize StatementParser::fileSize(bool percent)
     return size;
 }
 
-void StatementParser::fileProperty(ast::FileSpec& spec)
+void StatementParser::fileProperty(ast::FileSpec& file)
 {
     if (acceptWord("OFFLINE")) {
-        spec.offline = true;
+        file.offline = true;
         return;
     }
     const Token word = current();
@@ -80,19 +80,19 @@ void StatementParser::fileProperty(ast::FileSpec& spec)
         return true;
     };
     if (assigned("NAME")) {
-        spec.name = identifierOrString();
+        file.name = identifierOrString();
     } else if (assigned("NEWNAME")) {
-        spec.newName = identifierOrString();
+        file.newName = identifierOrString();
     } else if (assigned("FILENAME")) {
-        spec.fileName = string();
+        file.fileName = string();
     } else if (assigned("SIZE")) {
-        spec.size = fileSize(false);
+        file.size = fileSize(false);
     } else if (assigned("MAXSIZE")) {
-        spec.unlimited = acceptWord("UNLIMITED");
-        if (!spec.unlimited)
-            spec.maxSize = fileSize(false);
+        file.unlimited = acceptWord("UNLIMITED");
+        if (!file.unlimited)
+            file.maxSize = fileSize(false);
     } else if (assigned("FILEGROWTH")) {
-        spec.growth = fileSize(true);
+        file.growth = fileSize(true);
     } else {
         failAt(word);
     }
@@ -101,26 +101,26 @@ void StatementParser::fileProperty(ast::FileSpec& spec)
 ast::FileSpec StatementParser::fileSpec()
 {
     const auto start = here();
-    ast::FileSpec spec;
+    ast::FileSpec file;
     expect(Symbol::Open);
     do
-        fileProperty(spec);
+        fileProperty(file);
     while (accept(Symbol::Comma));
     expect(Symbol::Close);
-    spec.source = since(start);
-    return spec;
+    file.source = since(start);
+    return file;
 }
 
 /// Files by comma, up to a comma that a FILEGROUP follows.
 std::vector<ast::FileSpec> StatementParser::fileSpecs()
 {
-    std::vector<ast::FileSpec> specs;
-    specs.push_back(fileSpec());
+    std::vector<ast::FileSpec> files;
+    files.push_back(fileSpec());
     while (at(Symbol::Comma) && peek().symbol == Symbol::Open) {
         advance();
-        specs.push_back(fileSpec());
+        files.push_back(fileSpec());
     }
-    return specs;
+    return files;
 }
 
 // CREATE DATABASE -------------------------------------------------------------------------------

@@ -122,7 +122,7 @@ private:
     void fileGroups(ast::CreateDatabaseStatement& node);
     [[nodiscard]] std::vector<ast::FileSpec> fileSpecs();
     [[nodiscard]] ast::FileSpec fileSpec();
-    void fileProperty(ast::FileSpec& spec);
+    void fileProperty(ast::FileSpec& file);
     [[nodiscard]] ast::FileSize fileSize(bool percent);
     [[nodiscard]] ast::StatementPtr alterDatabase();
     void alterDatabaseAdd(ast::AlterDatabaseStatement& node);

@@ -30,7 +30,7 @@ protected:
     [[nodiscard]] ast::IndexOptions indexOptions(bool several);
     /// ON filegroup, or "".
     [[nodiscard]] std::string onFileGroup();
-    /// name [= value] [, ...]; @param flags names that never take a value
+    /// name [= value] [, ...]
     [[nodiscard]] std::vector<ast::NamedOption> namedOptions();
     [[nodiscard]] ast::NamedOption namedOption();
 

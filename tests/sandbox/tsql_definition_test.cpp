@@ -70,10 +70,10 @@ std::string size(const std::optional<FileSize>& value)
     return value ? std::to_string(value->number) + units[static_cast<int>(value->unit)] : "-";
 }
 
-std::string file(const FileSpec& spec)
+std::string file(const FileSpec& node)
 {
-    return spec.name + " " + spec.fileName.value_or("-") + " " + size(spec.size) + " " +
-           (spec.unlimited ? "unlimited" : size(spec.maxSize)) + " " + size(spec.growth);
+    return node.name + " " + node.fileName.value_or("-") + " " + size(node.size) + " " +
+           (node.unlimited ? "unlimited" : size(node.maxSize)) + " " + size(node.growth);
 }
 
 } // namespace
