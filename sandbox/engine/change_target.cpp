@@ -29,7 +29,8 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
     if (!named.name.object.starts_with('#') && findSystemTable(named.name.schema, named.name.object) != nullptr)
         raise(259);
     ObjectPtr table = translator.object(named.name);
-    requirePermission(session, *table, action);
+    if (!translator.context().chained)
+        requirePermission(session, *table, action);
     if (table->kind == ObjectKind::View)
         raise(4406, {named.name.object});
     if (table->kind != ObjectKind::UserTable)

@@ -99,7 +99,7 @@ std::string Translator::condition(const ast::Expression& node, Scope& scope)
     case ast::ExpressionKind::Exists:
         return exists(ast::as<ast::Exists>(node), scope);
     case ast::ExpressionKind::FullText:
-        raise(7601, {});
+        raise(7601, {"table or indexed view"});
     default:
         raise(4145, {")"});
     }

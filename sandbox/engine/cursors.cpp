@@ -67,6 +67,12 @@ std::int64_t targetOf(SessionState& session, const Cursor& cursor, const ast::Fe
     return count;
 }
 
+const char* directionName(ast::FetchDirection direction)
+{
+    constexpr const char* names[] = {"next", "prior", "first", "last", "absolute", "relative"};
+    return names[static_cast<std::size_t>(direction)];
+}
+
 } // namespace
 
 void declareCursor(SessionState& session, const ast::DeclareCursorStatement& statement)
@@ -105,7 +111,7 @@ void executeFetch(SessionState& session, const ast::FetchStatement& statement)
     if (!cursor.open)
         raise(16917);
     if (cursor.forwardOnly && statement.direction != ast::FetchDirection::Next)
-        raise(16911, {"fetch"});
+        raise(16911, {"fetch", directionName(statement.direction)});
     const auto count = static_cast<std::int64_t>(cursor.rows.size());
     cursor.position = std::clamp<std::int64_t>(targetOf(session, cursor, statement), -1, count);
     const bool found = cursor.position >= 0 && cursor.position < count;

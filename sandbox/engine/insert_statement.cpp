@@ -421,32 +421,40 @@ void executeInsert(SessionState& session, const ast::InsertStatement& statement)
         const auto count = static_cast<std::uint64_t>(sqlite3_changes64(session.connection()));
         testRows(session, plan, firstRow);
         keepIdentity(session, plan, firstRow);
-        if (plan.output)
+        if (plan.output) {
             shown = insertedOutput(session, *plan.output, firstRow);
+            storeOutput(session, *plan.output, shown);
+        }
         return count;
     });
     if (used->output)
-        deliverOutput(session, *used->output, shown);
+        sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, insertCommand);
+}
+
+void addRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
+             const std::vector<std::vector<Value>>& given)
+{
+    if (given.empty())
+        return;
+    const std::unique_ptr<InsertPlan> plan = InsertBinder(session, statement).bindRows(columns);
+    const std::int64_t firstRow = highestRow(session, *plan->table);
+    startIdentity(session, *plan);
+    for (const auto& row : given) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            bindStorage(plan->insert.handle(), static_cast<int>(i + 1), row[i], columns[i].type);
+        runInsert(session, *plan);
+    }
+    testRows(session, *plan, firstRow);
+    keepIdentity(session, *plan, firstRow);
 }
 
 void insertRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
                 const std::vector<std::vector<Value>>& given)
 {
     const std::uint64_t rows = session.atomically([&session, &statement, &columns, &given] {
-        if (given.empty())
-            return std::uint64_t{0};
-        const std::unique_ptr<InsertPlan> plan = InsertBinder(session, statement).bindRows(columns);
-        const std::int64_t firstRow = highestRow(session, *plan->table);
-        startIdentity(session, *plan);
-        for (const auto& row : given) {
-            for (std::size_t i = 0; i < row.size(); ++i)
-                bindStorage(plan->insert.handle(), static_cast<int>(i + 1), row[i], columns[i].type);
-            runInsert(session, *plan);
-        }
-        testRows(session, *plan, firstRow);
-        keepIdentity(session, *plan, firstRow);
+        addRows(session, statement, columns, given);
         return static_cast<std::uint64_t>(given.size());
     });
     session.lastRowCount = static_cast<std::int64_t>(rows);

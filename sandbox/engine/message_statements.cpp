@@ -216,7 +216,7 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
     } else if (statement.command == "CHECKDB" || statement.command == "CHECKTABLE") {
         Statement check(session.connection(), "PRAGMA quick_check(1)");
         if (check.step() && check.text(0) != "ok")
-            raise(8992);
+            raise(8921);
     }
     Message message;
     message.number = 2528;

@@ -115,10 +115,12 @@ constexpr MessageText texts[] = {
     {252, 16, 1, "Recursive common table expression '%s' does not contain a top-level UNION ALL operator."},
     {257, 16, 3,
      "Implicit conversion from data type %s to %s is not allowed. Use the CONVERT function to run this query."},
+    {259, 16, 1, "Ad hoc updates to system catalogs are not allowed."},
     {260, 16, 1,
      "Disallowed implicit conversion from data type %s to data type %s, table '%s', column '%s'. Use the CONVERT "
      "function to run this query."},
     {262, 14, 1, "%s permission denied in database '%s'."},
+    {263, 16, 1, "Must specify table to select from."},
     {264, 16, 1,
      "The column name '%s' is specified more than once in the SET clause or column list of an INSERT. A column "
      "cannot be assigned more than one value in the same clause. Modify the clause to make sure that a column is "
@@ -138,6 +140,7 @@ constexpr MessageText texts[] = {
     {278, 16, 1, "The text, ntext, and image data types cannot be used in a GROUP BY clause."},
     {280, 16, 1, "Only base table columns are allowed in the TEXTPTR function."},
     {281, 16, 1, "%s is not a valid style number when converting from %s to a character string."},
+    {289, 16, 1, "Cannot construct data type %s, some of the arguments have values which are not valid."},
     {295, 16, 3, "Conversion failed when converting character string to smalldatetime data type."},
     {306, 16, 2,
      "The text, ntext, and image data types cannot be compared or sorted, except when using IS NULL or LIKE "
@@ -173,6 +176,7 @@ constexpr MessageText texts[] = {
                  "The column name \"%s\" is a duplicate."},
     {506, 16, 1, "The invalid escape character \"%s\" was specified in a %s predicate."},
     {507, 16, 1, "Invalid argument for SET ROWCOUNT. Must be a non-null non-negative integer."},
+    {511, 16, 1, "Cannot create a row that is greater than the allowable maximum row size of 8060."},
     {512, 16, 1,
      "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= , >, >= or "
      "when the subquery is used as an expression."},
@@ -205,6 +209,7 @@ constexpr MessageText texts[] = {
     {556, 16, 2, "INSERT EXEC failed because the stored procedure altered the schema of the target table."},
     {557, 16, 2, "Only functions and some extended stored procedures can be executed from within a function."},
     {615, 21, 1, "Could not find database ID %s, name '%s'."},
+    {628, 16, 0, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
     {650, 16, 1, "You can only specify the READPAST lock in the READ COMMITTED or REPEATABLE READ isolation levels."},
     {701, 17, 1, "There is insufficient system memory in resource pool '%s' to run this query."},
     {911, 16, 1, "Database '%s' does not exist. Make sure that the name is entered correctly."},
@@ -214,6 +219,7 @@ constexpr MessageText texts[] = {
     {942, 14, 4, "Database '%s' cannot be opened because it is offline."},
     {1001, 15, 1, "Line %s: Length or precision specification %s is invalid."},
     {1002, 15, 1, "Line %s: Specified scale %s is invalid."},
+    {1007, 15, 1, "The number '%s' is out of the range for numeric representation (maximum precision 38)."},
     {1010, 15, 1, "Invalid escape character '%s'."},
     {1011, 15, 1, "The correlation name '%s' is specified multiple times in a FROM clause."},
     {1012, 15, 1, "The correlation name '%s' has the same exposed name as table '%s'."},
@@ -224,6 +230,7 @@ constexpr MessageText texts[] = {
     {1015, 15, 1,
      "An aggregate cannot appear in an ON clause unless it is in a subquery contained in a HAVING clause or select "
      "list, and the column being aggregated is an outer reference."},
+    {1023, 15, 1, "Invalid parameter %s specified for %s."},
     {1031, 15, 1, "Percent values must be between 0 and 100."},
     {1033, 15, 1,
      "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common table "
@@ -257,6 +264,8 @@ constexpr MessageText texts[] = {
     {2747, 16, 1, "Too many substitution parameters for RAISERROR. Cannot exceed %s substitution parameters."},
     {2748, 16, 1, "Cannot specify %s data type (parameter %s) as a substitution parameter."},
     {2754, 16, 1, "Error severity levels greater than 18 can only be specified by members of the sysadmin role, using the WITH LOG option."},
+    {2786, 16, 1,
+     "The data type of substitution parameter %s does not match the expected type of the format specification."},
     {2787, 16, 1, "Invalid format specification: '%s'."},
     {2812, 16, 62, "Could not find stored procedure '%s'."},
     {3609, 16, 1, "The transaction ended in the trigger. The batch has been aborted."},
@@ -264,6 +273,7 @@ constexpr MessageText texts[] = {
      "An error was raised during trigger execution. The batch has been aborted and the user transaction, if any, has "
      "been rolled back."},
     {3621, 0, 0, "The statement has been terminated."},
+    {3623, 16, 1, "An invalid floating point operation occurred."},
     {3704, 16, 1,
      "User does not have permission to perform this operation on %s '%s'."},
     {3902, 16, 1, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
@@ -273,12 +283,25 @@ constexpr MessageText texts[] = {
      "back the transaction."},
     {3998, 16, 1,
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
+    {4060, 11, 1, "Cannot open database \"%s\" requested by the login. The login failed."},
+    {4064, 11, 1, "Cannot open user default database. Login failed."},
     {4104, 16, 1, "The multi-part identifier \"%s\" could not be bound."},
     {4108, 15, 1, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
     {4112, 15, 1, "The function '%s' must have an OVER clause with ORDER BY."},
     {4121, 16, 1,
      "Cannot find either column \"%s\" or the user-defined function or aggregate \"%s\", or the name is ambiguous."},
+    {4127, 16, 1,
+     "At least one of the arguments to COALESCE must be an expression that is not the NULL constant."},
     {4145, 15, 1, "An expression of non-boolean type specified in a context where a condition is expected, near '%s'."},
+    {4147, 15, 1,
+     "The query uses non-ANSI outer join operators (\"*=\" or \"=*\"). To run this query without modification, please "
+     "set the compatibility level for current database to 80, using the SET COMPATIBILITY_LEVEL option of ALTER "
+     "DATABASE. It is strongly recommended to rewrite the query using ANSI outer join operators (LEFT OUTER JOIN, RIGHT "
+     "OUTER JOIN). In the future versions of SQL Server, non-ANSI join operators will not be supported even in "
+     "backward-compatibility modes."},
+    {4151, 16, 1,
+     "The type of the first argument to NULLIF cannot be the NULL constant because the type of the first argument has "
+     "to be known."},
     {4405, 16, 1,
      "View or function '%s' is not updatable because the modification affects multiple base tables."},
     {4406, 16, 1, "Update or insert of view or function '%s' failed because it contains a derived or constant field."},
@@ -291,8 +314,12 @@ constexpr MessageText texts[] = {
     {5300, 16, 1, "SELECT INTO cannot be submitted with OPTION clause."},
     {5701, 0, 2, "Changed database context to '%s'."},
     {5703, 0, 1, "Changed language setting to %s."},
+    {6104, 16, 1, "Cannot use KILL to kill your own process."},
+    {6106, 16, 2, "Process ID %s is not an active process ID."},
     {6401, 16, 1, "Cannot roll back %s. No transaction or savepoint of that name was found."},
     {6522, 16, 1, "A .NET Framework error occurred during execution of user-defined routine or aggregate \"%s\"."},
+    {7601, 16, 1, "Cannot use a CONTAINS or FREETEXT predicate on %s because it is not full-text indexed."},
+    {7997, 16, 1, "'%s' does not contain an identity column."},
     {8101, 16, 1,
      "An explicit value for the identity column in table '%s' can only be specified when a column list is used and "
      "IDENTITY_INSERT is ON."},
@@ -326,6 +353,9 @@ constexpr MessageText texts[] = {
     {8127, 16, 1,
      "Column \"%s\" is invalid in the ORDER BY clause because it is not contained in either an aggregate function or "
      "the GROUP BY clause."},
+    {8133, 16, 1,
+     "At least one of the result expressions in a CASE specification must be an expression other than the NULL "
+     "constant."},
     {8134, 16, 1, "Divide by zero error encountered."},
     {8143, 16, 1, "Parameter '%s' was supplied multiple times."},
     {8144, 16, 2, "Procedure or function %s has too many arguments specified."},
@@ -348,14 +378,22 @@ constexpr MessageText texts[] = {
     {8630, 16, 1, "Internal Query Processor Error: The query processor encountered an unexpected error during execution."},
     {8672, 16, 1,
      "The MERGE statement attempted to UPDATE or DELETE the same row more than once."},
+    {8921, 16, 1,
+     "Check terminated. A failure was detected while collecting facts. Possibly tempdb out of space or a system table "
+     "is inconsistent. Check previous errors."},
     {9002, 17, 2, "The transaction log for database '%s' is full due to '%s'."},
     {9810, 16, 1, "The datepart %s is not supported by date function %s for data type %s."},
+    {10704, 15, 1,
+     "To rethrow an error, a THROW statement must be used inside a CATCH block. Insert the THROW statement inside a "
+     "CATCH block, or add error parameters to the THROW statement."},
+    {10709, 16, 1, "The number of columns for each row in a table value constructor must be the same."},
     {10727, 15, 1, "A nested INSERT, UPDATE, DELETE, or MERGE statement is not allowed on either side of a JOIN or APPLY operator."},
     {10733, 15, 1, "The %s clause is not allowed when the FROM clause contains a nested INSERT, UPDATE, DELETE, or MERGE statement."},
     {10739, 15, 1, "The insert column list used in the MERGE statement cannot contain multi-part identifiers. Use single part identifiers instead."},
     {10741, 15, 2, "A TOP can not be used in the same query or sub-query as a OFFSET."},
     {10753, 15, 3, "The function '%s' must have an OVER clause."},
     {16905, 16, 1, "The cursor is already open."},
+    {16911, 16, 1, "%s: The fetch type %s cannot be used with forward only cursors."},
     {16915, 16, 1, "A cursor with the name '%s' already exists."},
     {16916, 16, 1, "A cursor with the name '%s' does not exist."},
     {16917, 16, 2, "Cursor is not open."},

@@ -2,6 +2,7 @@
 #include "engine/errors.h"
 #include "engine/interpreter.h"
 #include "engine/parsed_texts.h"
+#include "engine/permissions.h"
 #include "engine/sql_functions.h"
 #include "engine/statements.h"
 #include "tsql/parser.h"
@@ -137,6 +138,8 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
         found = catalog.object(1, name.schema, name.object);
     if (!found || found->kind != ObjectKind::Procedure)
         raise(2812, {writtenName(name)});
+    if (session_.frame().procedureId == 0)
+        requirePermission(session_, *found, "EXECUTE");
     return runModule(found, arguments);
 }
 

@@ -147,7 +147,8 @@ BindContext SessionState::bindContext()
             [this](const std::string& name) {
                 const auto found = frame().tableVariables.find(name);
                 return found == frame().tableVariables.end() ? std::string() : temporaryName(*this, found->second);
-            }};
+            },
+            !frames_.empty() && frame().procedureId != 0};
 }
 
 CompiledBatchPtr SessionState::compile(const std::string& text, const std::string& family)

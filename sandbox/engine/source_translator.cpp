@@ -1,5 +1,6 @@
 #include "engine/errors.h"
 #include "engine/parsed_texts.h"
+#include "engine/permissions.h"
 #include "engine/translator.h"
 
 #include <algorithm>
@@ -193,6 +194,8 @@ std::string Translator::namedTable(const ast::NamedTable& node, Scope& scope)
             return systemTable(*system, database->id, std::move(source), scope);
     }
     const ObjectPtr found = object(name);
+    if (viewDepth_ == 0 && !context_.chained)
+        requirePermission(context_.session, *found, "SELECT");
     if (found->kind == ObjectKind::View)
         return viewTable(found, std::move(source), scope);
     if (found->kind != ObjectKind::UserTable)

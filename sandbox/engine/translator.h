@@ -40,6 +40,8 @@ struct BindContext
     std::function<std::optional<SqlType>(const std::string&)> variableType;
     /// The name in tempdb under which a table variable's rows lie; "" when there is none.
     std::function<std::string(const std::string&)> tableVariable;
+    /// Inside a module: what its owner may read, its caller may read through it.
+    bool chained = false;
 };
 
 struct SourceColumn
@@ -126,6 +128,9 @@ public:
 
     /// Variables in this set are read as they stand at each row, not once for the statement.
     std::set<std::string> liveVariables;
+    /// For text that is used apart from this translator: columns of stored tables go without
+    /// qualifier, and what the session supplies is asked for by function instead of by parameter.
+    bool standsAlone = false;
 
     [[nodiscard]] const std::vector<ParameterSlot>& parameters() const { return parameters_; }
     [[nodiscard]] SessionContext& session() { return context_.session; }

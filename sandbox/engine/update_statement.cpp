@@ -292,16 +292,21 @@ void executeUpdate(SessionState& session, const ast::UpdateStatement& statement)
         if (plan.direct)
             return runDirect(session, plan);
         const std::vector<RowChange> changes = collectChanges(session, plan);
+        std::vector<OldRow> before;
+        for (const RowChange& change : changes) {
+            if (plan.output)
+                before.push_back(readOldRow(session, *plan.output, change.row));
+        }
         if (!plan.columns.empty())
             updateRows(session, plan.table, plan.columns, changes, "UPDATE");
-        if (plan.output) {
-            for (const RowChange& change : changes)
-                shown.push_back(rowOutput(session, *plan.output, change.row));
-        }
+        for (std::size_t i = 0; i < before.size(); ++i)
+            shown.push_back(rowOutput(session, *plan.output, changes[i].row, before[i]));
+        if (plan.output)
+            storeOutput(session, *plan.output, shown);
         return static_cast<std::uint64_t>(changes.size());
     });
     if (used->output)
-        deliverOutput(session, *used->output, shown);
+        sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, updateCommand);
 }
@@ -323,10 +328,12 @@ void executeDelete(SessionState& session, const ast::DeleteStatement& statement)
                 shown.push_back(rowOutput(session, *plan.output, change.row));
         }
         deleteRows(session, plan.table, places);
+        if (plan.output)
+            storeOutput(session, *plan.output, shown);
         return static_cast<std::uint64_t>(places.size());
     });
     if (used->output)
-        deliverOutput(session, *used->output, shown);
+        sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, deleteCommand);
 }
