@@ -74,20 +74,48 @@ inline void integers(ResultSink& sink, std::int64_t rows)
     sink.done({Completion::Kind::Statement, static_cast<std::uint64_t>(rows), 0xC1});
 }
 
+/// What the sessions of a server share with the test; a session may still run an old script while the
+/// test sets the next.
+class Dialogue
+{
+public:
+    void setScript(Script script)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_script = std::move(script);
+    }
+    /// The script for a text that has come.
+    Script hear(std::string text)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_heard.push_back(std::move(text));
+        return m_script;
+    }
+    [[nodiscard]] std::vector<std::string> heard() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_heard;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    Script m_script = [](std::string_view, ResultSink& sink, const std::atomic<bool>&) { sink.done({}); };
+    std::vector<std::string> m_heard;
+};
+
 class Session final : public practice::Session
 {
 public:
-    Session(const Script& script, std::vector<std::string>& heard) : m_script(script), m_heard(heard) {}
+    explicit Session(Dialogue& dialogue) : m_dialogue(dialogue) {}
 
     void executeBatch(std::string_view batch, ResultSink& sink) override
     {
         m_cancelled = false;
-        m_heard.emplace_back(batch);
-        m_script(batch, sink, m_cancelled);
+        m_dialogue.hear(std::string(batch))(batch, sink, m_cancelled);
     }
     void executeProcedure(std::string_view, std::vector<practice::Parameter>, ResultSink& sink) override
     {
-        m_heard.emplace_back("a procedure call");
+        m_dialogue.hear("a procedure call");
         sink.done({Completion::Kind::Procedure, {}, 0xE0});
     }
     void beginTransaction(const std::string&, ResultSink&) override {}
@@ -99,8 +127,7 @@ public:
     [[nodiscard]] int id() const override { return 51; }
 
 private:
-    const Script& m_script;
-    std::vector<std::string>& m_heard;
+    Dialogue& m_dialogue;
     std::atomic<bool> m_cancelled = false;
     std::string m_database = "master";
 };
@@ -122,14 +149,13 @@ public:
         }
         sink.environment(practice::EnvironmentChange::Database, "master", "master");
         message(sink, 5701, 0, "Changed database context to 'master'.");
-        return std::make_unique<Session>(script, heard);
+        return std::make_unique<Session>(dialogue);
     }
     [[nodiscard]] const std::string& name() const override { return m_name; }
 
     std::string password = "contraseña";
-    Script script = [](std::string_view, ResultSink& sink, const std::atomic<bool>&) { sink.done({}); };
-    std::vector<std::string> heard; ///< one session at a time writes
     practice::LoginRequest lastLogin;
+    Dialogue dialogue;
 
 private:
     std::string m_name = "SCRIPTED";

@@ -28,8 +28,10 @@ protected:
 
     void answer(std::function<void(ResultSink&)> script)
     {
-        server.engine.script = [script = std::move(script)](std::string_view, ResultSink& sink,
-                                                            const std::atomic<bool>&) { script(sink); };
+        server.engine.dialogue.setScript(
+            [script = std::move(script)](std::string_view, ResultSink& sink, const std::atomic<bool>&) {
+                script(sink);
+            });
     }
 
     Recordset open(const QString& text = u"select"_s)
@@ -192,7 +194,7 @@ TEST_F(AdoWire, SendsEveryTextAsTyped)
     command.setCommandText(u"sp_helpuser"_s);
     static_cast<void>(command.Execute());
     expected.insert(expected.end(), {"BEGIN TRANSACTION", "ROLLBACK TRANSACTION", "sp_helpuser"});
-    EXPECT_TRUE(server.engine.heard == expected);
+    EXPECT_TRUE(server.engine.dialogue.heard() == expected);
     QStringList sent;
     for (const std::string& text : expected)
         sent += QString::fromStdString(text);
@@ -201,7 +203,7 @@ TEST_F(AdoWire, SendsEveryTextAsTyped)
     // What FreeTDS would rewrite or refuse arrives inside EXEC, complete, and is observed as typed.
     observed.clear();
     connection.Execute(u"select {d '2020-01-01'}, ?"_s);
-    EXPECT_EQ(server.engine.heard.back(), "EXEC(N'select {d ''2020-01-01''}, ?')");
+    EXPECT_EQ(server.engine.dialogue.heard().back(), "EXEC(N'select {d ''2020-01-01''}, ?')");
     EXPECT_EQ(observed, QStringList{u"select {d '2020-01-01'}, ?"_s});
     ado::setStatementObserver({});
 }
@@ -252,11 +254,12 @@ TEST_F(AdoWire, RaisesTheFirstErrorAndRunsTheRest)
         counted(sink, 1);
         ++finished;
     };
-    bool interrupted = false;
-    server.engine.script = [&](std::string_view, ResultSink& sink, const std::atomic<bool>& cancelled) {
-        late(sink);
-        interrupted = interrupted || cancelled;
-    };
+    std::atomic<bool> interrupted = false;
+    server.engine.dialogue.setScript(
+        [&](std::string_view, ResultSink& sink, const std::atomic<bool>& cancelled) {
+            late(sink);
+            interrupted = interrupted || cancelled;
+        });
     EXPECT_EQ(numberOf([&] { connection.Execute(u"x"_s); }), 208);
     EXPECT_EQ(numberOf([&] { open(); }), 208);
     EXPECT_EQ(finished, 2);
@@ -302,18 +305,19 @@ TEST_F(AdoWire, TellsWhatAStatementAffectedAndSaid)
 TEST_F(AdoWire, EndsAStatementAtItsTimeLimit)
 {
     connection.setCommandTimeout(1);
-    server.engine.script = [](std::string_view text, ResultSink& sink, const std::atomic<bool>& cancelled) {
-        // Rows that trickle, so that no single wait is long; or none at all.
-        const std::vector<ColumnInfo> columns{{"t", {TypeId::NVarChar, 4000, 0, 0}}};
-        sink.columns(columns);
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!cancelled && std::chrono::steady_clock::now() < end) {
-            if (text == "trickle")
-                sink.row(std::vector<Value>{scripted::text(std::string(4000, 'x'))});
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        sink.done({});
-    };
+    server.engine.dialogue.setScript(
+        [](std::string_view text, ResultSink& sink, const std::atomic<bool>& cancelled) {
+            // Rows that trickle, so that no single wait is long; or none at all.
+            const std::vector<ColumnInfo> columns{{"t", {TypeId::NVarChar, 4000, 0, 0}}};
+            sink.columns(columns);
+            const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+            while (!cancelled && std::chrono::steady_clock::now() < end) {
+                if (text == "trickle")
+                    sink.row(std::vector<Value>{scripted::text(std::string(4000, 'x'))});
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            }
+            sink.done({});
+        });
     for (const QString& text : {u"trickle"_s, u"silence"_s}) {
         EXPECT_EQ(numberOf([&] { open(text); }), ado::number::TimeOut) << text.toStdString();
         EXPECT_EQ(numberOf([&] { connection.Execute(text); }), ado::number::TimeOut) << text.toStdString();
