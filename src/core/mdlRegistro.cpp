@@ -83,7 +83,7 @@ int LeerValorEx(QSettings& claveAbierta, const QString& nombre, basic::Variant& 
     const QVariant guardado = claveAbierta.value(nombre);
     const QString texto = guardado.toString();
     bool esNumero = false;
-    const int numero = guardado.toInt(&esNumero);
+    const int numero = texto.toInt(&esNumero); // the variant itself would wrap a large one round
     if (guardado.typeId() == QMetaType::QString && texto.startsWith(MarcaTexto))
         valor = basic::Variant(texto.mid(MarcaTexto.size()));
     else if (esNumero)

@@ -42,6 +42,7 @@ public:
 
 protected:
     void MDIForm_Load() override { events() += "window.Load"; }
+    void MDIForm_Activate() override { events() += "window.Activate"; }
     void MDIForm_Unload(bool& /*cancel*/) override { events() += "window.Unload"; }
 };
 
@@ -57,7 +58,7 @@ protected:
     {
         window = new Window;
         window->Show();
-        events().clear();
+        taken();
     }
     void TearDown() override
     {
@@ -153,9 +154,68 @@ TEST_F(Forms, CascadingLaysVisibleChildrenOutInSteps)
     forms[2]->setLeft(0);
     EXPECT_EQ(forms[2]->Left(), 0);
     forms[1]->setWindowStateValue(Form::Minimized);
+    forms[2]->setWindowStateValue(Form::Maximized);
+    forms[2]->setLeft(40);
+    window->Cascade();
     EXPECT_EQ(forms[1]->windowStateValue(), Form::Minimized);
-    forms[1]->setWindowStateValue(Form::Normal);
-    EXPECT_EQ(forms[1]->windowStateValue(), Form::Normal);
+    EXPECT_EQ(forms[2]->windowStateValue(), Form::Normal);
+    EXPECT_EQ(forms[2]->Top(), forms[2]->Left()) << "the minimised one takes no place, and a maximised one "
+                                                    "cannot be moved";
+}
+
+TEST_F(Forms, ManyOrLargeFormsBeginInsideTheWindow)
+{
+    for (int i = 0; i < 40; ++i) {
+        auto* form = new Recorder("form");
+        form->resize(i % 2 == 0 ? QSize(300, 200) : QSize(5000, 5000));
+        form->Show();
+        ASSERT_TRUE(window->area()->viewport()->rect().contains(form->parentWidget()->geometry())) << i;
+    }
+}
+
+TEST_F(Forms, AMinimisedFormHandsOverAndComesBackWhenShown)
+{
+    auto* a = new Recorder("a");
+    auto* b = new Recorder("b");
+    a->Show();
+    b->Show();
+    taken();
+    b->setWindowStateValue(Form::Minimized);
+    EXPECT_EQ(taken(), QStringList{"a.Activate"});
+    a->setWindowStateValue(Form::Minimized);
+    EXPECT_EQ(window->ActiveForm(), nullptr);
+    EXPECT_EQ(taken(), QStringList());
+    for (Form* form : {a, b}) {
+        form->Show();
+        EXPECT_EQ(taken(), QStringList{form->Name() + ".Activate"});
+        EXPECT_EQ(form->windowStateValue(), Form::Normal);
+    }
+}
+
+TEST_F(Forms, ReturningFromAnotherProgramActivatesNothing)
+{
+    auto* a = new Recorder("a");
+    a->Show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    taken();
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    EXPECT_EQ(taken(), QStringList{"window.Activate"});
+}
+
+TEST_F(Forms, AFormDeletedFromOutsideLeavesNoFrameAndAnEmptySlot)
+{
+    static Slot<Sheet> slot;
+    slot->Show();
+    delete &*slot;
+    QTest::qWait(1);
+    EXPECT_FALSE(slot.exists());
+    EXPECT_TRUE(window->area()->subWindowList().isEmpty());
+    EXPECT_EQ(LoadedFormNames(), QStringList{"window"});
 }
 
 TEST_F(Forms, AModalFormReturnsWhenItCloses)

@@ -7,7 +7,6 @@
 #include "platform/controls/ListView.h"
 #include "platform/controls/MessageBox.h"
 #include "platform/controls/Pointer.h"
-#include "platform/controls/ResultGrid.h"
 #include "platform/controls/SqlEditor.h"
 #include "platform/controls/TextBox.h"
 #include "platform/controls/TreeView.h"
@@ -15,12 +14,18 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <utility>
 
 namespace controls {
 namespace {
@@ -90,6 +95,10 @@ TEST(Trees, PointerAndKeyboardTellWhatWasClicked)
     EXPECT_EQ(clicks.count(), 1);
     presses.clear();
 
+    QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, at);
+    EXPECT_EQ(clicks.count(), 1) << "the second release of a double click is no click of its own";
+    presses.clear();
+
     tree.setFocus();
     QTest::keyClick(&tree, Qt::Key_Up);
     EXPECT_EQ(tree.SelectedItem()->Key(), "S");
@@ -98,6 +107,26 @@ TEST(Trees, PointerAndKeyboardTellWhatWasClicked)
     ASSERT_EQ(presses.count(), 1);
     const QPoint asked(presses[0][2].toInt(), presses[0][3].toInt());
     EXPECT_EQ(tree.HitTest(asked)->Key(), "S");
+}
+
+TEST(Lists, TheMenuKeyAsksForTheSelectedItemEvenOutOfSight)
+{
+    ListView list;
+    for (int i = 0; i < 500; ++i)
+        list.Add("T" + QString::number(i), "table");
+    list.resize(300, 200);
+    list.show();
+    QSignalSpy presses(&list, &ListView::MouseDown);
+    QTest::keyClick(&list, Qt::Key_Menu);
+    EXPECT_EQ(presses.count(), 0) << "nothing is selected";
+    list.Select(list.Item(400));
+    list.scrollToTop();
+    QTest::keyClick(&list, Qt::Key_Menu);
+    ASSERT_EQ(presses.count(), 1);
+    EXPECT_EQ(presses[0][0].toInt(), rightButton);
+    const auto* hit = list.HitTest({presses[0][2].toInt(), presses[0][3].toInt()});
+    ASSERT_NE(hit, nullptr);
+    EXPECT_EQ(hit->Key(), "T400");
 }
 
 TEST(Lists, ItemsHaveKeysAndSubItems)
@@ -141,6 +170,11 @@ TEST(Combos, EverySelectionFiresTheClick)
     QTest::keyClick(&combo, Qt::Key_Down);
     EXPECT_EQ(clicks.count(), 4);
     EXPECT_EQ(combo.Text(), "a");
+    combo.clearFocus();
+    QWheelEvent wheel({5, 5}, combo.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(&combo, &wheel);
+    EXPECT_EQ(combo.Text(), "a") << "the wheel only turns the combo that has the focus";
 }
 
 TEST(TextBoxes, AHandlerSeesKeysFirstAndCanSwallowThem)
@@ -159,6 +193,27 @@ TEST(TextBoxes, AHandlerSeesKeysFirstAndCanSwallowThem)
     EXPECT_EQ(seen, keyEnter);
 }
 
+TEST(TextBoxes, ATabMadeByCodeMovesTheFocus)
+{
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* first = new TextBox(&window);
+    auto* second = new TextBox(&window);
+    layout->addWidget(first);
+    layout->addWidget(second);
+    QObject::connect(first, &TextBox::KeyPress, [](int& key) {
+        if (std::exchange(key, 0) == keyEnter)
+            synthesizeTab();
+    });
+    window.show();
+    window.activateWindow();
+    first->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return first->hasFocus(); }));
+    QTest::keyClick(first, Qt::Key_Return);
+    EXPECT_TRUE(first->hasFocus()) << "the key is queued";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return second->hasFocus(); }));
+}
+
 TEST(Editors, KeepTheTextAsGivenWithItsLineEnds)
 {
     SqlEditor editor;
@@ -167,6 +222,39 @@ TEST(Editors, KeepTheTextAsGivenWithItsLineEnds)
     EXPECT_EQ(editor.Text(), text);
     editor.selectAll();
     EXPECT_EQ(editor.SelText(), text);
+    const QString withNul = QStringLiteral("before") + QChar(0) + QStringLiteral("behind");
+    editor.setText(withNul);
+    EXPECT_EQ(editor.Text(), withNul);
+    editor.setText(QString());
+    EXPECT_EQ(editor.Text(), QString());
+}
+
+TEST(Editors, FindGoesRoundTheEndAndTellsWhenThereIsNothing)
+{
+    SqlEditor editor;
+    editor.setText("Select a from T\r\nselect b");
+    editor.show();
+    QTest::keyClick(&editor, Qt::Key_F, Qt::ControlModifier);
+    auto* find = editor.findChild<QLineEdit*>("txtBuscar");
+    ASSERT_TRUE(find->isVisible());
+    QTest::keyClicks(find, "SELECT");
+    const auto lineFound = [&] {
+        int line = -1;
+        int index = 0;
+        editor.getCursorPosition(&line, &index);
+        return line;
+    };
+    for (const int line : {0, 1, 0}) {
+        QTest::keyClick(find, Qt::Key_Return);
+        EXPECT_EQ(lineFound(), line);
+    }
+    QTest::keyClick(find, Qt::Key_F3, Qt::ShiftModifier);
+    EXPECT_EQ(lineFound(), 1);
+    EXPECT_EQ(editor.SelText(), "select");
+    find->setText("nowhere");
+    EXPECT_FALSE(editor.findNext());
+    QTest::keyClick(find, Qt::Key_Escape);
+    EXPECT_FALSE(find->isVisible());
 }
 
 TEST(Editors, TellFunctionKeysAndLeaveByF6)
@@ -188,17 +276,6 @@ TEST(Editors, TellFunctionKeysAndLeaveByF6)
     EXPECT_EQ(keys[0][1].toInt(), 2);
     QTest::keyClick(editor, Qt::Key_F6);
     EXPECT_TRUE(next->hasFocus());
-}
-
-TEST(Grids, AMessageStandsInPlaceOfRows)
-{
-    ResultGrid grid;
-    grid.showMessage("3 rows affected.");
-    EXPECT_EQ(grid.message(), "3 rows affected.");
-    EXPECT_EQ(grid.model()->rowCount(), 0);
-    grid.ReBind();
-    EXPECT_EQ(grid.message(), QString());
-    EXPECT_EQ(grid.selectionText(true), QString());
 }
 
 TEST(Pointers, OneDefaultUndoesAnyNumberOfHourglasses)
@@ -247,6 +324,31 @@ TEST(MessageBoxes, StyleDecidesButtonsAndDefault)
         EXPECT_EQ(defaultButton, each.defaultButton) << each.style;
         EXPECT_TRUE(plain);
     }
+}
+
+TEST(MessageBoxes, LongTextsStayOnTheScreenInFull)
+{
+    setMousePointer(Pointer::Hourglass);
+    for (const QString& text : {QString("x").repeated(4000), QString("line\r").repeated(200),
+                                QString("many words ").repeated(1000)}) {
+        QString shown;
+        QSize size;
+        QTimer::singleShot(10, qApp, [&] {
+            auto* box = QApplication::activeModalWidget();
+            ASSERT_NE(box, nullptr);
+            if (const auto* field = box->findChild<QPlainTextEdit*>())
+                shown = field->toPlainText();
+            size = box->size();
+            EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::ArrowCursor);
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        messageBox(text, 48, "Quermo");
+        EXPECT_EQ(shown, QString(text).replace('\r', '\n'));
+        const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+        EXPECT_EQ(size, size.boundedTo(screen));
+        EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    }
+    setMousePointer(Pointer::Default);
 }
 
 } // namespace controls

@@ -7,6 +7,8 @@
 #include <QMdiSubWindow>
 #include <QStyle>
 
+#include <algorithm>
+
 namespace controls {
 
 namespace {
@@ -78,17 +80,22 @@ bool MdiForm::Unload()
 
 void MdiForm::Cascade()
 {
-    const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
-    const int most = m_area->viewport()->height() / 2; // beyond, little of a child would be seen
-    int offset = 0;
+    int place = 0;
     for (QMdiSubWindow* frame : m_area->subWindowList(QMdiArea::StackingOrder)) {
         if (!frame->isVisible() || frame->isMinimized())
             continue;
         if (frame->isMaximized())
             frame->showNormal();
-        frame->move(offset, offset);
-        offset = offset + step > most ? 0 : offset + step;
+        frame->move(cascadePlace(place++));
     }
+}
+
+QPoint MdiForm::cascadePlace(int number) const
+{
+    const int step = style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
+    const int places = m_area->viewport()->height() / 2 / step + 1; // beyond, little of a child would be seen
+    const int offset = number % places * step;
+    return {offset, offset};
 }
 
 Form* MdiForm::ActiveForm() const
@@ -104,7 +111,11 @@ QMdiSubWindow* MdiForm::adopt(Form* form)
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWindowTitle(form->windowTitle());
     const QSize border = frame->sizeHint() - form->sizeHint();
-    frame->resize((wanted + border).boundedTo(m_area->viewport()->size()));
+    const QSize room = m_area->viewport()->size();
+    frame->resize((wanted + border).boundedTo(room));
+    const QPoint place = cascadePlace(static_cast<int>(m_area->subWindowList().size()) - 1);
+    frame->move(std::clamp(room.width() - frame->width(), 0, place.x()),
+                std::clamp(room.height() - frame->height(), 0, place.y()));
     connect(frame, &QMdiSubWindow::windowStateChanged, this,
             [this, frame](auto before, auto now) { childStateChanged(frame, before, now); });
     return frame;

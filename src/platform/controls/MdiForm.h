@@ -52,6 +52,7 @@ private:
     void childActivated(QMdiSubWindow* frame);
     void childStateChanged(QMdiSubWindow* frame, Qt::WindowStates before, Qt::WindowStates now);
     void activateNext();
+    [[nodiscard]] QPoint cascadePlace(int number) const;
 
     QMdiArea* m_area;
     QPointer<QMdiSubWindow> m_active;

@@ -110,8 +110,8 @@ QString ResultGrid::selectionText(bool headers) const
 {
     const auto* rows = static_cast<const ResultModel*>(model());
     const QItemSelection selection = selectionModel()->selection();
-    if (selection.isEmpty())
-        return {};
+    if (selection.isEmpty() || !selection.first().isValid())
+        return {}; // selecting all of nothing gives a range without cells
     const QItemSelectionRange range = selection.first();
     const bool alone = !headers && range.width() == 1 && range.height() == 1;
     const auto cellText = [&](int row, int column) {

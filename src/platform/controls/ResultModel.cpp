@@ -58,7 +58,8 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (role != Qt::DisplayRole)
+    if (role != Qt::DisplayRole || section < 0 ||
+        section >= (orientation == Qt::Horizontal ? m_columns : m_rows))
         return {};
     return orientation == Qt::Horizontal ? QVariant(m_records.FieldName(section)) : QVariant(section + 1);
 }

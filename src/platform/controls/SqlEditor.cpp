@@ -82,6 +82,7 @@ SqlEditor::SqlEditor(QWidget* parent) : QsciScintilla(parent), m_find(new QLineE
     setFrameShape(QFrame::StyledPanel);
     setMarginType(0, QsciScintilla::NumberMargin);
     setMarginWidth(1, 0);
+    SendScintilla(SCI_SETMARGINLEFT, 0UL, 4L); // pixels between the numbers and the text
     connect(this, &QsciScintilla::linesChanged, this, &SqlEditor::fitLineNumbers);
     m_find->setObjectName(QStringLiteral("txtBuscar"));
     m_find->setClearButtonEnabled(true);
@@ -233,6 +234,7 @@ void SqlEditor::placeFind()
 void SqlEditor::showFound(bool found)
 {
     QPalette colours = palette();
+    colours.setColor(QPalette::Base, palette().color(QPalette::Window)); // apart from the text behind
     if (!found)
         colours.setColor(QPalette::Text, paletteFor(palette().color(QPalette::Base).lightness() < 128).text);
     m_find->setPalette(colours);
