@@ -38,6 +38,7 @@ void updateStatistics(SessionContext& session, const ast::UpdateStatisticsStatem
 std::optional<std::uint64_t> executeDdl(SessionContext& session, const ast::Statement& statement)
 {
     using Kind = ast::StatementKind;
+    session.catalog().version();
     switch (statement.kind) {
     case Kind::CreateTable:
         createTable(session, as<ast::CreateTableStatement>(statement));

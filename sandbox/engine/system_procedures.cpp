@@ -126,6 +126,7 @@ std::optional<int> callSystemProcedure(SessionContext& session, const std::strin
     const SystemProcedure* procedure = findProcedure(name);
     if (procedure == nullptr)
         return std::nullopt;
+    session.catalog().version();
     return procedure->run(ProcedureCall(session, procedure->name, procedure->parameters, arguments));
 }
 
