@@ -88,7 +88,7 @@ RowSize leastRow(const std::vector<Column>& columns)
             continue;
         const TypeId id = column.type.id;
         if (id == TypeId::VarChar || id == TypeId::NVarChar || id == TypeId::VarBinary ||
-            column.type.length < 0)
+            id == TypeId::SqlVariant || column.type.length < 0)
             ++variable;
         else
             fixed += isUnicode(id) && !isLegacyLob(id) ? 2 * column.type.length : column.type.length;

@@ -319,11 +319,17 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
         session_.frame().database = before;
         session_.frame().completion = completion;
     };
+    // What it writes outside a transaction is its own to commit, like a statement's.
+    const bool alone = session_.transactionCount() == 0 && !session_.store().inTransaction();
     std::optional<int> status;
     try {
         status = callSystemProcedure(session_, procedure, arguments);
+        if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
+            session_.store().commit();
     } catch (...) {
         restore();
+        if (alone && session_.transactionCount() == 0)
+            session_.store().rollback();
         throw;
     }
     restore();

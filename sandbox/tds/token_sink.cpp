@@ -112,6 +112,8 @@ void TokenSink::done(const Completion& completion)
     flushCompletion(true);
     pending_ = completion;
     pending_->error = completion.error || failed_;
+    if (completion.kind == Completion::Kind::Statement)
+        pending_->kind = kind_;
     failed_ = false;
     complete_ = true;
 }

@@ -27,7 +27,7 @@ public:
 
     /// The names of the running call's parameters, by which output values find their place.
     void setParameterNames(std::vector<std::string> names) { parameterNames_ = std::move(names); }
-    /// The next completion that is missing at the end becomes this kind.
+    /// What a request is made of: a call's own completions, and one missing at its end, are Procedure.
     void setKind(Completion::Kind kind) { kind_ = kind; }
 
     /// Writes what ends a request: the last completion, this time without a successor.
