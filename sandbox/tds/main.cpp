@@ -1,11 +1,9 @@
 // The practice server's program: options, life and death. All else is in the libraries.
 #include "engine/session.h"
+#include "sample/sample.h"
 #include "tds/data_directory.h"
 #include "tds/server.h"
 #include "tds/shutdown_wait.h"
-#ifdef PRACTICE_HAS_SAMPLE
-#include "sample/sample.h"
-#endif
 
 #include <CLI/CLI.hpp>
 
@@ -72,9 +70,7 @@ void addOptions(CLI::App& app, Options& options)
         std::string("File whose first line is the password of sa for a fresh store.\nOtherwise it is the "
                     "environment's ") +
             passwordVariable + ", else " + defaultPassword);
-#ifdef PRACTICE_HAS_SAMPLE
     app.add_flag("--sample", options.sample, "Creates the sample database when it is not there yet");
-#endif
     app.add_flag("--parent-watch", options.parentWatch,
                  "Ends when standard input is closed, as it is when a launcher dies");
 }
@@ -88,10 +84,8 @@ int serve(const Options& options)
     serverOptions.dataDirectory = directory.path();
     serverOptions.saPassword = saPassword(options);
     const auto engine = practice::openServer(serverOptions);
-#ifdef PRACTICE_HAS_SAMPLE
     if (options.sample)
         practice::buildSample(*engine);
-#endif
     std::optional<practice::tds::StatementLog> log;
     if (!options.logFile.empty())
         log.emplace(options.logFile);

@@ -1,4 +1,4 @@
-// The version that the server claims to be, at login and in @@VERSION alike.
+// The version that the server claims to be at login; SERVERPROPERTY and @@VERSION say the same.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,6 @@ struct ProductVersion
     std::uint16_t build;
 };
 
-inline constexpr ProductVersion productVersion{11, 0, 2100};
+inline constexpr ProductVersion productVersion{10, 50, 6000};
 
 } // namespace practice

@@ -24,7 +24,7 @@ class Server:
     def __init__(self, program):
         self.log = tempfile.NamedTemporaryFile(prefix="wire-log-", delete=False).name
         self.process = subprocess.Popen(
-            [program, "--port", "0", "--parent-watch", "--log", self.log],
+            [program, "--port", "0", "--sample", "--parent-watch", "--log", self.log],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
             env={**os.environ, "QUERMO_SA_PASSWORD": PASSWORD})
         line = self.process.stdout.readline()
@@ -176,6 +176,13 @@ class Wire(unittest.TestCase):
         self.assertIn("aviso 日", messages)
         self.assertEqual([line for line in found if line[0] in ("uno ñ", "dos €", "2")],
                          [["uno ñ"], ["dos €"], ["2"]])
+
+    def test_a_long_result_arrives_whole(self):
+        table = "DTVentas..LineasPedido"
+        (count, total), = tsql(f"SELECT COUNT(*), SUM(CAST(IdPedido AS bigint)) FROM {table}")[0]
+        seen = [int(line.split("|")[0]) for line in isql([f"SELECT * FROM {table}"])]
+        self.assertEqual((len(seen), sum(seen)), (int(count), int(total)))
+        self.assertGreaterEqual(len(seen), 100000)
 
     def test_a_result_may_break_off(self):
         seen, = tedious(batch("SELECT 1/0 AS nada SELECT 2 AS b"))
