@@ -149,7 +149,6 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
         raise(217, {std::to_string(deepestNesting)});
     const CompiledBatchPtr compiled = session_.compile(procedure->text);
     const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
-    requireKnownArguments(procedure->name, definition.parameters, arguments);
     auto frame = std::make_unique<Frame>();
     frame->compiled = compiled;
     frame->procedure = procedure->name;
@@ -172,6 +171,7 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     };
     status_ = 0;
     try {
+        requireKnownArguments(procedure->name, definition.parameters, arguments);
         passArguments(procedure->name, definition.parameters, arguments);
         if (prepare(definition.body))
             run(definition.body);
@@ -186,6 +186,11 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     } catch (const ScopeAborted&) {
         leave();
         return -6;
+    } catch (SqlError& error) {
+        if (error.message.procedure.empty())
+            error.message.procedure = procedure->name;
+        leave();
+        throw;
     } catch (...) {
         leave();
         throw;

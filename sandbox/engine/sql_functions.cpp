@@ -2,6 +2,7 @@
 
 #include "engine/store.h"
 
+#include <string>
 #include <exception>
 #include <new>
 
@@ -43,6 +44,11 @@ Message messageOf(const ConversionError& error)
 {
     Message message = makeMessage(error.number);
     message.text = error.text;
+    // An overflow of a numeric's digits is told apart by its state.
+    const bool ofDigits = error.number == 8115 && error.text.ends_with("to data type numeric.") &&
+                          error.text.find("expression") == std::string::npos;
+    if (ofDigits)
+        message.state = 8;
     return message;
 }
 
