@@ -16,6 +16,10 @@ endif()
 
 add_library(quermo_options INTERFACE)
 target_compile_options(quermo_options INTERFACE -Wall -Wextra -Wconversion)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 warns at -O2 about every text that begins with a literal (its bug 105651).
+  target_compile_options(quermo_options INTERFACE -Wno-restrict)
+endif()
 if(QUERMO_WERROR)
   target_compile_options(quermo_options INTERFACE -Werror)
 endif()
