@@ -47,20 +47,37 @@ std::string inventedName(ObjectKind kind, const std::string& table, const std::s
     raise(547, {change.statement(), kind, name, database, table.owner + '.' + table.name, where});
 }
 
+/// The column that a condition is about when it names no other; 0 for a condition over several. A
+/// column counts as named when the condition can't be bound without it.
+int onlyColumn(SessionContext& session, const Object& table, const std::string& condition)
+{
+    int only = 0;
+    for (const Column& column : table.columns) {
+        Object rest = table;
+        std::erase_if(rest.columns, [&](const Column& other) { return other.id == column.id; });
+        try {
+            (void)session.translateCondition(rest, condition);
+        } catch (const SqlError&) {
+            if (only != 0)
+                return 0;
+            only = column.id;
+        }
+    }
+    return only;
+}
+
 void addCheck(const TableChange& change, const ast::TableConstraint& constraint, const std::string& column)
 {
     const ObjectPtr table = change.table();
-    const Column* owner = column.empty() ? nullptr : table->column(column);
     CheckConstraint check;
     check.text = inParentheses(sourceText(change.session, constraint.expression->source));
-    check.columnId = owner == nullptr ? 0 : owner->id;
+    (void)change.session.translateCondition(*table, check.text); // unknown names end here
+    check.columnId = onlyColumn(change.session, *table, check.text);
     check.notForReplication = constraint.notForReplication;
     check.id = insertConstraintObject(change, ObjectKind::Check, constraint.name, column);
     check.name = change.session.catalog().object(change.databaseId, check.id)->name;
     if (change.check)
         requireRowsSatisfyCheck(change, check);
-    else
-        (void)change.session.translateCondition(*table, check.text);
     insertCheck(change.session.connection(), change.databaseId, change.tableId, check, change.check);
 }
 

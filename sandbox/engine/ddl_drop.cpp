@@ -67,6 +67,7 @@ void dropOne(SessionContext& session, const DropWords& words, const ast::ObjectN
         return;
     if (!object || constraint || !mayChange(session, object->databaseId, object->ownerId))
         raise(3701, {words.noun, plainName(name)});
+    requireWritable(*session.catalog().database(object->databaseId));
     requireKind(*object, words, plainName(name));
     if (object->kind == ObjectKind::UserTable)
         dropTable(session, *object);

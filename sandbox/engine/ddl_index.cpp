@@ -12,6 +12,7 @@ ObjectPtr indexedTable(SessionContext& session, const ast::ObjectName& name)
     ObjectPtr table = findNamed(session, name);
     if (!table || !mayChange(session, table->databaseId, table->ownerId))
         raise(1088, {plainName(name)});
+    requireWritable(*session.catalog().database(table->databaseId));
     if (table->kind == ObjectKind::View)
         raise(1939, {table->name});
     if (table->kind != ObjectKind::UserTable)
@@ -73,6 +74,7 @@ void dropOne(SessionContext& session, const ast::DroppedIndex& dropped, bool ifE
         missing.state = 7;
         throw SqlError{missing};
     }
+    requireWritable(*session.catalog().database(table->databaseId));
     if (index->constraintId != 0)
         raise(3723, {name, constraintWords(*index)});
     dropIndex(session, *table, *index);

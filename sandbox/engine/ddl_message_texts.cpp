@@ -142,6 +142,7 @@ constexpr MessageText texts[] = {
     {3727, 16, 0, "Could not drop constraint. See previous errors."},
     {3728, 16, 1, "'%s' is not a constraint."},
     {3733, 16, 2, "Constraint '%s' does not belong to table '%s'."},
+    {3906, 16, 1, "Failed to update database \"%s\" because the database is read-only."},
     {4506, 16, 1,
      "Column names in each view or function must be unique. Column name '%s' in view or function '%s' is "
      "specified "

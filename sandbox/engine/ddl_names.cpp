@@ -44,6 +44,14 @@ void requireStatementPermission(SessionContext& session, const Database& databas
 
 } // namespace
 
+void requireWritable(const Database& database)
+{
+    if ((database.options & Offline) != 0)
+        raise(942, {database.name});
+    if ((database.options & ReadOnly) != 0)
+        raise(3906, {database.name});
+}
+
 DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
 {
     if (isTemporary(name.object))
@@ -60,6 +68,7 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
 {
     ObjectPlace place;
     place.database = databaseOf(session, name);
+    requireWritable(*place.database);
     place.name = catalogName(session, name.object);
     place.written = name.object;
     const auto user = session.catalog().userOf(place.database->id, session.login());
@@ -91,6 +100,7 @@ ObjectPtr requireTable(SessionContext& session, const ast::ObjectName& name, int
     ObjectPtr table = findNamed(session, name);
     if (!table || !mayChange(session, table->databaseId, table->ownerId))
         raise(missing, {plainName(name)});
+    requireWritable(*session.catalog().database(table->databaseId));
     if (table->kind != ObjectKind::UserTable)
         raise(4909, {plainName(name)});
     return table;

@@ -38,10 +38,13 @@ Value convertedForVariable(const Value& value, const SqlType& from, const SqlTyp
 
 } // namespace
 
-SqlType declaredType(SessionState&, const ast::DataType& type) { return resolveDeclaredType(type, 1, "parameter", ""); }
+SqlType declaredType(SessionState&, const ast::DataType& type)
+{
+    return resolveDeclaredType(type, 1, "parameter", "");
+}
 
-SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName, int spid,
-                           LoginRequest client, Login login)
+SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
+                           int spid, LoginRequest client, Login login)
     : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
       login_(std::move(login)), store_(dataDirectory / "store.db"), temporarySuffix_(suffixOf(spid))
 {
@@ -51,7 +54,10 @@ SessionState::SessionState(const std::filesystem::path& dataDirectory, const std
     catalog_ = std::make_unique<Catalog>(connection());
 }
 
-SessionState::~SessionState() { store_.rollback(); }
+SessionState::~SessionState()
+{
+    store_.rollback();
+}
 
 DatabasePtr SessionState::database()
 {
@@ -77,6 +83,7 @@ const Principal& SessionState::user()
 
 void SessionState::useDatabase(const std::string& name)
 {
+    catalog_->version();
     const DatabasePtr found = catalog_->database(name);
     if (!found)
         raise(911, {name});
@@ -137,7 +144,9 @@ const Value* SessionState::liveVariable(const std::string& name, SqlType& type)
 
 BindContext SessionState::bindContext()
 {
-    return {*this, database(), user().id,
+    return {*this,
+            database(),
+            user().id,
             [this](const std::string& name) -> std::optional<SqlType> {
                 if (frames_.empty())
                     return std::nullopt;
@@ -146,7 +155,8 @@ BindContext SessionState::bindContext()
             },
             [this](const std::string& name) {
                 const auto found = frame().tableVariables.find(name);
-                return found == frame().tableVariables.end() ? std::string() : temporaryName(*this, found->second);
+                return found == frame().tableVariables.end() ? std::string()
+                                                             : temporaryName(*this, found->second);
             },
             !frames_.empty() && frame().procedureId != 0};
 }
@@ -234,6 +244,12 @@ void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command
     sink().done(completion);
 }
 
+void SessionState::beginStatement()
+{
+    clockRead_ = false;
+    catalog_->version();
+}
+
 const DateTimeValue& SessionState::now(bool utc)
 {
     if (!clockRead_) {
@@ -251,7 +267,10 @@ std::int64_t SessionState::nextTimestamp()
     return stamp.step() ? stamp.integer(0) : 0;
 }
 
-void SessionState::runText(const std::string& text) { Interpreter(*this).runNested(text); }
+void SessionState::runText(const std::string& text)
+{
+    Interpreter(*this).runNested(text);
+}
 
 std::vector<std::vector<Value>> SessionState::queryText(const std::string& text)
 {
@@ -273,7 +292,8 @@ namespace {
 Scope tableScope(Translator& translator, const Object& table)
 {
     Scope scope;
-    translator.addStoredTable(std::make_shared<Object>(table), {.exposed = table.name, .shown = table.name}, scope);
+    translator.addStoredTable(std::make_shared<Object>(table), {.exposed = table.name, .shown = table.name},
+                              scope);
     return scope;
 }
 
@@ -373,7 +393,8 @@ Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op
 {
     // The compound assignments stand in the order of the operators that they are made of.
     const auto binary = static_cast<ast::BinaryOperator>(static_cast<int>(op) - 1);
-    const Term term = arithmetic(binary, constantTerm(left.value, left.type), constantTerm(right.value, right.type));
+    const Term term =
+        arithmetic(binary, constantTerm(left.value, left.type), constantTerm(right.value, right.type));
     Statement statement(connection(), "SELECT " + term.sql);
     Variable result{term.type, {}};
     if (statement.step())

@@ -60,7 +60,9 @@ SPID         char(5)        j.value ->> 'spid'
 int configure(const ProcedureCall& call)
 {
     const auto& name = call.text(0);
-    Statement known(call.session().connection(), "SELECT v.number, v.name, v.high FROM sys_value v "
+    Statement known(call.session().connection(), "SELECT v.number, v.name, v.high, "
+                                                 "coalesce(c.value, v.low) FROM sys_value v "
+                                                 "LEFT JOIN cat_configuration c ON c.config = v.number "
                                                  "WHERE v.type = 'C' AND v.name LIKE ?1 || '%'");
     if (name && !known.bind(1, *name).step())
         raise(15123, {*name});
@@ -81,6 +83,7 @@ run_value     int           coalesce(c.value, v.low)
     const int number = known.number(0);
     const int highest = known.number(2);
     const int value = call.numberOr(1, 0);
+    const int before = known.number(3);
     known.reset();
     if (value > highest)
         raise(15129, {*call.text(1), *name});
@@ -88,7 +91,7 @@ run_value     int           coalesce(c.value, v.low)
     Statement row(call.session().connection(),
                   "INSERT OR REPLACE INTO cat_configuration(config, value) VALUES(?, ?)");
     row.bind(1, number).bind(2, value).run();
-    call.session().inform(15457, {*name, std::to_string(value), std::to_string(value)});
+    call.session().inform(15457, {*name, std::to_string(before), std::to_string(value)});
     return 0;
 }
 
