@@ -112,7 +112,7 @@ QString ResultGrid::selectionText(bool headers) const
     const QItemSelection selection = selectionModel()->selection();
     if (selection.isEmpty() || !selection.first().isValid())
         return {}; // selecting all of nothing gives a range without cells
-    const QItemSelectionRange range = selection.first();
+    const QItemSelectionRange& range = selection.first();
     const bool alone = !headers && range.width() == 1 && range.height() == 1;
     const auto cellText = [&](int row, int column) {
         const QModelIndex cell = rows->index(row, column);

@@ -135,8 +135,9 @@ bool SqlEditor::findNext(bool forward)
 void SqlEditor::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_F6) {
-        // Scintilla keeps Tab for itself, and so refuses to move the focus.
-        QAbstractScrollArea::focusNextPrevChild(!event->modifiers().testFlag(Qt::ShiftModifier));
+        // Scintilla keeps Tab for itself, and so its own version refuses to move the focus.
+        const bool next = !event->modifiers().testFlag(Qt::ShiftModifier);
+        QAbstractScrollArea::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
         return;
     }
     if (event->matches(QKeySequence::Find)) {
