@@ -14,7 +14,8 @@ namespace {
 template <typename State>
 State* stateOf(sqlite3_context* context, bool create)
 {
-    return static_cast<State*>(sqlite3_aggregate_context(context, create ? static_cast<int>(sizeof(State)) : 0));
+    return static_cast<State*>(
+        sqlite3_aggregate_context(context, create ? static_cast<int>(sizeof(State)) : 0));
 }
 
 /// A 38 digit sum can pass 128 bits only after more rows than a store can hold.
@@ -38,8 +39,14 @@ void addDecimal(sqlite3_context* context, sqlite3_value* argument, int sign)
     sum->count += sign;
 }
 
-void sumStep(sqlite3_context* context, int, sqlite3_value** arguments) { addDecimal(context, arguments[0], 1); }
-void sumInverse(sqlite3_context* context, int, sqlite3_value** arguments) { addDecimal(context, arguments[0], -1); }
+void sumStep(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    addDecimal(context, arguments[0], 1);
+}
+void sumInverse(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    addDecimal(context, arguments[0], -1);
+}
 
 void sumValue(sqlite3_context* context)
 {
@@ -88,7 +95,13 @@ void momentsInverse(sqlite3_context* context, int, sqlite3_value** arguments)
     moments->squares -= (value - before) * (value - moments->mean);
 }
 
-enum class Spread : std::uint8_t { Deviation, DeviationOfAll, Variance, VarianceOfAll };
+enum class Spread : std::uint8_t
+{
+    Deviation,
+    DeviationOfAll,
+    Variance,
+    VarianceOfAll
+};
 
 template <Spread spread>
 void momentsValue(sqlite3_context* context)
@@ -131,8 +144,9 @@ using Final = void (*)(sqlite3_context*);
 
 void defineAggregate(sqlite3* connection, const char* name, Step step, Final value, Step inverse)
 {
-    const int code = sqlite3_create_window_function(connection, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-                                                    step, value, inverse == nullptr ? nullptr : value, inverse, nullptr);
+    const int code =
+        sqlite3_create_window_function(connection, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, step,
+                                       value, inverse == nullptr ? nullptr : value, inverse, nullptr);
     if (code != SQLITE_OK)
         throwStoreFailure(connection, code);
 }
@@ -143,7 +157,8 @@ void registerAggregates(sqlite3* connection)
 {
     defineAggregate(connection, "t_sumdec", sumStep, sumValue, sumInverse);
     defineAggregate(connection, "t_stdev", momentsStep, momentsValue<Spread::Deviation>, momentsInverse);
-    defineAggregate(connection, "t_stdevp", momentsStep, momentsValue<Spread::DeviationOfAll>, momentsInverse);
+    defineAggregate(connection, "t_stdevp", momentsStep, momentsValue<Spread::DeviationOfAll>,
+                    momentsInverse);
     defineAggregate(connection, "t_var", momentsStep, momentsValue<Spread::Variance>, momentsInverse);
     defineAggregate(connection, "t_varp", momentsStep, momentsValue<Spread::VarianceOfAll>, momentsInverse);
     defineAggregate(connection, "t_checksumagg", checksumStep, checksumFinal, nullptr);

@@ -33,9 +33,15 @@ Range rangeOf(TypeId id)
     }
 }
 
-[[noreturn]] void overflow(TypeId id) { raise(8115, {isDecimal(id) ? "numeric" : typeName(id)}); }
+[[noreturn]] void overflow(TypeId id)
+{
+    raise(8115, {isDecimal(id) ? "numeric" : typeName(id)});
+}
 
-TypeId typeIdAt(const Call& call, int i) { return static_cast<TypeId>(call.integer(i)); }
+TypeId typeIdAt(const Call& call, int i)
+{
+    return static_cast<TypeId>(call.integer(i));
+}
 
 // rng(value, type id): an integer that must fit its type
 void rng(const Call& call)
@@ -164,7 +170,8 @@ void dtadd(const Call& call)
 {
     const SqlType type = call.type(3);
     const auto value = std::get<DateTimeValue>(call.value(0, type).data);
-    const auto moved = dateTimeFromDays(daysSince1900(value) + call.real(1) * static_cast<double>(call.integer(2)));
+    const auto moved =
+        dateTimeFromDays(daysSince1900(value) + call.real(1) * static_cast<double>(call.integer(2)));
     const auto fitted = moved ? fitToType(*moved, type) : std::nullopt;
     if (!fitted)
         raise(8115, {typeName(type.id)});

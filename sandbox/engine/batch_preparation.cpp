@@ -94,7 +94,8 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
         }
         return;
     default:
-        moved = moved || (statement.kind >= ast::StatementKind::CreateTable && statement.kind <= ast::StatementKind::Use);
+        moved = moved || (statement.kind >= ast::StatementKind::CreateTable &&
+                          statement.kind <= ast::StatementKind::Use);
     }
 }
 

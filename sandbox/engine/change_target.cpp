@@ -26,7 +26,8 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
         return table;
     }
     const auto& named = ast::as<ast::NamedTable>(target);
-    if (!named.name.object.starts_with('#') && findSystemTable(named.name.schema, named.name.object) != nullptr)
+    if (!named.name.object.starts_with('#') &&
+        findSystemTable(named.name.schema, named.name.object) != nullptr)
         raise(259);
     ObjectPtr table = translator.object(named.name);
     if (!translator.context().chained)

@@ -6,8 +6,8 @@
 namespace practice {
 
 /// @throws SqlError 208, 259 (system tables), 4405 and its kin (views), 229 (not permitted)
-[[nodiscard]] ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast::TableSource& target,
-                                     const char* action);
+[[nodiscard]] ObjectPtr changeTarget(SessionState& session, Translator& translator,
+                                     const ast::TableSource& target, const char* action);
 
 /// True when SET IDENTITY_INSERT is on for the table.
 [[nodiscard]] bool acceptsIdentity(SessionState& session, const Object& table);

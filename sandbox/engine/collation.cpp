@@ -19,12 +19,16 @@ struct CollationTraits
     bool accentSensitive = true;
 };
 
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char upper(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 bool containsFolded(std::string_view text, std::string_view upperCasePart)
 {
     const auto same = [](char a, char b) { return upper(a) == b; };
-    return std::search(text.begin(), text.end(), upperCasePart.begin(), upperCasePart.end(), same) != text.end();
+    return std::search(text.begin(), text.end(), upperCasePart.begin(), upperCasePart.end(), same) !=
+           text.end();
 }
 
 CollationTraits traitsOf(std::string_view name)
@@ -78,8 +82,8 @@ int compareAscii(std::string_view left, std::string_view right, bool caseSensiti
         const char b = right[i];
         if (a == b)
             continue;
-        const int difference = weights.primary[static_cast<unsigned char>(a)] -
-                               weights.primary[static_cast<unsigned char>(b)];
+        const int difference =
+            weights.primary[static_cast<unsigned char>(a)] - weights.primary[static_cast<unsigned char>(b)];
         if (difference != 0)
             return difference;
         if (byCase == 0)
@@ -94,7 +98,8 @@ const icu::Collator& collatorFor(const CollationTraits& traits)
 {
     const auto make = [](icu::Collator::ECollationStrength strength, bool caseLevel) {
         UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale::getRoot(), status));
+        std::unique_ptr<icu::Collator> collator(
+            icu::Collator::createInstance(icu::Locale::getRoot(), status));
         collator->setStrength(strength);
         if (caseLevel)
             collator->setAttribute(UCOL_CASE_LEVEL, UCOL_ON, status);
@@ -120,7 +125,8 @@ int compareBy(const CollationTraits& traits, std::string_view left, std::string_
         return compareAscii(left, right, traits.caseSensitive);
     UErrorCode status = U_ZERO_ERROR;
     return collatorFor(traits).compareUTF8(icu::StringPiece(left.data(), static_cast<int>(left.size())),
-                                           icu::StringPiece(right.data(), static_cast<int>(right.size())), status);
+                                           icu::StringPiece(right.data(), static_cast<int>(right.size())),
+                                           status);
 }
 
 int onCompare(void* traits, int leftSize, const void* left, int rightSize, const void* right)

@@ -8,10 +8,7 @@ namespace practice {
 class CollectingSink : public ResultSink
 {
 public:
-    void columns(std::span<const ColumnInfo> given) override
-    {
-        described.assign(given.begin(), given.end());
-    }
+    void columns(std::span<const ColumnInfo> given) override { described.assign(given.begin(), given.end()); }
     void row(std::span<const Value> values) override { rows.emplace_back(values.begin(), values.end()); }
     void message(const Message& message) override
     {

@@ -55,7 +55,8 @@ std::string memberOfList(const Term& operand, const std::vector<Term>& values)
 {
     std::vector<Term> all = values;
     all.push_back(operand);
-    const bool integers = std::all_of(all.begin(), all.end(), [](const Term& t) { return isInteger(t.type.id); });
+    const bool integers =
+        std::all_of(all.begin(), all.end(), [](const Term& t) { return isInteger(t.type.id); });
     const SqlType type = integers ? operand.type : commonType(all);
     std::string list;
     Term left = integers ? operand : convertTerm(operand, type, Conversion::Implicit);
@@ -187,7 +188,8 @@ std::string Translator::membership(const ast::In& node, Scope& scope)
         left.collated = left.collated && left.collation == operand.collation;
     }
     const bool asIs = right.sql == member.sql;
-    const std::string list = asIs ? inner.sql : "SELECT " + right.sql + " FROM (" + inner.sql + ") AS " + handle;
+    const std::string list =
+        asIs ? inner.sql : "SELECT " + right.sql + " FROM (" + inner.sql + ") AS " + handle;
     return negatedIf(node.negated, "((" + comparable(left) + ") IN (" + list + "))");
 }
 

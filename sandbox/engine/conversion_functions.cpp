@@ -10,9 +10,15 @@ namespace practice {
 
 namespace {
 
-std::size_t unitsOf(std::string_view text) { return isAscii(text) ? text.size() : utf16Length(text); }
+std::size_t unitsOf(std::string_view text)
+{
+    return isAscii(text) ? text.size() : utf16Length(text);
+}
 
-bool isFixedLength(TypeId id) { return id == TypeId::Char || id == TypeId::NChar; }
+bool isFixedLength(TypeId id)
+{
+    return id == TypeId::Char || id == TypeId::NChar;
+}
 
 std::string padded(std::string_view text, std::size_t units, const SqlType& type)
 {
@@ -25,7 +31,9 @@ std::string padded(std::string_view text, std::size_t units, const SqlType& type
 SqlType unbounded(const SqlType& type)
 {
     SqlType wide = type;
-    wide.id = isUnicode(type.id) ? TypeId::NVarChar : isCharacter(type.id) ? TypeId::VarChar : TypeId::VarBinary;
+    wide.id = isUnicode(type.id)     ? TypeId::NVarChar
+              : isCharacter(type.id) ? TypeId::VarChar
+                                     : TypeId::VarBinary;
     wide.length = maxLength;
     return wide;
 }
@@ -34,7 +42,8 @@ SqlType unbounded(const SqlType& type)
 std::string assignText(std::string text, const SqlType& target)
 {
     const std::size_t units = unitsOf(text);
-    if (target.length == maxLength || isLegacyLob(target.id) || units <= static_cast<std::size_t>(target.length))
+    if (target.length == maxLength || isLegacyLob(target.id) ||
+        units <= static_cast<std::size_t>(target.length))
         return padded(text, units, target);
     const auto room = static_cast<std::size_t>(target.length);
     const std::size_t blanks = text.size() - (text.find_last_not_of(' ') + 1);
@@ -155,7 +164,9 @@ void required(const Call& call)
 // fail(number, argument...): a fault known when the statement was bound, raised when it is reached
 void fail(const Call& call)
 {
-    const auto argument = [&call](int i) { return i < call.count() ? std::string(call.text(i)) : std::string(); };
+    const auto argument = [&call](int i) {
+        return i < call.count() ? std::string(call.text(i)) : std::string();
+    };
     raise(static_cast<int>(call.integer(0)), {argument(1), argument(2), argument(3)});
 }
 
@@ -190,12 +201,21 @@ std::int64_t storedSize(const Call& call, int argument, const SqlType& type)
 }
 
 // datalength(value, type)
-void dataLength(const Call& call) { call.result(storedSize(call, 0, call.type(1))); }
+void dataLength(const Call& call)
+{
+    call.result(storedSize(call, 0, call.type(1)));
+}
 
 // offsetkey(value): the part of a datetimeoffset that comparisons look at
-void offsetKey(const Call& call) { call.resultBlob(call.blob(0).substr(0, 8)); }
+void offsetKey(const Call& call)
+{
+    call.resultBlob(call.blob(0).substr(0, 8));
+}
 
-std::uint64_t rotated(std::uint64_t value) { return (value << 4 | value >> 28) & 0xffffffffU; }
+std::uint64_t rotated(std::uint64_t value)
+{
+    return (value << 4 | value >> 28) & 0xffffffffU;
+}
 
 // checksum(value...): equal for values that compare equal
 void checksum(const Call& call)
@@ -224,7 +244,8 @@ void checksum(const Call& call)
 // one(value): the value of a subquery that may give one row only
 void oneStep(sqlite3_context* context, int, sqlite3_value** arguments)
 {
-    auto** held = static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, 2 * sizeof(sqlite3_value*)));
+    auto** held =
+        static_cast<sqlite3_value**>(sqlite3_aggregate_context(context, 2 * sizeof(sqlite3_value*)));
     if (held == nullptr)
         return;
     if (*held != nullptr) {
@@ -260,7 +281,8 @@ void registerConversionFunctions(sqlite3* connection)
     defineFunction(connection, "t_fail", -1, fail, Nulls::Handle, Purity::Volatile);
     defineFunction(connection, "t_datalength", 2, dataLength);
     defineFunction(connection, "t_offsetkey", 1, offsetKey);
-    sqlite3_create_function_v2(connection, "t_one", 1, SQLITE_UTF8, nullptr, nullptr, &oneStep, &oneFinal, nullptr);
+    sqlite3_create_function_v2(connection, "t_one", 1, SQLITE_UTF8, nullptr, nullptr, &oneStep, &oneFinal,
+                               nullptr);
 }
 
 } // namespace practice

@@ -30,7 +30,8 @@ void open(SessionState& session, Cursor& cursor)
         QueryPlan& plan = planQuery(session, *cursor.query);
         cursor.columns = plan.columns;
         cursor.rows.clear();
-        stepQuery(session, plan, [&cursor](const std::vector<Value>& values) { cursor.rows.push_back(values); });
+        stepQuery(session, plan,
+                  [&cursor](const std::vector<Value>& values) { cursor.rows.push_back(values); });
     } catch (...) {
         session.frame().compiled = present;
         throw;
@@ -77,7 +78,8 @@ const char* directionName(ast::FetchDirection direction)
 
 void declareCursor(SessionState& session, const ast::DeclareCursorStatement& statement)
 {
-    const bool local = std::find(statement.options.begin(), statement.options.end(), "LOCAL") != statement.options.end();
+    const bool local =
+        std::find(statement.options.begin(), statement.options.end(), "LOCAL") != statement.options.end();
     auto& cursors = local ? session.frame().cursors : session.globalCursors;
     Cursor cursor;
     cursor.query = statement.query.get();

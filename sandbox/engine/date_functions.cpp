@@ -20,27 +20,57 @@ struct PartName
 
 // The full name of each part stands first.
 constexpr PartName partNames[] = {
-    {"year", DatePart::Year},          {"yy", DatePart::Year},         {"yyyy", DatePart::Year},
-    {"quarter", DatePart::Quarter},    {"qq", DatePart::Quarter},      {"q", DatePart::Quarter},
-    {"month", DatePart::Month},        {"mm", DatePart::Month},        {"m", DatePart::Month},
-    {"dayofyear", DatePart::DayOfYear}, {"dy", DatePart::DayOfYear},   {"y", DatePart::DayOfYear},
-    {"day", DatePart::Day},            {"dd", DatePart::Day},          {"d", DatePart::Day},
-    {"week", DatePart::Week},          {"wk", DatePart::Week},         {"ww", DatePart::Week},
-    {"iso_week", DatePart::IsoWeek},   {"isowk", DatePart::IsoWeek},   {"isoww", DatePart::IsoWeek},
-    {"weekday", DatePart::WeekDay},    {"dw", DatePart::WeekDay},      {"w", DatePart::WeekDay},
-    {"hour", DatePart::Hour},          {"hh", DatePart::Hour},         {"minute", DatePart::Minute},
-    {"mi", DatePart::Minute},          {"n", DatePart::Minute},        {"second", DatePart::Second},
-    {"ss", DatePart::Second},          {"s", DatePart::Second},        {"millisecond", DatePart::Millisecond},
-    {"ms", DatePart::Millisecond},     {"microsecond", DatePart::Microsecond},
-    {"mcs", DatePart::Microsecond},    {"nanosecond", DatePart::Nanosecond},
-    {"ns", DatePart::Nanosecond},      {"tzoffset", DatePart::TimeZone}, {"tz", DatePart::TimeZone},
+    {"year", DatePart::Year},
+    {"yy", DatePart::Year},
+    {"yyyy", DatePart::Year},
+    {"quarter", DatePart::Quarter},
+    {"qq", DatePart::Quarter},
+    {"q", DatePart::Quarter},
+    {"month", DatePart::Month},
+    {"mm", DatePart::Month},
+    {"m", DatePart::Month},
+    {"dayofyear", DatePart::DayOfYear},
+    {"dy", DatePart::DayOfYear},
+    {"y", DatePart::DayOfYear},
+    {"day", DatePart::Day},
+    {"dd", DatePart::Day},
+    {"d", DatePart::Day},
+    {"week", DatePart::Week},
+    {"wk", DatePart::Week},
+    {"ww", DatePart::Week},
+    {"iso_week", DatePart::IsoWeek},
+    {"isowk", DatePart::IsoWeek},
+    {"isoww", DatePart::IsoWeek},
+    {"weekday", DatePart::WeekDay},
+    {"dw", DatePart::WeekDay},
+    {"w", DatePart::WeekDay},
+    {"hour", DatePart::Hour},
+    {"hh", DatePart::Hour},
+    {"minute", DatePart::Minute},
+    {"mi", DatePart::Minute},
+    {"n", DatePart::Minute},
+    {"second", DatePart::Second},
+    {"ss", DatePart::Second},
+    {"s", DatePart::Second},
+    {"millisecond", DatePart::Millisecond},
+    {"ms", DatePart::Millisecond},
+    {"microsecond", DatePart::Microsecond},
+    {"mcs", DatePart::Microsecond},
+    {"nanosecond", DatePart::Nanosecond},
+    {"ns", DatePart::Nanosecond},
+    {"tzoffset", DatePart::TimeZone},
+    {"tz", DatePart::TimeZone},
 };
 
 constexpr std::array monthNames = {"January", "February", "March",     "April",   "May",      "June",
                                    "July",    "August",   "September", "October", "November", "December"};
-constexpr std::array dayNames = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
+constexpr std::array dayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                 "Thursday", "Friday", "Saturday"};
 
-DatePart partAt(const Call& call, int i) { return static_cast<DatePart>(call.integer(i)); }
+DatePart partAt(const Call& call, int i)
+{
+    return static_cast<DatePart>(call.integer(i));
+}
 
 DateTimeValue pointAt(const Call& call, int value, int type)
 {
@@ -74,7 +104,10 @@ std::int64_t ticksOf(DatePart part)
     }
 }
 
-[[noreturn]] void addOverflow(const SqlType& type) { raise(517, {typeName(type.id)}); }
+[[noreturn]] void addOverflow(const SqlType& type)
+{
+    raise(517, {typeName(type.id)});
+}
 
 std::optional<DateTimeValue> addMonths(const DateTimeValue& value, std::int64_t months)
 {
@@ -179,7 +212,10 @@ void dateDiff(const Call& call)
     call.result(static_cast<std::int64_t>(count));
 }
 
-int dayOfYear(std::int32_t days) { return days - daysFromCivil(civilFromDays(days).year, 1, 1) + 1; }
+int dayOfYear(std::int32_t days)
+{
+    return days - daysFromCivil(civilFromDays(days).year, 1, 1) + 1;
+}
 
 int weekOfYear(std::int32_t days, int firstDay)
 {
@@ -252,8 +288,8 @@ void dateName(const Call& call)
     if (part == DatePart::TimeZone) {
         std::array<char, 16> text{};
         const int minutes = value.offsetMinutes < 0 ? -value.offsetMinutes : value.offsetMinutes;
-        std::snprintf(text.data(), text.size(), "%c%02d:%02d", value.offsetMinutes < 0 ? '-' : '+', minutes / 60,
-                      minutes % 60);
+        std::snprintf(text.data(), text.size(), "%c%02d:%02d", value.offsetMinutes < 0 ? '-' : '+',
+                      minutes / 60, minutes % 60);
         return call.result(std::string_view(text.data()));
     }
     call.result(std::string_view(std::to_string(numberOf(part, value, static_cast<int>(call.integer(3))))));
@@ -302,7 +338,9 @@ void dateFromParts(const Call& call)
 void dateTimeFromParts(const Call& call)
 {
     const auto days = dateOf(call.integer(0), call.integer(1), call.integer(2));
-    const auto within = [&call](int i, std::int64_t limit) { return call.integer(i) >= 0 && call.integer(i) < limit; };
+    const auto within = [&call](int i, std::int64_t limit) {
+        return call.integer(i) >= 0 && call.integer(i) < limit;
+    };
     if (!days || *days < day1753 || !within(3, 24) || !within(4, 60) || !within(5, 60) || !within(6, 1000))
         raise(289, {"datetime"});
     const std::int64_t ticks = call.integer(3) * ticksPerHour + call.integer(4) * ticksPerMinute +

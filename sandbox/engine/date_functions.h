@@ -7,7 +7,8 @@
 
 namespace practice {
 
-enum class DatePart : std::uint8_t {
+enum class DatePart : std::uint8_t
+{
     Year,
     Quarter,
     Month,

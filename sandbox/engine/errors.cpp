@@ -51,8 +51,8 @@ void raise(int number, std::initializer_list<std::string> arguments)
 bool abortsBatch(int number)
 {
     static constexpr std::array numbers = {
-        137,  156,  195,  207,  208,  209,  235,  241,  242,  243,  244,  245,  248,  257,  266,  295,
-        1205, 1934, 3609, 3930, 3998, 4104, 4121, 6401, 8114, 8169, 9420, 9436, 15600,
+        137, 156,  195,  207,  208,  209,  235,  241,  242,  243,  244,  245,  248,  257,   266,
+        295, 1205, 1934, 3609, 3930, 3998, 4104, 4121, 6401, 8114, 8169, 9420, 9436, 15600,
     };
     return std::binary_search(numbers.begin(), numbers.end(), number);
 }

@@ -1,7 +1,7 @@
 #include "engine/translator.h"
 
-#include "engine/errors.h"
 #include "engine/collation.h"
+#include "engine/errors.h"
 #include "engine/globals.h"
 #include "types/decimal.h"
 #include "types/text_encoding.h"
@@ -124,9 +124,10 @@ Term Translator::global(const std::string& name, const SqlType& type, bool nulla
 {
     if (standsAlone)
         return resultTerm(callText("s_global", {quotedText(name), typeArgument(type)}), type, nullable);
-    const auto known = std::find_if(parameters_.begin(), parameters_.end(), [&name](const ParameterSlot& slot) {
-        return slot.kind == ParameterSlot::Kind::Global && slot.name == name;
-    });
+    const auto known =
+        std::find_if(parameters_.begin(), parameters_.end(), [&name](const ParameterSlot& slot) {
+            return slot.kind == ParameterSlot::Kind::Global && slot.name == name;
+        });
     const auto place = known - parameters_.begin();
     if (known == parameters_.end())
         parameters_.push_back({ParameterSlot::Kind::Global, name, type});
@@ -147,9 +148,10 @@ Term Translator::variable(const std::string& name)
         raise(137, {name});
     if (liveVariables.contains(folded))
         return resultTerm(callText("s_variable", {quotedText(folded)}), *type);
-    const auto known = std::find_if(parameters_.begin(), parameters_.end(), [&folded](const ParameterSlot& slot) {
-        return slot.kind == ParameterSlot::Kind::Variable && slot.name == folded;
-    });
+    const auto known =
+        std::find_if(parameters_.begin(), parameters_.end(), [&folded](const ParameterSlot& slot) {
+            return slot.kind == ParameterSlot::Kind::Variable && slot.name == folded;
+        });
     const auto place = known - parameters_.begin();
     if (known == parameters_.end())
         parameters_.push_back({ParameterSlot::Kind::Variable, folded, *type});
@@ -284,8 +286,8 @@ const SourceColumn* Translator::findColumn(const ast::Column& column, Scope& sco
 
 void Translator::noteColumn(const Source& source, const SourceColumn& column, Scope& scope)
 {
-    const bool grouping = scope.clause == Clause::Select || scope.clause == Clause::Having ||
-                          scope.clause == Clause::OrderBy;
+    const bool grouping =
+        scope.clause == Clause::Select || scope.clause == Clause::Having || scope.clause == Clause::OrderBy;
     if (!grouping || scope.aggregateDepth > 0)
         return;
     if (std::find(scope.groups.begin(), scope.groups.end(), comparable(column.term)) != scope.groups.end())
@@ -340,7 +342,8 @@ Term Translator::unary(const ast::Unary& unary, Scope& scope)
         return term;
     }
     if (storageClass(operand.type) == StorageClass::Blob)
-        return resultTerm(callText("t_neg", {operand.sql, typeArgument(operand.type)}), operand.type, operand.nullable);
+        return resultTerm(callText("t_neg", {operand.sql, typeArgument(operand.type)}), operand.type,
+                          operand.nullable);
     if (operand.type.id == TypeId::TinyInt)
         return resultTerm("(-" + operand.sql + ")", {TypeId::SmallInt, 2}, operand.nullable);
     return resultTerm("(-" + operand.sql + ")", operand.type, operand.nullable);
@@ -388,7 +391,8 @@ Term Translator::caseExpression(const ast::Case& node, Scope& scope)
     Term result = resultTerm("", type, false);
     result.sql = "CASE";
     for (std::size_t i = 0; i < conditions.size(); ++i)
-        result.sql += " WHEN " + conditions[i] + " THEN " + convertTerm(results[i], type, Conversion::Implicit).sql;
+        result.sql +=
+            " WHEN " + conditions[i] + " THEN " + convertTerm(results[i], type, Conversion::Implicit).sql;
     result.sql += " ELSE " + convertTerm(results.back(), type, Conversion::Implicit).sql + " END";
     for (const Term& branch : results) {
         result.nullable = result.nullable || branch.nullable;
@@ -408,12 +412,13 @@ Term Translator::cast(const ast::Cast& cast, Scope& scope)
     int style = 0;
     if (cast.style) {
         const Term styleTerm = expression(*cast.style, scope);
-        const auto* value = styleTerm.constant ? std::get_if<std::int64_t>(&styleTerm.constant->data) : nullptr;
+        const auto* value =
+            styleTerm.constant ? std::get_if<std::int64_t>(&styleTerm.constant->data) : nullptr;
         if (value == nullptr) {
             requireConversion(operand.type, type, Conversion::Explicit);
             const std::string wanted = convertTerm(styleTerm, intType(), Conversion::Implicit).sql;
-            return resultTerm(callText(cast.attempt ? "t_trycvt" : "t_cvt", {operand.sql, typeArgument(operand.type),
-                                                                            typeArgument(type), wanted}),
+            return resultTerm(callText(cast.attempt ? "t_trycvt" : "t_cvt",
+                                       {operand.sql, typeArgument(operand.type), typeArgument(type), wanted}),
                               type);
         }
         style = static_cast<int>(*value);

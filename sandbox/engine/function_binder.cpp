@@ -16,8 +16,8 @@ const FunctionMap& functions()
 {
     static const FunctionMap map = [] {
         FunctionMap made;
-        for (const auto entries :
-             {textFunctionEntries(), numberFunctionEntries(), dateFunctionEntries(), systemFunctionEntries()}) {
+        for (const auto entries : {textFunctionEntries(), numberFunctionEntries(), dateFunctionEntries(),
+                                   systemFunctionEntries()}) {
             for (const FunctionEntry& entry : entries)
                 made.emplace(entry.name, &entry);
         }
@@ -79,18 +79,19 @@ struct AggregateShape
 };
 
 constexpr std::array aggregateNames = {
-    AggregateShape{"avg", ""},           AggregateShape{"checksum_agg", "t_checksumagg"},
-    AggregateShape{"count", "count"},    AggregateShape{"count_big", "count"},
-    AggregateShape{"max", "max"},        AggregateShape{"min", "min"},
-    AggregateShape{"stdev", "t_stdev"},  AggregateShape{"stdevp", "t_stdevp"},
-    AggregateShape{"string_agg", ""},    AggregateShape{"sum", ""},
-    AggregateShape{"var", "t_var"},      AggregateShape{"varp", "t_varp"},
+    AggregateShape{"avg", ""},          AggregateShape{"checksum_agg", "t_checksumagg"},
+    AggregateShape{"count", "count"},   AggregateShape{"count_big", "count"},
+    AggregateShape{"max", "max"},       AggregateShape{"min", "min"},
+    AggregateShape{"stdev", "t_stdev"}, AggregateShape{"stdevp", "t_stdevp"},
+    AggregateShape{"string_agg", ""},   AggregateShape{"sum", ""},
+    AggregateShape{"var", "t_var"},     AggregateShape{"varp", "t_varp"},
 };
 
 const AggregateShape* aggregateShape(std::string_view name)
 {
-    const auto* const found = std::find_if(aggregateNames.begin(), aggregateNames.end(),
-                                           [name](const AggregateShape& shape) { return shape.name == name; });
+    const auto* const found =
+        std::find_if(aggregateNames.begin(), aggregateNames.end(),
+                     [name](const AggregateShape& shape) { return shape.name == name; });
     return found == aggregateNames.end() ? nullptr : found;
 }
 
@@ -159,7 +160,9 @@ Term bindSum(const Term& argument, std::string_view name, const AggregateText& t
 
 Term bindStringAggregate(const FunctionCall& call, const Term& argument, const AggregateText& text)
 {
-    const Term value = isCharacter(argument.type.id) ? argument : convertTerm(argument, nVarCharType(4000), Conversion::Implicit);
+    const Term value = isCharacter(argument.type.id)
+                           ? argument
+                           : convertTerm(argument, nVarCharType(4000), Conversion::Implicit);
     const Term separator = call.text(1);
     return textResult("group_concat(" + value.sql + "," + separator.sql + ")" + text.over, value,
                       isUnicode(value.type.id) ? 4000 : 8000);
@@ -176,25 +179,33 @@ std::string windowText(const FunctionCall& call)
         raise(4108);
     std::string text;
     for (const auto& expression : node.over->partitionBy)
-        text += (text.empty() ? "PARTITION BY " : ", ") + comparable(call.translator().expression(*expression, call.scope()));
+        text += (text.empty() ? "PARTITION BY " : ", ") +
+                comparable(call.translator().expression(*expression, call.scope()));
     bool first = true;
     for (const ast::OrderItem& item : node.over->orderBy) {
         Term term = call.translator().expression(*item.expression, call.scope());
         // A constant would be taken for the place of a column.
         const std::string key = term.constant ? "(SELECT " + term.sql + ")" : comparable(term);
-        text += (text.empty() ? "ORDER BY " : first ? " ORDER BY " : ", ") + key + (item.descending ? " DESC" : "");
+        text += (text.empty() ? "ORDER BY "
+                 : first      ? " ORDER BY "
+                              : ", ") +
+                key + (item.descending ? " DESC" : "");
         first = false;
     }
     if (node.over->frame) {
         const ast::WindowFrame& frame = *node.over->frame;
         text += frame.rows ? " ROWS " : " RANGE ";
-        text += frame.end ? "BETWEEN " + frameBound(call, frame.start) + " AND " + frameBound(call, *frame.end)
-                          : frameBound(call, frame.start);
+        text += frame.end
+                    ? "BETWEEN " + frameBound(call, frame.start) + " AND " + frameBound(call, *frame.end)
+                    : frameBound(call, frame.start);
     }
     return " OVER (" + text + ")";
 }
 
-bool isAggregateName(std::string_view name) { return aggregateShape(name) != nullptr; }
+bool isAggregateName(std::string_view name)
+{
+    return aggregateShape(name) != nullptr;
+}
 
 Term bindAggregate(const FunctionCall& call, std::string_view name)
 {
@@ -239,14 +250,17 @@ Term bindAggregate(const FunctionCall& call, std::string_view name)
         result.collated = false;
         result.integerLiteral = false;
         result.nullable = true;
-        result.sql = text.call(shape.sqlite, isCharacter(argument.type.id) ? comparable(argument) : argument.sql);
+        result.sql =
+            text.call(shape.sqlite, isCharacter(argument.type.id) ? comparable(argument) : argument.sql);
         return result;
     }
     if (name == "checksum_agg")
-        return resultTerm(text.call(shape.sqlite, convertTerm(argument, intType(), Conversion::Implicit).sql), intType());
+        return resultTerm(text.call(shape.sqlite, convertTerm(argument, intType(), Conversion::Implicit).sql),
+                          intType());
     if (!isNumeric(argument.type.id))
         raise(8117, {typeName(argument.type.id), std::string(name)});
-    return resultTerm(text.call(shape.sqlite, convertTerm(argument, floatType(), Conversion::Implicit).sql), floatType());
+    return resultTerm(text.call(shape.sqlite, convertTerm(argument, floatType(), Conversion::Implicit).sql),
+                      floatType());
 }
 
 bool isRankingName(std::string_view name)

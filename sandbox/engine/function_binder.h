@@ -15,8 +15,7 @@ class FunctionCall
 public:
     FunctionCall(Translator& translator, const ast::Function& node, Scope& scope)
         : translator_(translator), node_(node), scope_(scope)
-    {
-    }
+    {}
 
     [[nodiscard]] Translator& translator() const { return translator_; }
     [[nodiscard]] const ast::Function& node() const { return node_; }
@@ -24,7 +23,10 @@ public:
     [[nodiscard]] std::size_t count() const { return node_.arguments.size(); }
     [[nodiscard]] bool has(std::size_t i) const { return i < count(); }
 
-    [[nodiscard]] Term term(std::size_t i) const { return translator_.expression(*node_.arguments[i], scope_); }
+    [[nodiscard]] Term term(std::size_t i) const
+    {
+        return translator_.expression(*node_.arguments[i], scope_);
+    }
     [[nodiscard]] std::vector<Term> terms() const { return translator_.terms(node_.arguments, scope_); }
     [[nodiscard]] Term converted(std::size_t i, const SqlType& type) const
     {

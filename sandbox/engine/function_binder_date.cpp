@@ -6,8 +6,14 @@ namespace practice {
 
 namespace {
 
-SqlType dateTime2(std::uint8_t scale) { return {TypeId::DateTime2, 8, 0, scale}; }
-SqlType dateType() { return {TypeId::Date, 3}; }
+SqlType dateTime2(std::uint8_t scale)
+{
+    return {TypeId::DateTime2, 8, 0, scale};
+}
+SqlType dateType()
+{
+    return {TypeId::Date, 3};
+}
 
 /// The first argument, which is a word and no column.
 DatePart partOf(const FunctionCall& call)
@@ -31,7 +37,10 @@ Term point(const FunctionCall& call, std::size_t i)
     return convertTerm(given, dateTimeType(), Conversion::Implicit);
 }
 
-std::string partText(DatePart part) { return std::to_string(static_cast<int>(part)); }
+std::string partText(DatePart part)
+{
+    return std::to_string(static_cast<int>(part));
+}
 
 Term firstDay(const FunctionCall& call)
 {
@@ -68,29 +77,49 @@ Term difference(const FunctionCall& call, bool big)
                       big ? bigIntType() : intType());
 }
 
-Term dateDiff(const FunctionCall& call) { return difference(call, false); }
-Term dateDiffBig(const FunctionCall& call) { return difference(call, true); }
+Term dateDiff(const FunctionCall& call)
+{
+    return difference(call, false);
+}
+Term dateDiffBig(const FunctionCall& call)
+{
+    return difference(call, true);
+}
 
 Term partNumber(const FunctionCall& call, DatePart part, std::size_t argument)
 {
     const Term value = point(call, argument);
     requirePart(part, value.type, "datepart");
-    return resultTerm(callText("t_datepart", {partText(part), value.sql, typeArgument(value.type), firstDay(call).sql}),
-                      intType(), value.nullable);
+    return resultTerm(
+        callText("t_datepart", {partText(part), value.sql, typeArgument(value.type), firstDay(call).sql}),
+        intType(), value.nullable);
 }
 
-Term datePart(const FunctionCall& call) { return partNumber(call, partOf(call), 1); }
-Term year(const FunctionCall& call) { return partNumber(call, DatePart::Year, 0); }
-Term month(const FunctionCall& call) { return partNumber(call, DatePart::Month, 0); }
-Term day(const FunctionCall& call) { return partNumber(call, DatePart::Day, 0); }
+Term datePart(const FunctionCall& call)
+{
+    return partNumber(call, partOf(call), 1);
+}
+Term year(const FunctionCall& call)
+{
+    return partNumber(call, DatePart::Year, 0);
+}
+Term month(const FunctionCall& call)
+{
+    return partNumber(call, DatePart::Month, 0);
+}
+Term day(const FunctionCall& call)
+{
+    return partNumber(call, DatePart::Day, 0);
+}
 
 Term dateName(const FunctionCall& call)
 {
     const DatePart part = partOf(call);
     const Term value = point(call, 1);
     requirePart(part, value.type, "datename");
-    return resultTerm(callText("t_datename", {partText(part), value.sql, typeArgument(value.type), firstDay(call).sql}),
-                      nVarCharType(30), value.nullable);
+    return resultTerm(
+        callText("t_datename", {partText(part), value.sql, typeArgument(value.type), firstDay(call).sql}),
+        nVarCharType(30), value.nullable);
 }
 
 Term endOfMonth(const FunctionCall& call)
@@ -110,8 +139,9 @@ Term isDate(const FunctionCall& call)
 
 Term dateFromParts(const FunctionCall& call)
 {
-    return resultTerm(callText("t_datefromparts", {call.integer(0).sql, call.integer(1).sql, call.integer(2).sql}),
-                      dateType());
+    return resultTerm(
+        callText("t_datefromparts", {call.integer(0).sql, call.integer(1).sql, call.integer(2).sql}),
+        dateType());
 }
 
 Term dateTimeFromParts(const FunctionCall& call)
@@ -122,9 +152,18 @@ Term dateTimeFromParts(const FunctionCall& call)
     return resultTerm("t_datetimefromparts(" + arguments + ")", dateTimeType());
 }
 
-Term getDate(const FunctionCall& call) { return call.translator().global("getdate()", dateTimeType(), false); }
-Term getUtcDate(const FunctionCall& call) { return call.translator().global("getutcdate()", dateTimeType(), false); }
-Term sysDateTime(const FunctionCall& call) { return call.translator().global("sysdatetime()", dateTime2(7), false); }
+Term getDate(const FunctionCall& call)
+{
+    return call.translator().global("getdate()", dateTimeType(), false);
+}
+Term getUtcDate(const FunctionCall& call)
+{
+    return call.translator().global("getutcdate()", dateTimeType(), false);
+}
+Term sysDateTime(const FunctionCall& call)
+{
+    return call.translator().global("sysdatetime()", dateTime2(7), false);
+}
 Term sysUtcDateTime(const FunctionCall& call)
 {
     return call.translator().global("sysutcdatetime()", dateTime2(7), false);
@@ -157,6 +196,9 @@ constexpr FunctionEntry entries[] = {
 
 } // namespace
 
-std::span<const FunctionEntry> dateFunctionEntries() { return entries; }
+std::span<const FunctionEntry> dateFunctionEntries()
+{
+    return entries;
+}
 
 } // namespace practice

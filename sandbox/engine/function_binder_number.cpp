@@ -10,7 +10,8 @@ Term numeric(const FunctionCall& call, std::size_t i, const char* function)
 {
     const Term given = call.term(i);
     if (isCharacter(given.type.id) || given.type.id == TypeId::Null)
-        return convertTerm(given, given.type.id == TypeId::Null ? intType() : floatType(), Conversion::Implicit);
+        return convertTerm(given, given.type.id == TypeId::Null ? intType() : floatType(),
+                           Conversion::Implicit);
     if (isBinary(given.type.id))
         return convertTerm(given, intType(), Conversion::Implicit);
     if (!isNumeric(given.type.id))
@@ -38,13 +39,15 @@ Term widened(const Term& term)
 Term absolute(const FunctionCall& call)
 {
     const Term number = widened(numeric(call, 0, "abs"));
-    return resultTerm(callText("t_abs", {number.sql, typeArgument(number.type)}), number.type, number.nullable);
+    return resultTerm(callText("t_abs", {number.sql, typeArgument(number.type)}), number.type,
+                      number.nullable);
 }
 
 Term sign(const FunctionCall& call)
 {
     const Term number = widened(numeric(call, 0, "sign"));
-    return resultTerm(callText("t_sign", {number.sql, typeArgument(number.type)}), number.type, number.nullable);
+    return resultTerm(callText("t_sign", {number.sql, typeArgument(number.type)}), number.type,
+                      number.nullable);
 }
 
 Term whole(const FunctionCall& call, const char* function, const char* name)
@@ -57,15 +60,22 @@ Term whole(const FunctionCall& call, const char* function, const char* name)
                       number.nullable);
 }
 
-Term ceiling(const FunctionCall& call) { return whole(call, "t_ceiling", "ceiling"); }
-Term floorOf(const FunctionCall& call) { return whole(call, "t_floor", "floor"); }
+Term ceiling(const FunctionCall& call)
+{
+    return whole(call, "t_ceiling", "ceiling");
+}
+Term floorOf(const FunctionCall& call)
+{
+    return whole(call, "t_floor", "floor");
+}
 
 Term round(const FunctionCall& call)
 {
     const Term number = widened(numeric(call, 0, "round"));
     const std::string truncate = call.has(2) ? call.integer(2).sql : "0";
-    return resultTerm(callText("t_round", {number.sql, call.integer(1).sql, truncate, typeArgument(number.type)}),
-                      number.type, true);
+    return resultTerm(
+        callText("t_round", {number.sql, call.integer(1).sql, truncate, typeArgument(number.type)}),
+        number.type, true);
 }
 
 Term power(const FunctionCall& call)
@@ -99,11 +109,18 @@ Term inOwnType(const FunctionCall& call, const char* function, const char* name)
 {
     const Term number = widened(numeric(call, 0, name));
     const Term real = convertTerm(number, floatType(), Conversion::Implicit);
-    return convertTerm(resultTerm(callText(function, {real.sql}), floatType()), number.type, Conversion::Explicit);
+    return convertTerm(resultTerm(callText(function, {real.sql}), floatType()), number.type,
+                       Conversion::Explicit);
 }
 
-Term degrees(const FunctionCall& call) { return inOwnType(call, "t_degrees", "degrees"); }
-Term radians(const FunctionCall& call) { return inOwnType(call, "t_radians", "radians"); }
+Term degrees(const FunctionCall& call)
+{
+    return inOwnType(call, "t_degrees", "degrees");
+}
+Term radians(const FunctionCall& call)
+{
+    return inOwnType(call, "t_radians", "radians");
+}
 
 Term logarithm(const FunctionCall& call)
 {
@@ -117,7 +134,10 @@ Term arcTangent2(const FunctionCall& call)
     return resultTerm(callText("t_atn2", {call.real(0).sql, call.real(1).sql}), floatType());
 }
 
-Term pi(const FunctionCall&) { return constantTerm(Value{3.141592653589793, {}}, floatType()); }
+Term pi(const FunctionCall&)
+{
+    return constantTerm(Value{3.141592653589793, {}}, floatType());
+}
 
 Term random(const FunctionCall& call)
 {
@@ -165,6 +185,9 @@ constexpr FunctionEntry entries[] = {
 
 } // namespace
 
-std::span<const FunctionEntry> numberFunctionEntries() { return entries; }
+std::span<const FunctionEntry> numberFunctionEntries()
+{
+    return entries;
+}
 
 } // namespace practice

@@ -18,9 +18,9 @@ Term asked(const FunctionCall& call, const char* function, const SqlType& type)
     for (std::size_t i = 0; i < call.count(); ++i) {
         const Term given = call.term(i);
         const Term usable = isInteger(given.type.id) || isCharacter(given.type.id) ? given
-                            : isNumeric(given.type.id)                              ? call.integer(i)
-                            : isBinary(given.type.id)                               ? given
-                                                                                    : call.text(i);
+                            : isNumeric(given.type.id)                             ? call.integer(i)
+                            : isBinary(given.type.id)                              ? given
+                                                                                   : call.text(i);
         arguments += (i == 0 ? "" : ",") + usable.sql;
     }
     return resultTerm(std::string(function) + "(" + arguments + ")", type);
@@ -51,7 +51,8 @@ Term coalesce(const FunctionCall& call)
         raise(4127);
     Term result = resultTerm("coalesce(", type);
     for (const Term& value : values) {
-        result.sql += (&value == values.data() ? "" : ",") + convertTerm(value, type, Conversion::Implicit).sql;
+        result.sql +=
+            (&value == values.data() ? "" : ",") + convertTerm(value, type, Conversion::Implicit).sql;
         result.nullable = result.nullable && value.nullable;
         if (isCharacter(value.type.id) && isCharacter(type.id)) {
             const Term merged = mergedCollation(result, value, "coalesce");
@@ -86,7 +87,8 @@ Term choose(const FunctionCall& call)
     const SqlType type = commonType(values);
     std::string text = "CASE " + place.sql;
     for (std::size_t i = 0; i < values.size(); ++i)
-        text += " WHEN " + std::to_string(i + 1) + " THEN " + convertTerm(values[i], type, Conversion::Implicit).sql;
+        text += " WHEN " + std::to_string(i + 1) + " THEN " +
+                convertTerm(values[i], type, Conversion::Implicit).sql;
     return resultTerm(text + " END", type);
 }
 
@@ -104,22 +106,40 @@ Term checksum(const FunctionCall& call)
     return resultTerm("t_checksum(" + arguments + ")", intType(), false);
 }
 
-Term newId(const FunctionCall&) { return resultTerm("t_newid()", {TypeId::UniqueIdentifier, 16}, false); }
+Term newId(const FunctionCall&)
+{
+    return resultTerm("t_newid()", {TypeId::UniqueIdentifier, 16}, false);
+}
 
 constexpr SqlType widestNumeric{TypeId::Numeric, 17, 38, 0};
 
-Term scopeIdentity(const FunctionCall& call) { return known(call, "scope_identity()", widestNumeric); }
+Term scopeIdentity(const FunctionCall& call)
+{
+    return known(call, "scope_identity()", widestNumeric);
+}
 
 Term identity(const FunctionCall& call, const char* function)
 {
     return convertTerm(asked(call, function, bigIntType()), widestNumeric, Conversion::Implicit);
 }
 
-Term identCurrent(const FunctionCall& call) { return identity(call, "s_ident_current"); }
-Term identSeed(const FunctionCall& call) { return identity(call, "s_ident_seed"); }
-Term identIncrement(const FunctionCall& call) { return identity(call, "s_ident_incr"); }
+Term identCurrent(const FunctionCall& call)
+{
+    return identity(call, "s_ident_current");
+}
+Term identSeed(const FunctionCall& call)
+{
+    return identity(call, "s_ident_seed");
+}
+Term identIncrement(const FunctionCall& call)
+{
+    return identity(call, "s_ident_incr");
+}
 
-Term grouping(const FunctionCall&) { return integerTerm(0); }
+Term grouping(const FunctionCall&)
+{
+    return integerTerm(0);
+}
 
 template <const char* const& name, TypeId id, int length>
 Term sessionValue(const FunctionCall& call)
@@ -275,6 +295,9 @@ constexpr FunctionEntry entries[] = {
 
 } // namespace
 
-std::span<const FunctionEntry> systemFunctionEntries() { return entries; }
+std::span<const FunctionEntry> systemFunctionEntries()
+{
+    return entries;
+}
 
 } // namespace practice

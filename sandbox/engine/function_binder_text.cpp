@@ -8,11 +8,20 @@ namespace practice {
 
 namespace {
 
-int longest(const SqlType& type) { return isUnicode(type.id) ? 4000 : 8000; }
+int longest(const SqlType& type)
+{
+    return isUnicode(type.id) ? 4000 : 8000;
+}
 
-const char* caseArgument(const Term& term) { return isCaseSensitive(term.collation) ? "1" : "0"; }
+const char* caseArgument(const Term& term)
+{
+    return isCaseSensitive(term.collation) ? "1" : "0";
+}
 
-bool isBytes(const Term& term) { return isBinary(term.type.id); }
+bool isBytes(const Term& term)
+{
+    return isBinary(term.type.id);
+}
 
 /// function(text) with a text of the same kind as its result.
 template <const char* const& function>
@@ -44,8 +53,8 @@ Term dataLength(const FunctionCall& call)
 {
     const Term given = call.term(0);
     const bool big = given.type.length == maxLength;
-    return resultTerm(callText("t_datalength", {given.sql, typeArgument(given.type)}), big ? bigIntType() : intType(),
-                      given.nullable);
+    return resultTerm(callText("t_datalength", {given.sql, typeArgument(given.type)}),
+                      big ? bigIntType() : intType(), given.nullable);
 }
 
 Term substring(const FunctionCall& call)
@@ -54,7 +63,8 @@ Term substring(const FunctionCall& call)
     const Term start = call.integer(1);
     const Term count = call.integer(2);
     const auto known = constantInteger(count);
-    const int room = known && *known >= 0 && *known < longest(given.type) ? static_cast<int>(*known) : given.type.length;
+    const int room =
+        known && *known >= 0 && *known < longest(given.type) ? static_cast<int>(*known) : given.type.length;
     if (isBytes(given)) {
         return resultTerm(callText("t_bsubstring", {given.sql, start.sql, count.sql}),
                           {TypeId::VarBinary, std::max(1, room)});
@@ -78,8 +88,14 @@ Term edge(const FunctionCall& call, const char* function)
     return textResult(callText(function, {text.sql, count.sql}), text, room);
 }
 
-Term left(const FunctionCall& call) { return edge(call, "t_left"); }
-Term right(const FunctionCall& call) { return edge(call, "t_right"); }
+Term left(const FunctionCall& call)
+{
+    return edge(call, "t_left");
+}
+Term right(const FunctionCall& call)
+{
+    return edge(call, "t_right");
+}
 
 Term trim(const FunctionCall& call)
 {
@@ -111,8 +127,9 @@ Term stuff(const FunctionCall& call)
     const int length = text.type.length == maxLength || insertion.type.length == maxLength
                            ? maxLength
                            : text.type.length + insertion.type.length;
-    return textResult(callText("t_stuff", {text.sql, call.integer(1).sql, call.integer(2).sql, insertion.sql}), like,
-                      length);
+    return textResult(
+        callText("t_stuff", {text.sql, call.integer(1).sql, call.integer(2).sql, insertion.sql}), like,
+        length);
 }
 
 Term charIndex(const FunctionCall& call)
@@ -175,8 +192,14 @@ Term nationalCharacter(const FunctionCall& call)
     return resultTerm(callText("t_nchar", {call.integer(0).sql}), {TypeId::NChar, 1});
 }
 
-Term ascii(const FunctionCall& call) { return resultTerm(callText("t_ascii", {call.text(0).sql}), intType()); }
-Term unicode(const FunctionCall& call) { return resultTerm(callText("t_unicode", {call.text(0).sql}), intType()); }
+Term ascii(const FunctionCall& call)
+{
+    return resultTerm(callText("t_ascii", {call.text(0).sql}), intType());
+}
+Term unicode(const FunctionCall& call)
+{
+    return resultTerm(callText("t_unicode", {call.text(0).sql}), intType());
+}
 
 Term quoteName(const FunctionCall& call)
 {
@@ -200,8 +223,9 @@ Joined joinedTexts(const FunctionCall& call, std::size_t from)
         joined.arguments += "," + text.sql;
         if (isUnicode(text.type.id))
             joined.like.type.id = TypeId::NVarChar;
-        joined.length = joined.length == maxLength || text.type.length == maxLength ? maxLength
-                                                                                     : joined.length + text.type.length;
+        joined.length = joined.length == maxLength || text.type.length == maxLength
+                            ? maxLength
+                            : joined.length + text.type.length;
     }
     return joined;
 }
@@ -271,6 +295,9 @@ constexpr FunctionEntry entries[] = {
 
 } // namespace
 
-std::span<const FunctionEntry> textFunctionEntries() { return entries; }
+std::span<const FunctionEntry> textFunctionEntries()
+{
+    return entries;
+}
 
 } // namespace practice

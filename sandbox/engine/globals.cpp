@@ -60,8 +60,9 @@ constexpr GlobalVariable globals[] = {
 
 const SqlType* globalVariableType(std::string_view wanted)
 {
-    const auto* found = std::lower_bound(std::begin(globals), std::end(globals), wanted,
-                                         [](const GlobalVariable& global, std::string_view key) { return global.name < key; });
+    const auto* found = std::lower_bound(
+        std::begin(globals), std::end(globals), wanted,
+        [](const GlobalVariable& global, std::string_view key) { return global.name < key; });
     return found != std::end(globals) && found->name == wanted ? &found->type : nullptr;
 }
 

@@ -36,15 +36,17 @@ struct Assigned
     std::string sql; ///< over the source's columns
 };
 
-bool isFilledByServer(const Column& column) { return column.computed || column.type.id == TypeId::Timestamp; }
+bool isFilledByServer(const Column& column)
+{
+    return column.computed || column.type.id == TypeId::Timestamp;
+}
 
 class InsertBinder
 {
 public:
     InsertBinder(SessionState& session, const ast::InsertStatement& statement)
         : session_(session), statement_(statement), translator_(session.bindContext())
-    {
-    }
+    {}
 
     std::unique_ptr<InsertPlan> bind();
     /// The same for rows that come from outside: INSERT ... EXEC.
@@ -162,7 +164,8 @@ void InsertBinder::bindQuery()
     countValues(query.columns.size(), 120, 121);
     for (std::size_t i = 0; i < targets_.size(); ++i) {
         refuseExplicit(*targets_[i]);
-        const Term value = resultTerm("s.k" + std::to_string(i + 1), query.columns[i].type, query.columns[i].nullable);
+        const Term value =
+            resultTerm("s.k" + std::to_string(i + 1), query.columns[i].type, query.columns[i].nullable);
         converted_.push_back(
             required(*targets_[i], convertTerm(value, targets_[i]->type, Conversion::Assignment)));
     }
@@ -191,7 +194,8 @@ void InsertBinder::finish()
                 raise(545, {table.name});
             plan_->generated = &column;
         }
-        if (!column.identity && column.nullable && column.defaultText.empty() && column.type.id != TypeId::Timestamp)
+        if (!column.identity && column.nullable && column.defaultText.empty() &&
+            column.type.id != TypeId::Timestamp)
             continue;
         rest.push_back({&column, defaultOf(column)});
     }
@@ -227,7 +231,8 @@ void InsertBinder::finish()
         source = "SELECT * FROM (" + source + ") LIMIT " + callText("t_rowlimit", {count.sql});
     }
     const std::string target = "INSERT INTO " + storageTable(table.databaseId, table.id);
-    const std::string text = names.empty() ? target + " DEFAULT VALUES" : target + " (" + names + ") " + source;
+    const std::string text =
+        names.empty() ? target + " DEFAULT VALUES" : target + " (" + names + ") " + source;
     plan_->sourceSql = source;
     plan_->insert = Statement(session_.connection(), text, true);
     plan_->slots = translator_.parameters();
@@ -273,7 +278,8 @@ std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>
     for (std::size_t i = 0; i < targets_.size(); ++i) {
         refuseExplicit(*targets_[i]);
         const Term value = resultTerm("?" + std::to_string(i + 1), given[i].type);
-        rows_.front().push_back(required(*targets_[i], convertTerm(value, targets_[i]->type, Conversion::Assignment)));
+        rows_.front().push_back(
+            required(*targets_[i], convertTerm(value, targets_[i]->type, Conversion::Assignment)));
     }
     finish();
     return std::move(plan_);
@@ -290,7 +296,8 @@ std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>
         if (at == plan.columns.end())
             raiseDuplicate(session, table, index, {});
         places.push_back(static_cast<std::size_t>(at - plan.columns.begin()));
-        match += (match.empty() ? "" : " AND ") + storageColumn(key.columnId) + " IS ?" + std::to_string(places.size());
+        match += (match.empty() ? "" : " AND ") + storageColumn(key.columnId) + " IS ?" +
+                 std::to_string(places.size());
     }
     Statement rows(session.connection(), plan.sourceSql);
     session.bindSlots(rows.handle(), plan.slots);
@@ -305,7 +312,8 @@ std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>
             const int column = static_cast<int>(places[i]);
             const SqlType& type = table.column(index.keys[i].columnId)->type;
             decodeColumn(rows.handle(), column, type, values[i]);
-            sqlite3_bind_value(present.handle(), static_cast<int>(i + 1), sqlite3_column_value(rows.handle(), column));
+            sqlite3_bind_value(present.handle(), static_cast<int>(i + 1),
+                               sqlite3_column_value(rows.handle(), column));
             std::string text = values[i].isNull() ? "" : toText(values[i], type);
             key += foldName(text.erase(text.find_last_not_of(' ') + 1)) + '\x1f';
         }
@@ -319,7 +327,8 @@ std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>
 
 std::int64_t highestRow(SessionState& session, const Object& table)
 {
-    Statement highest(session.connection(), "SELECT max(rowid) FROM " + storageTable(table.databaseId, table.id));
+    Statement highest(session.connection(),
+                      "SELECT max(rowid) FROM " + storageTable(table.databaseId, table.id));
     return highest.step() ? highest.integer(0) : 0;
 }
 
@@ -364,9 +373,9 @@ void keepIdentity(SessionState& session, const InsertPlan& plan, std::int64_t fi
         return;
     const bool rising = plan.explicitIdentity->identity->increment > 0;
     const std::string column = storageColumn(plan.explicitIdentity->id);
-    Statement extreme(session.connection(), "SELECT " + std::string(rising ? "max(" : "min(") + column + ") FROM " +
-                                                storageTable(plan.table->databaseId, plan.table->id) +
-                                                " WHERE rowid > ?1");
+    Statement extreme(session.connection(),
+                      "SELECT " + std::string(rising ? "max(" : "min(") + column + ") FROM " +
+                          storageTable(plan.table->databaseId, plan.table->id) + " WHERE rowid > ?1");
     extreme.bind(1, firstRow);
     if (!extreme.step() || extreme.isNull(0))
         return;
@@ -398,7 +407,8 @@ InsertPlan& planInsert(SessionState& session, const ast::InsertStatement& statem
     if (auto* known = session.findPlan<InsertPlan>(&statement)) {
         const bool explicitWanted = known->explicitIdentity != nullptr;
         // What IDENTITY_INSERT says is no part of the catalog.
-        if (acceptsIdentity(session, *known->table) == explicitWanted || known->table->identityColumn() == nullptr)
+        if (acceptsIdentity(session, *known->table) == explicitWanted ||
+            known->table->identityColumn() == nullptr)
             return *known;
     }
     return session.keepPlan(&statement, InsertBinder(session, statement).bind());
@@ -433,8 +443,8 @@ void executeInsert(SessionState& session, const ast::InsertStatement& statement)
     session.done(rows, insertCommand);
 }
 
-void addRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
-             const std::vector<std::vector<Value>>& given)
+void addRows(SessionState& session, const ast::InsertStatement& statement,
+             const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& given)
 {
     if (given.empty())
         return;
@@ -450,8 +460,8 @@ void addRows(SessionState& session, const ast::InsertStatement& statement, const
     keepIdentity(session, *plan, firstRow);
 }
 
-void insertRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
-                const std::vector<std::vector<Value>>& given)
+void insertRows(SessionState& session, const ast::InsertStatement& statement,
+                const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& given)
 {
     const std::uint64_t rows = session.atomically([&session, &statement, &columns, &given] {
         addRows(session, statement, columns, given);

@@ -19,7 +19,8 @@ constexpr int deepestNesting = 32;
 /// Faults of binding end the module that they stand in; what ends the batch ends its transaction too.
 bool endsTransaction(int number)
 {
-    static constexpr std::array numbers = {235, 241, 242, 244, 245, 248, 295, 1205, 3609, 8114, 8169, 9420, 9436};
+    static constexpr std::array numbers = {235,  241,  242,  244,  245,  248, 295,
+                                           1205, 3609, 8114, 8169, 9420, 9436};
     return std::binary_search(numbers.begin(), numbers.end(), number);
 }
 
@@ -42,7 +43,8 @@ bool changesData(const ast::Statement& statement)
 /// Errors of running, as opposed to those of binding, end a change with message 3621.
 bool terminates(int number)
 {
-    static constexpr std::array numbers = {512, 515, 517, 530, 535, 544, 547, 550, 2601, 2627, 3623, 8115, 8134, 8152};
+    static constexpr std::array numbers = {512, 515,  517,  530,  535,  544,  547,
+                                           550, 2601, 2627, 3623, 8115, 8134, 8152};
     return std::binary_search(numbers.begin(), numbers.end(), number);
 }
 
@@ -158,7 +160,8 @@ void Interpreter::report(const Message& message, bool data)
         session_.sendMessage(makeMessage(3621));
     session_.done(std::nullopt, 0, true);
     const bool aborted = abortsBatch(message.number);
-    const bool all = endsTransaction(message.number) || (session_.options().xactAbort && !aborted && message.number != 50000);
+    const bool all = endsTransaction(message.number) ||
+                     (session_.options().xactAbort && !aborted && message.number != 50000);
     if (all && session_.transactionCount() > 0)
         session_.rollbackAll();
     if (all)
@@ -196,10 +199,10 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
         throw Cancelled{};
     session_.frame().line = static_cast<int>(statement.source.line);
     session_.beginStatement();
-    const bool structured = statement.kind == Kind::If || statement.kind == Kind::While || statement.kind == Kind::Block ||
-                            statement.kind == Kind::TryCatch || statement.kind == Kind::Return ||
-                            statement.kind == Kind::Break || statement.kind == Kind::Continue ||
-                            statement.kind == Kind::Goto || statement.kind == Kind::Label;
+    const bool structured =
+        statement.kind == Kind::If || statement.kind == Kind::While || statement.kind == Kind::Block ||
+        statement.kind == Kind::TryCatch || statement.kind == Kind::Return || statement.kind == Kind::Break ||
+        statement.kind == Kind::Continue || statement.kind == Kind::Goto || statement.kind == Kind::Label;
     if (structured)
         return controlled(statement);
     guarded(statement, [this, &statement] { simple(statement); });
@@ -307,7 +310,8 @@ void Interpreter::simple(const ast::Statement& node)
         return executeSelect(session_, ast::as<ast::SelectStatement>(node));
     case Kind::Insert: {
         const auto& insert = ast::as<ast::InsertStatement>(node);
-        return insert.sourceKind == ast::InsertSource::Execute ? insertRowsOf(insert) : executeInsert(session_, insert);
+        return insert.sourceKind == ast::InsertSource::Execute ? insertRowsOf(insert)
+                                                               : executeInsert(session_, insert);
     }
     case Kind::Update:
         return executeUpdate(session_, ast::as<ast::UpdateStatement>(node));
@@ -457,7 +461,8 @@ void Interpreter::throwMessage(const ast::ThrowStatement& node)
         throw SqlError{session_.frame().caught.back()};
     }
     Message message;
-    message.number = static_cast<int>(std::get<std::int64_t>(session_.evaluate(*node.number, intType()).data));
+    message.number =
+        static_cast<int>(std::get<std::int64_t>(session_.evaluate(*node.number, intType()).data));
     const Value text = session_.evaluate(*node.message, nVarCharType(2048));
     message.text = text.isNull() ? "" : std::get<std::string>(text.data);
     const Value state = session_.evaluate(*node.state, intType());

@@ -31,15 +31,20 @@ public:
                              std::vector<Parameter>& arguments);
 
 private:
-    enum class Flow : std::uint8_t { Next, Break, Continue, Return, Goto };
+    enum class Flow : std::uint8_t
+    {
+        Next,
+        Break,
+        Continue,
+        Return,
+        Goto
+    };
 
     /// A fault took the whole batch, or only the module that it happened in.
     struct BatchAborted
-    {
-    };
+    {};
     struct ScopeAborted
-    {
-    };
+    {};
 
     Flow run(const ast::StatementList& statements);
     Flow statement(const ast::Statement& statement);
@@ -73,7 +78,8 @@ private:
     int systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known);
     int prepareText(std::vector<Parameter>& arguments, bool execute);
     int executeSql(std::vector<Parameter>& arguments);
-    void runPrepared(const std::string& declarations, const std::string& text, std::vector<Parameter>& values);
+    void runPrepared(const std::string& declarations, const std::string& text,
+                     std::vector<Parameter>& values);
     void insertRowsOf(const ast::InsertStatement& statement);
 
     SessionState& session_;

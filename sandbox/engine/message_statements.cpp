@@ -48,8 +48,7 @@ class Formatter
 public:
     Formatter(SessionState& session, const std::vector<ast::ExpressionPtr>& arguments)
         : session_(session), arguments_(arguments)
-    {
-    }
+    {}
 
     std::string format(std::string_view text)
     {
@@ -91,7 +90,8 @@ private:
             ++at;
             precision = digits();
         }
-        while (at < text.size() && (text[at] == 'l' || text[at] == 'h' || text[at] == 'I' || text[at] == '6' || text[at] == '4'))
+        while (at < text.size() &&
+               (text[at] == 'l' || text[at] == 'h' || text[at] == 'I' || text[at] == '6' || text[at] == '4'))
             ++at;
         if (at == text.size())
             raise(2787, {std::string(text.substr(start))});
@@ -221,7 +221,8 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
     Message message;
     message.number = 2528;
     message.severity = 0;
-    message.text = "DBCC execution completed. If DBCC printed error messages, contact your system administrator.";
+    message.text =
+        "DBCC execution completed. If DBCC printed error messages, contact your system administrator.";
     session.sendMessage(message);
     session.done(std::nullopt, 0);
 }

@@ -12,7 +12,10 @@ namespace practice {
 
 namespace {
 
-[[noreturn]] void overflow(const SqlType& type) { raise(8115, {isDecimal(type.id) ? "numeric" : typeName(type.id)}); }
+[[noreturn]] void overflow(const SqlType& type)
+{
+    raise(8115, {isDecimal(type.id) ? "numeric" : typeName(type.id)});
+}
 
 void decimalResult(const Call& call, const std::optional<Decimal>& value, const SqlType& type)
 {
@@ -66,8 +69,14 @@ void toWhole(const Call& call, bool up)
     call.result(value, resultType);
 }
 
-void ceiling(const Call& call) { toWhole(call, true); }
-void floorOf(const Call& call) { toWhole(call, false); }
+void ceiling(const Call& call)
+{
+    toWhole(call, true);
+}
+void floorOf(const Call& call)
+{
+    toWhole(call, false);
+}
 
 /// To `places` digits behind the point, before it when negative.
 std::optional<Decimal> rounded(const Decimal& value, std::int64_t places, bool truncate)
@@ -146,23 +155,71 @@ void apply(const Call& call)
     realResult(call, function(call.real(0)));
 }
 
-double logarithm(double x) { return x <= 0 ? std::nan("") : std::log(x); }
-double logarithm10(double x) { return x <= 0 ? std::nan("") : std::log10(x); }
-double square(double x) { return x * x; }
-double cotangent(double x) { return 1 / std::tan(x); }
-double degrees(double x) { return x * 180 / std::numbers::pi; }
-double radians(double x) { return x * std::numbers::pi / 180; }
-double squareRoot(double x) { return std::sqrt(x); }
-double exponential(double x) { return std::exp(x); }
-double sine(double x) { return std::sin(x); }
-double cosine(double x) { return std::cos(x); }
-double tangent(double x) { return std::tan(x); }
-double arcSine(double x) { return std::asin(x); }
-double arcCosine(double x) { return std::acos(x); }
-double arcTangent(double x) { return std::atan(x); }
+double logarithm(double x)
+{
+    return x <= 0 ? std::nan("") : std::log(x);
+}
+double logarithm10(double x)
+{
+    return x <= 0 ? std::nan("") : std::log10(x);
+}
+double square(double x)
+{
+    return x * x;
+}
+double cotangent(double x)
+{
+    return 1 / std::tan(x);
+}
+double degrees(double x)
+{
+    return x * 180 / std::numbers::pi;
+}
+double radians(double x)
+{
+    return x * std::numbers::pi / 180;
+}
+double squareRoot(double x)
+{
+    return std::sqrt(x);
+}
+double exponential(double x)
+{
+    return std::exp(x);
+}
+double sine(double x)
+{
+    return std::sin(x);
+}
+double cosine(double x)
+{
+    return std::cos(x);
+}
+double tangent(double x)
+{
+    return std::tan(x);
+}
+double arcSine(double x)
+{
+    return std::asin(x);
+}
+double arcCosine(double x)
+{
+    return std::acos(x);
+}
+double arcTangent(double x)
+{
+    return std::atan(x);
+}
 
-void power(const Call& call) { realResult(call, std::pow(call.real(0), call.real(1))); }
-void arcTangent2(const Call& call) { realResult(call, std::atan2(call.real(0), call.real(1))); }
+void power(const Call& call)
+{
+    realResult(call, std::pow(call.real(0), call.real(1)));
+}
+void arcTangent2(const Call& call)
+{
+    realResult(call, std::atan2(call.real(0), call.real(1)));
+}
 void logarithmToBase(const Call& call)
 {
     realResult(call, logarithm(call.real(0)) / logarithm(call.real(1)));

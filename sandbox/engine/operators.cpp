@@ -45,19 +45,34 @@ const char* symbol(Operator op)
     raise(402, {typeName(left.type.id), typeName(right.type.id), wording(op)});
 }
 
-[[noreturn]] void invalidOperand(Operator op, TypeId id) { raise(8117, {typeName(id), wording(op)}); }
+[[noreturn]] void invalidOperand(Operator op, TypeId id)
+{
+    raise(8117, {typeName(id), wording(op)});
+}
 
-bool isPlainText(TypeId id) { return isCharacter(id) && !isLegacyLob(id); }
-bool isPlainBytes(TypeId id) { return isBinary(id) && id != TypeId::Image; }
+bool isPlainText(TypeId id)
+{
+    return isCharacter(id) && !isLegacyLob(id);
+}
+bool isPlainBytes(TypeId id)
+{
+    return isBinary(id) && id != TypeId::Image;
+}
 
-bool eitherNullable(const Term& left, const Term& right) { return left.nullable || right.nullable; }
+bool eitherNullable(const Term& left, const Term& right)
+{
+    return left.nullable || right.nullable;
+}
 
 Term concatenated(const Term& left, const Term& right)
 {
     SqlType type = commonType(left, right);
     const bool text = isCharacter(type.id);
     const auto lengthOf = [&type](const Term& term) {
-        return term.type.id == TypeId::Null ? 1 : term.type.id == type.id || isCharacter(term.type.id) == isCharacter(type.id) ? term.type.length : type.length;
+        return term.type.id == TypeId::Null ? 1
+               : term.type.id == type.id || isCharacter(term.type.id) == isCharacter(type.id)
+                   ? term.type.length
+                   : type.length;
     };
     const int limit = isUnicode(type.id) ? 4000 : 8000;
     const bool unlimited = left.type.length == maxLength || right.type.length == maxLength;
@@ -67,7 +82,9 @@ Term concatenated(const Term& left, const Term& right)
         type.id = TypeId::VarBinary;
     type.length = unlimited ? maxLength : limit;
     const auto prepared = [&type](const Term& term) {
-        return isCharacter(term.type.id) && !isLegacyLob(term.type.id) ? term : convertTerm(term, type, Conversion::Implicit);
+        return isCharacter(term.type.id) && !isLegacyLob(term.type.id)
+                   ? term
+                   : convertTerm(term, type, Conversion::Implicit);
     };
     const Term a = prepared(left);
     const Term b = prepared(right);
@@ -165,7 +182,8 @@ Term floatArithmetic(Operator op, const Term& left, const Term& right, const Sql
     if (op == Operator::Divide)
         return resultTerm(callText("t_divf", {a.sql, b.sql}), type, nullable);
     const std::string text = a.sql + symbol(op) + b.sql;
-    return resultTerm(op == Operator::Multiply ? callText("t_fin", {text}) : "(" + text + ")", type, nullable);
+    return resultTerm(op == Operator::Multiply ? callText("t_fin", {text}) : "(" + text + ")", type,
+                      nullable);
 }
 
 Term dateArithmetic(Operator op, const Term& left, const Term& right)
@@ -176,7 +194,8 @@ Term dateArithmetic(Operator op, const Term& left, const Term& right)
     if (id != TypeId::DateTime && id != TypeId::SmallDateTime) {
         if (isNumeric(left.type.id) || isNumeric(right.type.id))
             raise(206, {typeName(left.type.id), typeName(right.type.id)});
-        isDateTime(left.type.id) && isDateTime(right.type.id) ? incompatible(op, left, right) : invalidOperand(op, id);
+        isDateTime(left.type.id) && isDateTime(right.type.id) ? incompatible(op, left, right)
+                                                              : invalidOperand(op, id);
     }
     const SqlType type = defaultType(id, true);
     const auto asDays = [&type](const Term& term) {
@@ -186,9 +205,9 @@ Term dateArithmetic(Operator op, const Term& left, const Term& right)
         return callText("t_days", {date.sql, typeArgument(type)});
     };
     const Term base = convertTerm(left, type, Conversion::Implicit);
-    return resultTerm(callText("t_dtadd", {base.sql, asDays(right), op == Operator::Add ? "1" : "-1",
-                                           typeArgument(type)}),
-                      type, eitherNullable(left, right));
+    return resultTerm(
+        callText("t_dtadd", {base.sql, asDays(right), op == Operator::Add ? "1" : "-1", typeArgument(type)}),
+        type, eitherNullable(left, right));
 }
 
 Term bitArithmetic(Operator op, const Term& left, const Term& right)

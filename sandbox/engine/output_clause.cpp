@@ -10,7 +10,10 @@ namespace {
 /// Parameters behind any that variables take.
 constexpr int firstOld = 2000;
 
-std::string oldParameter(std::size_t place) { return "?" + std::to_string(firstOld + static_cast<int>(place)); }
+std::string oldParameter(std::size_t place)
+{
+    return "?" + std::to_string(firstOld + static_cast<int>(place));
+}
 
 /// The columns of a row that is no more, as parameters.
 Source oldSource(const ObjectPtr& table, std::string& sql)
@@ -32,12 +35,14 @@ Source oldSource(const ObjectPtr& table, std::string& sql)
 
 } // namespace
 
-OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, const ObjectPtr& table, OutputOf kind)
+OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, const ObjectPtr& table,
+                      OutputOf kind)
 {
     Translator translator(session.bindContext());
     Scope scope;
     const char* name = kind == OutputOf::Deleted ? "deleted" : "inserted";
-    const std::string from = translator.addStoredTable(table, {.exposed = name, .shown = name, .aliased = true}, scope);
+    const std::string from =
+        translator.addStoredTable(table, {.exposed = name, .shown = name, .aliased = true}, scope);
     OutputPlan plan;
     plan.clause = &clause;
     plan.handle = scope.sources.front().handle;
@@ -73,8 +78,8 @@ std::vector<std::vector<Value>> read(SessionState& session, const OutputPlan& pl
                                      std::int64_t row, const OldRow& old)
 {
     const int rowParameter = static_cast<int>(plan.slots.size()) + 1;
-    Statement statement(session.connection(),
-                        plan.sql + " WHERE " + plan.handle + ".rowid " + comparison + " ?" + std::to_string(rowParameter));
+    Statement statement(session.connection(), plan.sql + " WHERE " + plan.handle + ".rowid " + comparison +
+                                                  " ?" + std::to_string(rowParameter));
     session.bindSlots(statement.handle(), plan.slots);
     statement.bind(rowParameter, row);
     const int known = sqlite3_bind_parameter_count(statement.handle());
@@ -99,7 +104,8 @@ std::vector<ColumnInfo> describedColumns(const OutputPlan& plan)
 
 } // namespace
 
-std::vector<std::vector<Value>> insertedOutput(SessionState& session, const OutputPlan& plan, std::int64_t firstRow)
+std::vector<std::vector<Value>> insertedOutput(SessionState& session, const OutputPlan& plan,
+                                               std::int64_t firstRow)
 {
     return read(session, plan, ">", firstRow, {});
 }
@@ -116,7 +122,8 @@ OldRow readOldRow(SessionState& session, const OutputPlan& plan, std::int64_t ro
     return old;
 }
 
-std::vector<Value> rowOutput(SessionState& session, const OutputPlan& plan, std::int64_t row, const OldRow& old)
+std::vector<Value> rowOutput(SessionState& session, const OutputPlan& plan, std::int64_t row,
+                             const OldRow& old)
 {
     auto rows = read(session, plan, "=", row, old);
     return rows.empty() ? std::vector<Value>() : std::move(rows.front());

@@ -5,7 +5,12 @@
 
 namespace practice {
 
-enum class OutputOf : std::uint8_t { Inserted, Deleted, Updated };
+enum class OutputOf : std::uint8_t
+{
+    Inserted,
+    Deleted,
+    Updated
+};
 
 /// A query over the changed table, run row by row.
 struct OutputPlan
@@ -22,8 +27,8 @@ struct OutputPlan
 /// A row before an UPDATE, in the order of the table's stored columns.
 using OldRow = std::vector<std::shared_ptr<sqlite3_value>>;
 
-[[nodiscard]] OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, const ObjectPtr& table,
-                                    OutputOf kind);
+[[nodiscard]] OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause,
+                                    const ObjectPtr& table, OutputOf kind);
 /// The rows behind a place in the table.
 [[nodiscard]] std::vector<std::vector<Value>> insertedOutput(SessionState& session, const OutputPlan& plan,
                                                              std::int64_t firstRow);

@@ -13,7 +13,12 @@ auto parsed(Parse parse)
     try {
         return parse();
     } catch (const SyntaxError& error) {
-        throw SqlError{{.number = error.number, .severity = 15, .state = error.state, .text = error.text, .procedure = {}, .line = error.line}};
+        throw SqlError{{.number = error.number,
+                        .severity = 15,
+                        .state = error.state,
+                        .text = error.text,
+                        .procedure = {},
+                        .line = error.line}};
     }
 }
 
@@ -31,7 +36,8 @@ ast::ExpressionPtr parsedCondition(const std::string& text)
 
 ast::Batch parsedBatch(const std::string& text, bool quotedIdentifier)
 {
-    return parsed([&text, quotedIdentifier] { return parseBatch(text, {.quotedIdentifier = quotedIdentifier}); });
+    return parsed(
+        [&text, quotedIdentifier] { return parseBatch(text, {.quotedIdentifier = quotedIdentifier}); });
 }
 
 } // namespace practice

@@ -25,7 +25,13 @@ std::u32string folded(std::string_view text, bool caseSensitive)
 
 struct Element
 {
-    enum class Kind : std::uint8_t { Character, AnyOne, AnyRun, Set } kind = Kind::Character;
+    enum class Kind : std::uint8_t
+    {
+        Character,
+        AnyOne,
+        AnyRun,
+        Set
+    } kind = Kind::Character;
     char32_t character = 0;
     bool negated = false;
     std::vector<std::pair<char32_t, char32_t>> ranges{};
@@ -185,7 +191,8 @@ void patIndex(const Call& call)
     pattern.erase(pattern.begin());
     for (std::size_t from = 0; from <= text.size(); ++from) {
         if (matches(pattern, std::u32string_view(text).substr(from)))
-            return call.result(from == text.size() && !pattern.empty() ? std::int64_t{0} : unitsBefore(text, from) + 1);
+            return call.result(from == text.size() && !pattern.empty() ? std::int64_t{0}
+                                                                       : unitsBefore(text, from) + 1);
     }
     call.result(0);
 }

@@ -35,9 +35,10 @@ int numberOf(std::string_view name)
 /// 1 granted, -1 denied, 0 nothing said: by the user's own entries and those of its roles.
 int verdict(SessionContext& session, const Object& object, int user, int action)
 {
-    Statement entries(session.connection(),
-                      "SELECT protecttype FROM cat_permission WHERE dbid = ?1 AND id = ?2 AND action = ?3 AND (uid IN "
-                      "(?4, ?5) OR uid IN (SELECT groupuid FROM cat_member WHERE dbid = ?1 AND memberuid = ?4))");
+    Statement entries(
+        session.connection(),
+        "SELECT protecttype FROM cat_permission WHERE dbid = ?1 AND id = ?2 AND action = ?3 AND (uid IN "
+        "(?4, ?5) OR uid IN (SELECT groupuid FROM cat_member WHERE dbid = ?1 AND memberuid = ?4))");
     entries.bind(1, object.databaseId).bind(2, object.id).bind(3, action).bind(4, user).bind(5, publicId);
     int result = 0;
     while (entries.step()) {

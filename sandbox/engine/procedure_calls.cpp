@@ -37,7 +37,8 @@ Parameter* argumentFor(std::vector<Parameter>& arguments, const std::string& nam
     return positional ? &arguments[place] : nullptr;
 }
 
-void requireKnownArguments(const std::string& procedure, const std::vector<ast::ParameterDefinition>& parameters,
+void requireKnownArguments(const std::string& procedure,
+                           const std::vector<ast::ParameterDefinition>& parameters,
                            const std::vector<Parameter>& arguments)
 {
     if (parameters.empty() && !arguments.empty())
@@ -46,14 +47,18 @@ void requireKnownArguments(const std::string& procedure, const std::vector<ast::
         raise(8144, {procedure});
     for (const Parameter& argument : arguments) {
         const bool known = argument.name.empty() ||
-                           std::any_of(parameters.begin(), parameters.end(),
-                                       [&argument](const auto& p) { return sameName(p.name, argument.name); });
+                           std::any_of(parameters.begin(), parameters.end(), [&argument](const auto& p) {
+                               return sameName(p.name, argument.name);
+                           });
         if (!known)
             raise(8145, {argument.name, procedure});
     }
 }
 
-Value textOf(const Parameter& parameter) { return convert(parameter.value, parameter.type, nVarCharType(maxLength)); }
+Value textOf(const Parameter& parameter)
+{
+    return convert(parameter.value, parameter.type, nVarCharType(maxLength));
+}
 
 std::string plainText(const Parameter& parameter)
 {
@@ -80,7 +85,10 @@ std::vector<Declared> declaredParameters(SessionState& session, const std::strin
     return declared;
 }
 
-Parameter handleParameter(int handle) { return {"", intType(), Value{std::int64_t{handle}, {}}, true, false}; }
+Parameter handleParameter(int handle)
+{
+    return {"", intType(), Value{std::int64_t{handle}, {}}, true, false};
+}
 
 int handleOf(const std::vector<Parameter>& arguments)
 {
@@ -122,14 +130,16 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
 int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments)
 {
     bool known = false;
-    const bool maybeSystem = lowerCase(name.object).starts_with("sp_") || lowerCase(name.object).starts_with("xp_");
+    const bool maybeSystem =
+        lowerCase(name.object).starts_with("sp_") || lowerCase(name.object).starts_with("xp_");
     if (maybeSystem) {
         const int status = systemProcedure(name, arguments, known);
         if (known)
             return status;
     }
     Catalog& catalog = session_.catalog();
-    const DatabasePtr database = name.database.empty() ? session_.database() : catalog.database(name.database);
+    const DatabasePtr database =
+        name.database.empty() ? session_.database() : catalog.database(name.database);
     ObjectPtr found;
     if (database)
         found = catalog.object(database->id, name.schema, name.object, session_.user().id);
@@ -199,7 +209,8 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     return status_;
 }
 
-void Interpreter::passArguments(const std::string& procedure, const std::vector<ast::ParameterDefinition>& parameters,
+void Interpreter::passArguments(const std::string& procedure,
+                                const std::vector<ast::ParameterDefinition>& parameters,
                                 std::vector<Parameter>& arguments)
 {
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -228,7 +239,8 @@ void Interpreter::passArguments(const std::string& procedure, const std::vector<
 Variable Interpreter::constantArgument(const ast::Expression& expression)
 {
     if (const auto* literal = ast::tryAs<ast::Literal>(&expression); literal != nullptr && literal->bareWord)
-        return {varCharType(std::max<int>(1, static_cast<int>(literal->text.size()))), Value{literal->text, {}}};
+        return {varCharType(std::max<int>(1, static_cast<int>(literal->text.size()))),
+                Value{literal->text, {}}};
     return session_.evaluate(expression);
 }
 
@@ -269,12 +281,14 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
     if (!node.returnVariable.empty())
         session_.assign(node.returnVariable, Value{std::int64_t{status}, {}}, intType());
     if (session_.transactionCount() != transactions && session_.transactionCount() != 0)
-        session_.sendMessage(makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())}));
+        session_.sendMessage(
+            makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())}));
     if (session_.frame().completion == Completion::Kind::Statement)
         session_.sink().returnStatus(status);
     Completion completion;
-    completion.kind = session_.frame().completion == Completion::Kind::Statement ? Completion::Kind::Procedure
-                                                                                  : Completion::Kind::InProcedure;
+    completion.kind = session_.frame().completion == Completion::Kind::Statement
+                          ? Completion::Kind::Procedure
+                          : Completion::Kind::InProcedure;
     completion.command = executeCommand;
     completion.inTransaction = session_.transactionCount() > 0;
     session_.sink().done(completion);
@@ -318,8 +332,10 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
     }
     // A database prefix makes the procedure work on that database.
     const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
-    const DatabasePtr before = std::exchange(session_.frame().database, wanted ? wanted : session_.frame().database);
-    const Completion::Kind completion = std::exchange(session_.frame().completion, Completion::Kind::InProcedure);
+    const DatabasePtr before =
+        std::exchange(session_.frame().database, wanted ? wanted : session_.frame().database);
+    const Completion::Kind completion =
+        std::exchange(session_.frame().completion, Completion::Kind::InProcedure);
     const auto restore = [this, &before, completion] {
         session_.frame().database = before;
         session_.frame().completion = completion;
@@ -348,7 +364,8 @@ int Interpreter::executeSql(std::vector<Parameter>& arguments)
         raise(201, {"sp_executesql", "@statement"});
     const std::string text = plainText(arguments[0]);
     const std::string declarations = arguments.size() > 1 ? plainText(arguments[1]) : "";
-    std::vector<Parameter> values(arguments.begin() + std::min<std::ptrdiff_t>(2, std::ssize(arguments)), arguments.end());
+    std::vector<Parameter> values(arguments.begin() + std::min<std::ptrdiff_t>(2, std::ssize(arguments)),
+                                  arguments.end());
     runPrepared(declarations, text, values);
     if (arguments.size() > 2)
         std::move(values.begin(), values.end(), arguments.begin() + 2);
@@ -376,7 +393,8 @@ int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
     return 0;
 }
 
-void Interpreter::runPrepared(const std::string& declarations, const std::string& text, std::vector<Parameter>& values)
+void Interpreter::runPrepared(const std::string& declarations, const std::string& text,
+                              std::vector<Parameter>& values)
 {
     const std::vector<Declared> declared = declaredParameters(session_, declarations);
     if (values.size() > declared.size())

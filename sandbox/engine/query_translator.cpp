@@ -16,7 +16,10 @@ struct Item
     std::vector<std::string> loose;
 };
 
-std::string keyName(std::size_t place) { return "k" + std::to_string(place + 1); }
+std::string keyName(std::size_t place)
+{
+    return "k" + std::to_string(place + 1);
+}
 
 QueryColumn columnOf(const Item& item)
 {
@@ -56,8 +59,7 @@ class BlockText
 public:
     BlockText(Translator& translator, const ast::SelectBlock& block, const ast::Query* tail, Scope* outer)
         : translator_(translator), block_(block), tail_(tail), scope_(outer)
-    {
-    }
+    {}
 
     TranslatedQuery translate();
 
@@ -146,7 +148,8 @@ void BlockText::readStar(const ast::SelectItem& item)
         found = true;
         for (const SourceColumn& column : source.columns) {
             Item expanded{column.name, column.term, column.identity, column.stored != nullptr, {}};
-            if (std::find(scope_.groups.begin(), scope_.groups.end(), comparable(column.term)) == scope_.groups.end())
+            if (std::find(scope_.groups.begin(), scope_.groups.end(), comparable(column.term)) ==
+                scope_.groups.end())
                 expanded.loose.push_back(source.shown + "." + column.name);
             items_.push_back(std::move(expanded));
         }
@@ -280,7 +283,8 @@ std::string BlockText::core(const std::string& extraItems) const
     }
     if (!having_.empty()) {
         // SQLite wants a group where SQL Server takes all rows as one.
-        text += (scope_.groups.empty() && !scope_.hasAggregate ? " GROUP BY NULL HAVING " : " HAVING ") + having_;
+        text +=
+            (scope_.groups.empty() && !scope_.hasAggregate ? " GROUP BY NULL HAVING " : " HAVING ") + having_;
     }
     return text;
 }
@@ -326,7 +330,8 @@ std::string BlockText::limited()
     if (block_.top && block_.top->withTies && !ordered)
         raise(1062);
     if (block_.top && block_.top->percent)
-        return ranked(block_.top->withTies ? "rank" : "row_number", "t_percentage(total, " + topCount() + ")");
+        return ranked(block_.top->withTies ? "rank" : "row_number",
+                      "t_percentage(total, " + topCount() + ")");
     if (block_.top && block_.top->withTies)
         return ranked("rank", topCount());
     std::string text = core();
@@ -337,9 +342,9 @@ std::string BlockText::limited()
     if (tail_ != nullptr && tail_->offset) {
         Scope scalar;
         const auto count = [this, &scalar](const ast::ExpressionPtr& node) {
-            return callText("t_rowlimit", {convertTerm(translator_.expression(*node, scalar), bigIntType(),
-                                                       Conversion::Implicit)
-                                               .sql});
+            return callText(
+                "t_rowlimit",
+                {convertTerm(translator_.expression(*node, scalar), bigIntType(), Conversion::Implicit).sql});
         };
         text += " LIMIT " + (tail_->fetch ? count(tail_->fetch) : "-1") + " OFFSET " + count(tail_->offset);
     }
@@ -353,7 +358,10 @@ bool isLimited(const ast::Query& query)
 
 } // namespace
 
-TranslatedQuery Translator::statement(const ast::Query& query) { return this->query(query, nullptr); }
+TranslatedQuery Translator::statement(const ast::Query& query)
+{
+    return this->query(query, nullptr);
+}
 
 TranslatedQuery Translator::subquery(const ast::Query& query, Scope* outer, bool ordered)
 {
@@ -424,7 +432,8 @@ TranslatedQuery Translator::setOperation(const ast::QueryBody& body, Scope* oute
             Term converted = convertTerm(term, to.type, Conversion::Implicit);
             converted.collation = to.collation;
             const bool compared = body.op != ast::SetOperator::UnionAll && isCharacter(to.type.id);
-            list += (i == 0 ? "" : ", ") + (compared ? comparable(converted) : converted.sql) + " AS " + keyName(i);
+            list += (i == 0 ? "" : ", ") + (compared ? comparable(converted) : converted.sql) + " AS " +
+                    keyName(i);
         }
         result.sql += (o == 0 ? "" : words[static_cast<std::size_t>(body.op)]);
         result.sql += "SELECT " + list + " FROM (" + operands[o].sql + ") AS " + handle;

@@ -8,7 +8,10 @@ namespace practice {
 
 namespace {
 
-std::string storedName(const Object& table) { return storageTable(table.databaseId, table.id); }
+std::string storedName(const Object& table)
+{
+    return storageTable(table.databaseId, table.id);
+}
 
 bool contains(const std::vector<int>& columns, int id)
 {
@@ -29,7 +32,8 @@ std::string matchList(const std::vector<int>& columns, const char* comparison)
 {
     std::string list;
     for (std::size_t i = 0; i < columns.size(); ++i)
-        list += (i == 0 ? "" : " AND ") + storageColumn(columns[i]) + comparison + "?" + std::to_string(i + 1);
+        list +=
+            (i == 0 ? "" : " AND ") + storageColumn(columns[i]) + comparison + "?" + std::to_string(i + 1);
     return list;
 }
 
@@ -71,8 +75,8 @@ TableTest::Constraint referenceConstraint(SessionState& session, const ForeignKe
             ownerName(session, child), column == nullptr ? std::string() : column->name};
 }
 
-std::vector<std::int64_t> rowsWithKey(SessionState& session, const Object& child, const std::vector<int>& columns,
-                                      const KeyValues& key)
+std::vector<std::int64_t> rowsWithKey(SessionState& session, const Object& child,
+                                      const std::vector<int>& columns, const KeyValues& key)
 {
     Statement find(session.connection(),
                    "SELECT rowid FROM " + storedName(child) + " WHERE " + matchList(columns, " = "));
@@ -132,14 +136,16 @@ struct LeavingKeys
     std::vector<KeyValues> keys;
 };
 
-std::vector<LeavingKeys> keysReferredTo(SessionState& session, const Object& table, const std::vector<std::int64_t>& rows,
+std::vector<LeavingKeys> keysReferredTo(SessionState& session, const Object& table,
+                                        const std::vector<std::int64_t>& rows,
                                         const std::vector<int>* changed)
 {
     std::vector<LeavingKeys> leaving;
     for (const ForeignKey& reference : table.referencedBy) {
-        const bool touched = changed == nullptr ||
-                             std::any_of(reference.referencedColumns.begin(), reference.referencedColumns.end(),
-                                         [changed](int id) { return contains(*changed, id); });
+        const bool touched =
+            changed == nullptr ||
+            std::any_of(reference.referencedColumns.begin(), reference.referencedColumns.end(),
+                        [changed](int id) { return contains(*changed, id); });
         if (reference.enabled && touched)
             leaving.push_back({&reference, readKeys(session, table, reference.referencedColumns, rows)});
     }
@@ -171,8 +177,9 @@ std::vector<const Index*> uniqueIndexesOver(const Object& table, const std::vect
 {
     std::vector<const Index*> found;
     for (const Index& index : table.indexes) {
-        const bool touched = std::any_of(index.keys.begin(), index.keys.end(),
-                                         [&columns](const IndexKey& key) { return contains(columns, key.columnId); });
+        const bool touched =
+            std::any_of(index.keys.begin(), index.keys.end(),
+                        [&columns](const IndexKey& key) { return contains(columns, key.columnId); });
         if (index.unique && touched)
             found.push_back(&index);
     }
@@ -211,11 +218,12 @@ void setAside(SessionState& session, const Object& table, const std::vector<cons
         const SqlType& type = table.column(key.columnId)->type;
         const auto at = std::find(columns.begin(), columns.end(), key.columnId);
         if (at != columns.end()) {
-            values.push_back(decodeValue(change.values[static_cast<std::size_t>(at - columns.begin())].get(), type));
+            values.push_back(
+                decodeValue(change.values[static_cast<std::size_t>(at - columns.begin())].get(), type));
             continue;
         }
-        Statement read(session.connection(), "SELECT " + storageColumn(key.columnId) + " FROM " + storedName(table) +
-                                                 " WHERE rowid = ?1");
+        Statement read(session.connection(), "SELECT " + storageColumn(key.columnId) + " FROM " +
+                                                 storedName(table) + " WHERE rowid = ?1");
         read.bind(1, change.row);
         values.emplace_back();
         if (read.step())
@@ -234,7 +242,8 @@ void writeChanges(SessionState& session, const Object& table, const std::vector<
         if (column.type.id == TypeId::Timestamp)
             assignments += (assignments.empty() ? "" : ", ") + storageColumn(column.id) + " = s_timestamp()";
     }
-    Statement update(session.connection(), "UPDATE " + storedName(table) + " SET " + assignments + " WHERE rowid = ?1");
+    Statement update(session.connection(),
+                     "UPDATE " + storedName(table) + " SET " + assignments + " WHERE rowid = ?1");
     for (const RowChange& change : changes) {
         update.bind(1, change.row);
         bindKey(update, change.values, 2);
@@ -256,8 +265,8 @@ void testChanges(SessionState& session, const ObjectPtr& table, const std::vecto
     const TableTest test = tableTest(session, table, &columns);
     if (test.empty())
         return;
-    Statement check(session.connection(), "SELECT " + test.sql + " FROM " + storedName(*table) + " AS " + test.handle +
-                                              " WHERE " + test.handle + ".rowid = ?" +
+    Statement check(session.connection(), "SELECT " + test.sql + " FROM " + storedName(*table) + " AS " +
+                                              test.handle + " WHERE " + test.handle + ".rowid = ?" +
                                               std::to_string(test.slots.size() + 1));
     session.bindSlots(check.handle(), test.slots);
     for (const RowChange& change : changes) {
@@ -303,7 +312,8 @@ void updateRows(SessionState& session, const ObjectPtr& table, const std::vector
         auto after = readKeys(session, *table, reference.referencedColumns, {key.row});
         const KeyValues* newKey = after.empty() ? nullptr : &after.front();
         const bool cascade = reference.onUpdate == ReferentialAction::Cascade;
-        follow(session, reference, child, cascade && newKey == nullptr ? ReferentialAction::SetNull : reference.onUpdate,
+        follow(session, reference, child,
+               cascade && newKey == nullptr ? ReferentialAction::SetNull : reference.onUpdate,
                rowsWithKey(session, *child, reference.columns, key.before), newKey, statement);
     }
     testChanges(session, table, columns, changes, statement);

@@ -15,7 +15,8 @@ std::string columnDefinition(const QueryColumn& column)
     SqlType type = column.type;
     if (type.id == TypeId::Null)
         type = intType();
-    std::string text = renderName(column.name) + " " + (type.id == TypeId::Timestamp ? "timestamp" : describe(type));
+    std::string text =
+        renderName(column.name) + " " + (type.id == TypeId::Timestamp ? "timestamp" : describe(type));
     if (isCharacter(type.id) && !column.collation.empty())
         text += " COLLATE " + column.collation;
     if (column.identity)
@@ -29,7 +30,8 @@ std::string tableDefinition(const QueryPlan& plan, const ast::ObjectName& target
     for (const QueryColumn& column : plan.columns) {
         if (column.name.empty())
             raise(1038);
-        text += (text.empty() ? "CREATE TABLE " + renderName(target) + " (" : ", ") + columnDefinition(column);
+        text +=
+            (text.empty() ? "CREATE TABLE " + renderName(target) + " (" : ", ") + columnDefinition(column);
     }
     return text + ")";
 }
@@ -43,8 +45,8 @@ std::uint64_t fill(SessionState& session, const ObjectPtr& table, const std::vec
         columns += (columns.empty() ? "" : ",") + storageColumn(column.id);
         places += places.empty() ? "?" : ",?";
     }
-    Statement insert(session.connection(), "INSERT INTO " + storageTable(table->databaseId, table->id) + " (" + columns +
-                                               ") VALUES (" + places + ")");
+    Statement insert(session.connection(), "INSERT INTO " + storageTable(table->databaseId, table->id) +
+                                               " (" + columns + ") VALUES (" + places + ")");
     for (const auto& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i)
             bindStorage(insert.handle(), static_cast<int>(i + 1), row[i], table->columns[i].type);

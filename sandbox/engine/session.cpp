@@ -18,8 +18,8 @@ constexpr int firstSpid = 51;
 class EngineSession : public Session
 {
 public:
-    EngineSession(const ServerOptions& options, SessionRegistry& registry, int spid, const LoginRequest& request,
-                  const Login& login)
+    EngineSession(const ServerOptions& options, SessionRegistry& registry, int spid,
+                  const LoginRequest& request, const Login& login)
         : state_(options.dataDirectory, options.serverName, spid, request, login), registry_(registry)
     {
         registerSessionList(state_.connection(), registry);
@@ -132,9 +132,11 @@ Message refusal(const std::string& user)
 class EngineServer : public Server
 {
 public:
-    explicit EngineServer(ServerOptions options) : options_(std::move(options)), store_(options_.dataDirectory / "store.db")
+    explicit EngineServer(ServerOptions options)
+        : options_(std::move(options)), store_(options_.dataDirectory / "store.db")
     {
-        bootstrapCatalog(store_.connection(), options_.dataDirectory.string(), options_.saPassword, options_.serverName);
+        bootstrapCatalog(store_.connection(), options_.dataDirectory.string(), options_.saPassword,
+                         options_.serverName);
         execute(store_.connection(), "CREATE TABLE IF NOT EXISTS engine_timestamp(value INTEGER NOT NULL);"
                                      "INSERT INTO engine_timestamp SELECT 2000 WHERE NOT EXISTS "
                                      "(SELECT 1 FROM engine_timestamp)");
@@ -162,7 +164,8 @@ private:
         const std::lock_guard lock(mutex_);
         Catalog catalog(store_.connection());
         const auto login = catalog.login(request.user);
-        if (!login || login->denied || login->windows || !(request.trusted || checkPassword(store_.connection(), request.user, request.password)))
+        if (!login || login->denied || login->windows ||
+            !(request.trusted || checkPassword(store_.connection(), request.user, request.password)))
             throw LoginRefused(refusal(request.user));
         return *login;
     }
@@ -182,7 +185,8 @@ std::unique_ptr<Server> openServer(const ServerOptions& options)
         std::filesystem::create_directories(options.dataDirectory);
         return std::make_unique<EngineServer>(options);
     } catch (const StoreError& failure) {
-        throw std::runtime_error("cannot open the store in " + options.dataDirectory.string() + ": " + failure.text);
+        throw std::runtime_error("cannot open the store in " + options.dataDirectory.string() + ": " +
+                                 failure.text);
     } catch (const SqlError& error) {
         throw std::runtime_error("cannot set up the store in " + options.dataDirectory.string() + ": " +
                                  error.message.text);

@@ -56,7 +56,10 @@ void global(SessionState& session, const Call& call)
 }
 
 // identity(): the next identity value of the running INSERT
-void identity(SessionState& session, const Call& call) { call.result(session.identityCounter.take()); }
+void identity(SessionState& session, const Call& call)
+{
+    call.result(session.identityCounter.take());
+}
 
 // timestamp(): the next value for a timestamp column
 void timestamp(SessionState& session, const Call& call)
@@ -70,13 +73,13 @@ void timestamp(SessionState& session, const Call& call)
 
 } // namespace
 
-void defineSessionFunction(SessionState& session, const char* name, int arguments, SessionBody body, Nulls nulls,
-                           Purity purity)
+void defineSessionFunction(SessionState& session, const char* name, int arguments, SessionBody body,
+                           Nulls nulls, Purity purity)
 {
     const int flags = SQLITE_UTF8 | (purity == Purity::Deterministic ? SQLITE_DETERMINISTIC : 0);
-    const int code = sqlite3_create_function_v2(session.connection(), name, arguments, flags,
-                                                new Definition{session, body, nulls}, &onCall, nullptr, nullptr,
-                                                [](void* owned) { delete static_cast<Definition*>(owned); });
+    const int code = sqlite3_create_function_v2(
+        session.connection(), name, arguments, flags, new Definition{session, body, nulls}, &onCall, nullptr,
+        nullptr, [](void* owned) { delete static_cast<Definition*>(owned); });
     if (code != SQLITE_OK)
         throwStoreFailure(session.connection(), code);
 }

@@ -8,7 +8,10 @@ namespace practice {
 
 namespace {
 
-void null(const Call& call) { sqlite3_result_null(call.context()); }
+void null(const Call& call)
+{
+    sqlite3_result_null(call.context());
+}
 
 DatabasePtr databaseNamed(SessionState& session, std::string_view name)
 {
@@ -97,16 +100,11 @@ void serverProperty(SessionState& session, const Call& call)
         std::int64_t number;
     };
     static constexpr std::array properties = {
-        Property{"collation", defaultCollation, 0},
-        Property{"edition", "Developer Edition (64-bit)", 0},
-        Property{"engineedition", nullptr, 3},
-        Property{"isclustered", nullptr, 0},
-        Property{"isfulltextinstalled", nullptr, 0},
-        Property{"isintegratedsecurityonly", nullptr, 0},
-        Property{"issingleuser", nullptr, 0},
-        Property{"licensetype", "DISABLED", 0},
-        Property{"productlevel", "SP3", 0},
-        Property{"productversion", "10.50.6000.34", 0},
+        Property{"collation", defaultCollation, 0},  Property{"edition", "Developer Edition (64-bit)", 0},
+        Property{"engineedition", nullptr, 3},       Property{"isclustered", nullptr, 0},
+        Property{"isfulltextinstalled", nullptr, 0}, Property{"isintegratedsecurityonly", nullptr, 0},
+        Property{"issingleuser", nullptr, 0},        Property{"licensetype", "DISABLED", 0},
+        Property{"productlevel", "SP3", 0},          Property{"productversion", "10.50.6000.34", 0},
     };
     const std::string wanted = lowerCase(call.text(0));
     if (wanted == "servername" || wanted == "machinename")
@@ -115,7 +113,8 @@ void serverProperty(SessionState& session, const Call& call)
         return variantNumber(call, 1);
     for (const Property& property : properties) {
         if (property.name == wanted)
-            return property.text != nullptr ? variantText(call, property.text) : variantNumber(call, property.number);
+            return property.text != nullptr ? variantText(call, property.text)
+                                            : variantNumber(call, property.number);
     }
     null(call);
 }

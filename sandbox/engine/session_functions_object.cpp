@@ -10,7 +10,10 @@ namespace {
 
 constexpr int tempdbId = 2;
 
-void null(const Call& call) { sqlite3_result_null(call.context()); }
+void null(const Call& call)
+{
+    sqlite3_result_null(call.context());
+}
 
 ObjectPtr objectNamed(SessionState& session, std::string_view text)
 {
@@ -53,13 +56,14 @@ void objectName(SessionState& session, const Call& call)
 
 bool isConstraint(ObjectKind kind)
 {
-    return kind == ObjectKind::PrimaryKey || kind == ObjectKind::UniqueConstraint || kind == ObjectKind::ForeignKey ||
-           kind == ObjectKind::Check || kind == ObjectKind::Default;
+    return kind == ObjectKind::PrimaryKey || kind == ObjectKind::UniqueConstraint ||
+           kind == ObjectKind::ForeignKey || kind == ObjectKind::Check || kind == ObjectKind::Default;
 }
 
 bool hasClusteredIndex(const Object& table)
 {
-    return std::any_of(table.indexes.begin(), table.indexes.end(), [](const Index& index) { return index.clustered; });
+    return std::any_of(table.indexes.begin(), table.indexes.end(),
+                       [](const Index& index) { return index.clustered; });
 }
 
 // objectproperty(id, property)
@@ -137,7 +141,8 @@ void objectProperty(SessionState& session, const Call& call)
 
 int storedLength(const Column& column)
 {
-    const bool twoBytes = isUnicode(column.type.id) && column.type.length != maxLength && !isLegacyLob(column.type.id);
+    const bool twoBytes =
+        isUnicode(column.type.id) && column.type.length != maxLength && !isLegacyLob(column.type.id);
     return twoBytes ? column.type.length * 2 : column.type.length;
 }
 
@@ -175,8 +180,9 @@ void columnProperty(SessionState& session, const Call& call)
     if (is("isidnotforrepl"))
         return call.result(column->identity && column->identity->notForReplication ? 1 : 0);
     if (is("usesansitrim"))
-        return isCharacter(column->type.id) || isBinary(column->type.id) ? call.result(column->ansiPadded ? 1 : 0)
-                                                                         : null(call);
+        return isCharacter(column->type.id) || isBinary(column->type.id)
+                   ? call.result(column->ansiPadded ? 1 : 0)
+                   : null(call);
     if (is("precision")) {
         const bool sized = isCharacter(column->type.id) || isBinary(column->type.id);
         return call.result(sized ? column->type.length : int{column->type.precision});
@@ -252,7 +258,8 @@ void identCurrent(SessionState& session, const Call& call)
     const Column* column = identityOf(session, call, table);
     if (column == nullptr)
         return null(call);
-    call.result(session.catalog().lastIdentity(table->databaseId, table->id).value_or(column->identity->seed));
+    call.result(
+        session.catalog().lastIdentity(table->databaseId, table->id).value_or(column->identity->seed));
 }
 
 void identSeed(SessionState& session, const Call& call)
@@ -280,7 +287,9 @@ void typeProperty(SessionState&, const Call& call)
     if (property == "precision") {
         const bool text = isCharacter(id) || isBinary(id);
         const int widest = isUnicode(id) ? 4000 : 8000;
-        return call.result(text ? (isLegacyLob(id) ? type.length : widest) : isDecimal(id) ? 38 : int{type.precision});
+        return call.result(text            ? (isLegacyLob(id) ? type.length : widest)
+                           : isDecimal(id) ? 38
+                                           : int{type.precision});
     }
     if (property == "scale")
         return isDecimal(id) ? call.result(38) : null(call);
@@ -304,7 +313,8 @@ void typeNameNumbered(SessionState& session, const Call& call)
 void statsDate(SessionState& session, const Call& call)
 {
     const ObjectPtr found = objectNumbered(session, call.integer(0));
-    return found && found->index(static_cast<int>(call.integer(1))) != nullptr ? call.result(found->created) : null(call);
+    return found && found->index(static_cast<int>(call.integer(1))) != nullptr ? call.result(found->created)
+                                                                               : null(call);
 }
 
 void objectDefinition(SessionState& session, const Call& call)

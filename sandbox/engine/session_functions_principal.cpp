@@ -6,7 +6,10 @@ namespace practice {
 
 namespace {
 
-void null(const Call& call) { sqlite3_result_null(call.context()); }
+void null(const Call& call)
+{
+    sqlite3_result_null(call.context());
+}
 
 void userName(SessionState& session, const Call& call)
 {
@@ -37,8 +40,9 @@ void loginSid(SessionState& session, const Call& call)
 
 void loginId(SessionState& session, const Call& call)
 {
-    Statement query(session.connection(), "SELECT rank FROM (SELECT fold, row_number() OVER (ORDER BY created, sid) AS "
-                                          "rank FROM cat_login) WHERE fold = ?1");
+    Statement query(session.connection(),
+                    "SELECT rank FROM (SELECT fold, row_number() OVER (ORDER BY created, sid) AS "
+                    "rank FROM cat_login) WHERE fold = ?1");
     query.bind(1, foldName(std::string(call.text(0))));
     return query.step() ? call.result(query.integer(0)) : null(call);
 }
@@ -72,8 +76,14 @@ void hasAccess(SessionState& session, const Call& call)
     call.result(session.catalog().userOf(found->id, session.login()) ? 1 : 0);
 }
 
-void schemaName(SessionState& session, const Call& call) { userName(session, call); }
-void schemaId(SessionState& session, const Call& call) { userId(session, call); }
+void schemaName(SessionState& session, const Call& call)
+{
+    userName(session, call);
+}
+void schemaId(SessionState& session, const Call& call)
+{
+    userId(session, call);
+}
 
 /// The statement permissions of the current user, or those on an object: all for an owner.
 void permissions(SessionState& session, const Call& call)

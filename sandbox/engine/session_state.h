@@ -184,7 +184,8 @@ public:
     /// Set while rows are assigned to variables that the query reads too.
     const Value* liveVariable(const std::string& name, SqlType& type);
     const DateTimeValue& now(bool utc);
-    void beginStatement() { clockRead_ = false; }
+    /// The clock stands still within a statement, and so does what others commit to the catalog.
+    void beginStatement();
 
 private:
     void announceTransaction(EnvironmentChange kind);

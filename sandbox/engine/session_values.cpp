@@ -8,19 +8,26 @@ namespace practice {
 
 namespace {
 
-constexpr const char* versionText =
-    "Microsoft SQL Server 2008 R2 (SP3) - 10.50.6000.34 (X64) \n\tAug 19 2014 12:21:34 \n\tCopyright (c) Microsoft "
-    "Corporation\n\tPractice Server (64-bit) on this machine\n";
+constexpr const char* versionText = "Microsoft SQL Server 2008 R2 (SP3) - 10.50.6000.34 (X64) \n\tAug 19 "
+                                    "2014 12:21:34 \n\tCopyright (c) Microsoft "
+                                    "Corporation\n\tPractice Server (64-bit) on this machine\n";
 constexpr std::int64_t microsoftVersion = 0x0A321770;
 
-Value number(std::int64_t value) { return {value, {}}; }
-Value text(std::string value) { return {std::move(value), {}}; }
+Value number(std::int64_t value)
+{
+    return {value, {}};
+}
+Value text(std::string value)
+{
+    return {std::move(value), {}};
+}
 Value decimal(const std::optional<std::int64_t>& value)
 {
     if (!value)
         return {};
     const bool negative = *value < 0;
-    const auto magnitude = negative ? 0 - static_cast<std::uint64_t>(*value) : static_cast<std::uint64_t>(*value);
+    const auto magnitude =
+        negative ? 0 - static_cast<std::uint64_t>(*value) : static_cast<std::uint64_t>(*value);
     return {Decimal{magnitude, 0, negative}, {}};
 }
 
@@ -30,8 +37,8 @@ std::int64_t optionBits(const SessionOptions& options)
     const auto bit = [](bool set, int place) { return set ? std::int64_t{1} << place : 0; };
     return bit(options.implicitTransactions, 1) | bit(options.ansiWarnings, 3) | bit(options.ansiPadding, 4) |
            bit(options.ansiNulls, 5) | bit(options.arithAbort, 6) | bit(options.quotedIdentifier, 8) |
-           bit(options.noCount, 9) | bit(options.ansiNullDefault, 10) | bit(options.concatNullYieldsNull, 12) |
-           bit(options.xactAbort, 14);
+           bit(options.noCount, 9) | bit(options.ansiNullDefault, 10) |
+           bit(options.concatNullYieldsNull, 12) | bit(options.xactAbort, 14);
 }
 
 Value point(DateTimeValue value, const SqlType& type)
@@ -107,11 +114,26 @@ const std::unordered_map<std::string, Reader>& readers()
                  bytes[i - 1] = static_cast<std::uint8_t>(last);
              return Value{bytes, {}};
          }},
-        {"getdate()", [](SessionState& s) { return point(s.now(false), {TypeId::DateTime, 8}); }},
-        {"getutcdate()", [](SessionState& s) { return point(s.now(true), {TypeId::DateTime, 8}); }},
-        {"sysdatetime()", [](SessionState& s) { return point(s.now(false), {TypeId::DateTime2, 8, 0, 7}); }},
-        {"sysutcdatetime()", [](SessionState& s) { return point(s.now(true), {TypeId::DateTime2, 8, 0, 7}); }},
-        {"sysdatetimeoffset()", [](SessionState& s) { return Value{withOffset(s), {}}; }},
+        {"getdate()",
+         [](SessionState& s) {
+             return point(s.now(false), {TypeId::DateTime, 8});
+         }},
+        {"getutcdate()",
+         [](SessionState& s) {
+             return point(s.now(true), {TypeId::DateTime, 8});
+         }},
+        {"sysdatetime()",
+         [](SessionState& s) {
+             return point(s.now(false), {TypeId::DateTime2, 8, 0, 7});
+         }},
+        {"sysutcdatetime()",
+         [](SessionState& s) {
+             return point(s.now(true), {TypeId::DateTime2, 8, 0, 7});
+         }},
+        {"sysdatetimeoffset()",
+         [](SessionState& s) {
+             return Value{withOffset(s), {}};
+         }},
         {"app_name()", [](SessionState& s) { return text(s.client().application); }},
         {"host_name()", [](SessionState& s) { return text(s.client().host); }},
         {"host_id()", [](SessionState& s) { return text(std::to_string(s.spid())); }},
@@ -121,14 +143,18 @@ const std::unordered_map<std::string, Reader>& readers()
         {"original_login()", [](SessionState& s) { return text(s.login().name); }},
         {"suser_id()", fixed(1)},
         {"suser_sid()",
-         [](SessionState& s) { return Value{Bytes(s.login().sid.begin(), s.login().sid.end()), {}}; }},
+         [](SessionState& s) {
+             return Value{Bytes(s.login().sid.begin(), s.login().sid.end()), {}};
+         }},
         {"db_name()", [](SessionState& s) { return text(s.database()->name); }},
         {"db_id()", [](SessionState& s) { return number(s.database()->id); }},
         {"schema_name()", [](SessionState&) { return text("dbo"); }},
         {"schema_id()", fixed(1)},
         {"scope_identity()", [](SessionState& s) { return decimal(s.scopeIdentity); }},
         {"xact_state()",
-         [](SessionState& s) { return number(s.transactionCount() == 0 ? 0 : s.doomed ? -1 : 1); }},
+         [](SessionState& s) {
+             return number(s.transactionCount() == 0 ? 0 : s.doomed ? -1 : 1);
+         }},
         {"getansinull()", fixed(1)},
         {"context_info()", [](SessionState&) { return Value{}; }},
         {"error_number()", ofError([](const Message& m) { return number(m.number); })},

@@ -88,8 +88,8 @@ int numberOf(SessionState& session, const ast::Expression& value)
 
 int isolationLevel(const std::string& name)
 {
-    constexpr std::array<std::string_view, 5> levels = {"read uncommitted", "read committed", "repeatable read",
-                                                        "serializable", "snapshot"};
+    constexpr std::array<std::string_view, 5> levels = {"read uncommitted", "read committed",
+                                                        "repeatable read", "serializable", "snapshot"};
     for (std::size_t i = 0; i < levels.size(); ++i) {
         if (levels[i] == lowerCase(name))
             return static_cast<int>(i) + 1;

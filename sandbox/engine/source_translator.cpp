@@ -12,7 +12,10 @@ namespace {
 constexpr int deepestView = 32;
 constexpr int tempdbId = 2;
 
-bool isApply(ast::JoinKind kind) { return kind == ast::JoinKind::CrossApply || kind == ast::JoinKind::OuterApply; }
+bool isApply(ast::JoinKind kind)
+{
+    return kind == ast::JoinKind::CrossApply || kind == ast::JoinKind::OuterApply;
+}
 
 const char* joinWord(ast::JoinKind kind)
 {
@@ -45,7 +48,8 @@ bool mentions(const ast::QueryBody& body, const std::string& name);
 bool mentions(const ast::TableSource& source, const std::string& name)
 {
     if (const auto* table = ast::tryAs<ast::NamedTable>(&source))
-        return table->name.schema.empty() && table->name.database.empty() && sameName(table->name.object, name);
+        return table->name.schema.empty() && table->name.database.empty() &&
+               sameName(table->name.object, name);
     if (const auto* join = ast::tryAs<ast::JoinedTable>(&source))
         return mentions(*join->left, name) || mentions(*join->right, name);
     if (const auto* derived = ast::tryAs<ast::DerivedTable>(&source))
@@ -103,7 +107,8 @@ std::string Translator::fromClause(const std::vector<ast::TableSourcePtr>& from,
             const Source& b = scope.sources[j];
             if (!sameName(a.exposed, b.exposed))
                 continue;
-            const bool apart = !a.aliased && !b.aliased && (a.databaseId != b.databaseId || !sameName(a.schema, b.schema));
+            const bool apart =
+                !a.aliased && !b.aliased && (a.databaseId != b.databaseId || !sameName(a.schema, b.schema));
             if (a.aliased && b.aliased)
                 raise(1011, {b.exposed});
             if (!apart)
@@ -188,8 +193,8 @@ std::string Translator::namedTable(const ast::NamedTable& node, Scope& scope)
                   .schema = name.schema.empty() ? "dbo" : name.schema,
                   .aliased = !node.alias.empty()};
     if (const SystemTable* system = findSystemTable(name.schema, name.object)) {
-        const DatabasePtr database = name.database.empty() ? context_.database
-                                                           : context_.session.catalog().database(name.database);
+        const DatabasePtr database =
+            name.database.empty() ? context_.database : context_.session.catalog().database(name.database);
         if (database)
             return systemTable(*system, database->id, std::move(source), scope);
     }
@@ -260,8 +265,8 @@ std::string Translator::systemTable(const SystemTable& table, int databaseId, So
     return "(" + table.select(databaseId) + ") AS " + scope.sources.back().handle;
 }
 
-std::string Translator::addSource(Source source, const std::vector<QueryColumn>& columns, const std::string& sql,
-                                  Scope& scope)
+std::string Translator::addSource(Source source, const std::vector<QueryColumn>& columns,
+                                  const std::string& sql, Scope& scope)
 {
     if (source.handle.empty())
         source.handle = freshHandle();
@@ -282,7 +287,8 @@ std::string Translator::addSource(Source source, const std::vector<QueryColumn>&
 namespace {
 
 /// Takes over the names in parentheses behind an alias, and holds a derived table to its rules.
-void nameColumns(std::vector<QueryColumn>& columns, const std::vector<std::string>& names, const std::string& table)
+void nameColumns(std::vector<QueryColumn>& columns, const std::vector<std::string>& names,
+                 const std::string& table)
 {
     if (!names.empty() && names.size() != columns.size())
         raise(names.size() < columns.size() ? 8158 : 8159, {table});
@@ -304,7 +310,8 @@ std::string Translator::derivedTable(const ast::TableSource& node, const Transla
 {
     std::vector<QueryColumn> columns = query.columns;
     nameColumns(columns, node.columnAliases, node.alias);
-    return addSource({.exposed = node.alias, .shown = node.alias, .aliased = true}, columns, "(" + query.sql + ")", scope);
+    return addSource({.exposed = node.alias, .shown = node.alias, .aliased = true}, columns,
+                     "(" + query.sql + ")", scope);
 }
 
 std::string Translator::valuesTable(const ast::ValuesTable& node, Scope& scope)
@@ -329,8 +336,9 @@ std::string Translator::valuesTable(const ast::ValuesTable& node, Scope& scope)
     for (const auto& row : rows) {
         query.sql += query.sql.empty() ? "SELECT " : " UNION ALL SELECT ";
         for (std::size_t i = 0; i < row.size(); ++i) {
-            query.sql += (i == 0 ? "" : ", ") + convertTerm(row[i], query.columns[i].type, Conversion::Implicit).sql +
-                         " AS k" + std::to_string(i + 1);
+            query.sql += (i == 0 ? "" : ", ") +
+                         convertTerm(row[i], query.columns[i].type, Conversion::Implicit).sql + " AS k" +
+                         std::to_string(i + 1);
         }
     }
     return derivedTable(node, query, scope);
@@ -369,8 +377,8 @@ std::string Translator::commonTable(const VisibleTable& visible, const ast::Name
     const ast::CommonTable& table = *visible.table;
     const std::string& exposed = node.alias.empty() ? table.name : node.alias;
     Source source{.exposed = exposed, .shown = exposed, .aliased = true};
-    auto after = std::vector<VisibleTable>(commonTables_.begin() + static_cast<std::ptrdiff_t>(visible.visible),
-                                           commonTables_.end());
+    auto after = std::vector<VisibleTable>(
+        commonTables_.begin() + static_cast<std::ptrdiff_t>(visible.visible), commonTables_.end());
     commonTables_.resize(visible.visible);
     const auto restore = [this, &after] {
         commonTables_.insert(commonTables_.end(), after.begin(), after.end());
@@ -414,15 +422,16 @@ std::string Translator::commonTable(const VisibleTable& visible, const ast::Name
     std::string list;
     for (std::size_t i = 0; i < own.columns.size(); ++i)
         list += (i == 0 ? "k" : ", k") + std::to_string(i + 1);
-    const std::string sql = "(WITH RECURSIVE " + own.handle + "(" + list + ", depth) AS (" + text + ") SELECT " + list +
-                            " FROM " + own.handle + ")";
+    const std::string sql = "(WITH RECURSIVE " + own.handle + "(" + list + ", depth) AS (" + text +
+                            ") SELECT " + list + " FROM " + own.handle + ")";
     return addSource(std::move(source), own.columns, sql, scope);
 }
 
 std::string Translator::recursiveReference(RecursiveTable& table, const ast::NamedTable& node, Scope& scope)
 {
     const std::string& exposed = node.alias.empty() ? table.name : node.alias;
-    std::string text = addSource({.exposed = exposed, .shown = exposed, .aliased = true}, table.columns, table.handle, scope);
+    std::string text = addSource({.exposed = exposed, .shown = exposed, .aliased = true}, table.columns,
+                                 table.handle, scope);
     scope.sources.back().depth = scope.sources.back().handle + ".depth";
     return text;
 }

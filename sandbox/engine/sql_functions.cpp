@@ -2,9 +2,9 @@
 
 #include "engine/store.h"
 
-#include <string>
 #include <exception>
 #include <new>
+#include <string>
 
 namespace practice {
 
@@ -52,12 +52,13 @@ Message messageOf(const ConversionError& error)
     return message;
 }
 
-void defineFunction(sqlite3* connection, const char* name, int arguments, CallBody body, Nulls nulls, Purity purity)
+void defineFunction(sqlite3* connection, const char* name, int arguments, CallBody body, Nulls nulls,
+                    Purity purity)
 {
     const int flags = SQLITE_UTF8 | (purity == Purity::Deterministic ? SQLITE_DETERMINISTIC : 0);
     const auto entry = nulls == Nulls::Propagate ? &onCall<Nulls::Propagate> : &onCall<Nulls::Handle>;
-    const int code = sqlite3_create_function_v2(connection, name, arguments, flags, reinterpret_cast<void*>(body),
-                                                entry, nullptr, nullptr, nullptr);
+    const int code = sqlite3_create_function_v2(
+        connection, name, arguments, flags, reinterpret_cast<void*>(body), entry, nullptr, nullptr, nullptr);
     if (code != SQLITE_OK)
         throwStoreFailure(connection, code);
 }

@@ -20,8 +20,7 @@ class Call
 public:
     Call(sqlite3_context* context, int count, sqlite3_value** arguments)
         : context_(context), count_(count), arguments_(arguments)
-    {
-    }
+    {}
 
     [[nodiscard]] int count() const { return count_; }
     [[nodiscard]] sqlite3_value* argument(int i) const { return arguments_[i]; }
@@ -65,11 +64,16 @@ private:
 
 using CallBody = void (*)(const Call&);
 
-enum class Nulls : std::uint8_t {
+enum class Nulls : std::uint8_t
+{
     Propagate, ///< NULL as soon as one argument is NULL
     Handle,    ///< the body looks itself
 };
-enum class Purity : std::uint8_t { Deterministic, Volatile };
+enum class Purity : std::uint8_t
+{
+    Deterministic,
+    Volatile
+};
 
 /// @param arguments -1 for any number
 void defineFunction(sqlite3* connection, const char* name, int arguments, CallBody body,

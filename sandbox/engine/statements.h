@@ -14,11 +14,11 @@ void executeSelect(SessionState& session, const ast::SelectStatement& statement)
 
 void executeInsert(SessionState& session, const ast::InsertStatement& statement);
 /// Rows that come from outside, within the running statement: of a procedure, of OUTPUT.
-void addRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
-             const std::vector<std::vector<Value>>& rows);
+void addRows(SessionState& session, const ast::InsertStatement& statement,
+             const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& rows);
 /// INSERT ... EXEC with the rows that the procedure gave.
-void insertRows(SessionState& session, const ast::InsertStatement& statement, const std::vector<ColumnInfo>& columns,
-                const std::vector<std::vector<Value>>& rows);
+void insertRows(SessionState& session, const ast::InsertStatement& statement,
+                const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& rows);
 void executeUpdate(SessionState& session, const ast::UpdateStatement& statement);
 void executeDelete(SessionState& session, const ast::DeleteStatement& statement);
 void executeTruncate(SessionState& session, const ast::TruncateStatement& statement);

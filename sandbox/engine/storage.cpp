@@ -35,7 +35,8 @@ std::int64_t scaledInteger(const Decimal& value, int scale)
 Decimal fromScaledInteger(std::int64_t stored, std::uint8_t scale)
 {
     const bool negative = stored < 0;
-    const auto magnitude = negative ? 0 - static_cast<std::uint64_t>(stored) : static_cast<std::uint64_t>(stored);
+    const auto magnitude =
+        negative ? 0 - static_cast<std::uint64_t>(stored) : static_cast<std::uint64_t>(stored);
     return {magnitude, scale, negative};
 }
 
@@ -110,7 +111,8 @@ DateTimeValue fromDateTimeInteger(std::int64_t stored, TypeId id)
 {
     switch (id) {
     case TypeId::SmallDateTime: {
-        const std::int64_t day = stored >= 0 ? stored / minutesPerDay : -((minutesPerDay - 1 - stored) / minutesPerDay);
+        const std::int64_t day =
+            stored >= 0 ? stored / minutesPerDay : -((minutesPerDay - 1 - stored) / minutesPerDay);
         return {static_cast<std::int32_t>(day + day1900), (stored - day * minutesPerDay) * ticksPerMinute, 0};
     }
     case TypeId::DateTime:
@@ -124,7 +126,10 @@ DateTimeValue fromDateTimeInteger(std::int64_t stored, TypeId id)
     }
 }
 
-bool isNarrowDecimal(const SqlType& type) { return isDecimal(type.id) && type.precision <= narrowPrecision; }
+bool isNarrowDecimal(const SqlType& type)
+{
+    return isDecimal(type.id) && type.precision <= narrowPrecision;
+}
 
 std::string variantBytes(const Value& value);
 
@@ -196,12 +201,14 @@ struct ColumnSource
     [[nodiscard]] std::string_view text() const
     {
         const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-        return {data == nullptr ? "" : data, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+        return {data == nullptr ? "" : data,
+                static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
     }
     [[nodiscard]] std::string_view blob() const
     {
         const auto* data = static_cast<const char*>(sqlite3_column_blob(statement, column));
-        return {data == nullptr ? "" : data, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
+        return {data == nullptr ? "" : data,
+                static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
     }
 };
 
@@ -345,8 +352,9 @@ StorageClass storageClass(const SqlType& type)
         return StorageClass::Real;
     if (isCharacter(type.id) || type.id == TypeId::Xml)
         return StorageClass::Text;
-    const bool blob = isBinary(type.id) || type.id == TypeId::UniqueIdentifier || type.id == TypeId::SqlVariant ||
-                      type.id == TypeId::DateTimeOffset || (isDecimal(type.id) && !isNarrowDecimal(type));
+    const bool blob = isBinary(type.id) || type.id == TypeId::UniqueIdentifier ||
+                      type.id == TypeId::SqlVariant || type.id == TypeId::DateTimeOffset ||
+                      (isDecimal(type.id) && !isNarrowDecimal(type));
     return blob ? StorageClass::Blob : StorageClass::Integer;
 }
 
@@ -365,7 +373,8 @@ void bindStorage(sqlite3_stmt* statement, int parameter, const Value& value, con
             break;
         case StorageClass::Text: {
             const auto& text = std::get<std::string>(value.data);
-            code = sqlite3_bind_text64(statement, parameter, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+            code = sqlite3_bind_text64(statement, parameter, text.data(), text.size(), SQLITE_TRANSIENT,
+                                       SQLITE_UTF8);
             break;
         }
         case StorageClass::Blob: {
@@ -416,7 +425,8 @@ std::string storageLiteral(const Value& value, const SqlType& type)
     case StorageClass::Text: {
         const auto& text = std::get<std::string>(value.data);
         // SQL text ends at a NUL, so such a string travels as its bytes.
-        return text.find('\0') == std::string::npos ? quotedText(text) : "CAST(" + hexLiteral(text) + " AS TEXT)";
+        return text.find('\0') == std::string::npos ? quotedText(text)
+                                                    : "CAST(" + hexLiteral(text) + " AS TEXT)";
     }
     case StorageClass::Blob:
         return hexLiteral(storageBytes(value, type));
@@ -474,7 +484,8 @@ std::string columnDeclaration(const Column& column)
     case StorageClass::Real:
         return name + " REAL";
     case StorageClass::Text:
-        return name + " TEXT COLLATE " + quotedName(column.collation.empty() ? defaultCollation : column.collation);
+        return name + " TEXT COLLATE " +
+               quotedName(column.collation.empty() ? defaultCollation : column.collation);
     case StorageClass::Blob:
         return name + " BLOB";
     }
@@ -509,10 +520,11 @@ std::vector<std::string> indexStatements(const Object& table, const Index& index
             anyNull += (anyNull.empty() ? "" : " OR ") + storageColumn(key.columnId) + " IS NULL";
     }
     const bool unique = index.unique && !index.ignoreDuplicates;
-    std::vector<std::string> statements = {std::string("CREATE ") + (unique ? "UNIQUE " : "") + "INDEX " + name +
-                                           target + keys + ")"};
+    std::vector<std::string> statements = {std::string("CREATE ") + (unique ? "UNIQUE " : "") + "INDEX " +
+                                           name + target + keys + ")"};
     if (unique && !anyNull.empty())
-        statements.push_back("CREATE UNIQUE INDEX " + name + "n" + target + keysWithoutNull + ") WHERE " + anyNull);
+        statements.push_back("CREATE UNIQUE INDEX " + name + "n" + target + keysWithoutNull + ") WHERE " +
+                             anyNull);
     return statements;
 }
 
@@ -522,7 +534,13 @@ std::vector<std::string> dropIndexStatements(const Object& table, const Index& i
     return {"DROP INDEX IF EXISTS " + name, "DROP INDEX IF EXISTS " + name + "n"};
 }
 
-std::string quotedName(std::string_view name) { return quoted(name, '"'); }
-std::string quotedText(std::string_view text) { return quoted(text, '\''); }
+std::string quotedName(std::string_view name)
+{
+    return quoted(name, '"');
+}
+std::string quotedText(std::string_view text)
+{
+    return quoted(text, '\'');
+}
 
 } // namespace practice

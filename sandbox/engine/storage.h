@@ -41,7 +41,13 @@ struct Object;
 inline constexpr const char* defaultCollation = "SQL_Latin1_General_CP1_CI_AS";
 
 /// Kinds of SQLite value that a type is stored as.
-enum class StorageClass : std::uint8_t { Integer, Real, Text, Blob };
+enum class StorageClass : std::uint8_t
+{
+    Integer,
+    Real,
+    Text,
+    Blob
+};
 [[nodiscard]] StorageClass storageClass(const SqlType& type);
 
 /// @throws StoreError when SQLite refuses the value

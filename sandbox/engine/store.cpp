@@ -78,8 +78,9 @@ Statement& Statement::bind(int parameter, double value)
 
 Statement& Statement::bind(int parameter, std::string_view value)
 {
-    check(sqlite3_db_handle(handle_), sqlite3_bind_text64(handle_, parameter, value.data() ? value.data() : "",
-                                                          value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    check(sqlite3_db_handle(handle_),
+          sqlite3_bind_text64(handle_, parameter, value.data() ? value.data() : "", value.size(),
+                              SQLITE_TRANSIENT, SQLITE_UTF8));
     return *this;
 }
 
@@ -119,22 +120,25 @@ void Statement::run()
     reset();
 }
 
-void Statement::reset() { sqlite3_reset(handle_); }
+void Statement::reset()
+{
+    sqlite3_reset(handle_);
+}
 
 std::string_view Statement::text(int column) const
 {
     const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
-    return data == nullptr ? std::string_view{}
-                           : std::string_view(data, static_cast<std::size_t>(
-                                                        sqlite3_column_bytes(handle_, column)));
+    return data == nullptr
+               ? std::string_view{}
+               : std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
 }
 
 std::string_view Statement::blob(int column) const
 {
     const auto* data = static_cast<const char*>(sqlite3_column_blob(handle_, column));
-    return data == nullptr ? std::string_view{}
-                           : std::string_view(data, static_cast<std::size_t>(
-                                                        sqlite3_column_bytes(handle_, column)));
+    return data == nullptr
+               ? std::string_view{}
+               : std::string_view(data, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
 }
 
 void execute(sqlite3* connection, const std::string& sql)
@@ -144,8 +148,9 @@ void execute(sqlite3* connection, const std::string& sql)
 
 Store::Store(const std::filesystem::path& file)
 {
-    const int code = sqlite3_open_v2(file.c_str(), &connection_,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(file.c_str(), &connection_,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
         const StoreError failure{code, sqlite3_errstr(code)};
         sqlite3_close_v2(connection_);
@@ -161,7 +166,10 @@ Store::Store(const std::filesystem::path& file)
     registerCollations(connection_);
 }
 
-Store::~Store() { sqlite3_close_v2(connection_); }
+Store::~Store()
+{
+    sqlite3_close_v2(connection_);
+}
 
 int Store::onBusy(void* self, int attempts)
 {
@@ -176,7 +184,10 @@ int Store::onBusy(void* self, int attempts)
     return 1;
 }
 
-int Store::onProgress(void* self) { return static_cast<Store*>(self)->cancelled() ? 1 : 0; }
+int Store::onProgress(void* self)
+{
+    return static_cast<Store*>(self)->cancelled() ? 1 : 0;
+}
 
 void Store::beginWrite()
 {
@@ -191,7 +202,10 @@ void Store::beginWrite()
     }
 }
 
-void Store::commit() { execute(connection_, "COMMIT"); }
+void Store::commit()
+{
+    execute(connection_, "COMMIT");
+}
 
 void Store::rollback() noexcept
 {
@@ -199,15 +213,22 @@ void Store::rollback() noexcept
         sqlite3_exec(connection_, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
-void Store::cancel() noexcept { cancelled_.store(true, std::memory_order_relaxed); }
+void Store::cancel() noexcept
+{
+    cancelled_.store(true, std::memory_order_relaxed);
+}
 
-Savepoint::Savepoint(Store& store) : store_(store) { execute(store_.connection(), "SAVEPOINT statement"); }
+Savepoint::Savepoint(Store& store) : store_(store)
+{
+    execute(store_.connection(), "SAVEPOINT statement");
+}
 
 Savepoint::~Savepoint()
 {
     // A failure severe enough to have rolled the transaction back took the savepoint with it.
     if (open_ && store_.inTransaction())
-        sqlite3_exec(store_.connection(), "ROLLBACK TO statement; RELEASE statement", nullptr, nullptr, nullptr);
+        sqlite3_exec(store_.connection(), "ROLLBACK TO statement; RELEASE statement", nullptr, nullptr,
+                     nullptr);
 }
 
 void Savepoint::release()

@@ -24,8 +24,7 @@ struct StoreError
 
 /// The client cancelled the request.
 struct Cancelled
-{
-};
+{};
 
 /// Raises what stands behind a failed SQLite call: SqlError for one raised by a function of ours,
 /// Cancelled, or StoreError.

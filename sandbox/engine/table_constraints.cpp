@@ -25,8 +25,8 @@ std::string foreignKeyTest(const ForeignKey& key, const Object& parent, const st
         filled += own + " IS NOT NULL AND ";
         match += (i == 0 ? "" : " AND ") + ("p." + storageColumn(key.referencedColumns[i]) + " = " + own);
     }
-    return filled + "NOT EXISTS (SELECT 1 FROM " + storageTable(parent.databaseId, parent.id) + " AS p WHERE " + match +
-           ")";
+    return filled + "NOT EXISTS (SELECT 1 FROM " + storageTable(parent.databaseId, parent.id) +
+           " AS p WHERE " + match + ")";
 }
 
 std::string columnName(const Object& table, int columnId)
@@ -86,7 +86,8 @@ TableTest tableTest(SessionState& session, const ObjectPtr& table, const std::ve
         const bool single = key.columns.size() == 1;
         add(foreignKeyTest(key, *parent, test.handle),
             {parent->id == table->id ? "FOREIGN KEY SAME TABLE" : "FOREIGN KEY", key.name, database,
-             ownerName(session, *parent), single ? columnName(*parent, key.referencedColumns.front()) : std::string()});
+             ownerName(session, *parent),
+             single ? columnName(*parent, key.referencedColumns.front()) : std::string()});
     }
     if (!test.constraints.empty())
         test.sql = "CASE" + test.sql + " END";
@@ -98,9 +99,9 @@ void raiseBroken(const std::string& statement, const TableTest::Constraint& cons
 {
     const std::string column = constraint.column.empty() ? "" : ", column '" + constraint.column + "'";
     Message message = makeMessage(547);
-    message.text = "The " + statement + " statement conflicted with the " + constraint.kind + " constraint \"" +
-                   constraint.name + "\". The conflict occurred in database \"" + constraint.database + "\", table \"" +
-                   constraint.table + "\"" + column + ".";
+    message.text = "The " + statement + " statement conflicted with the " + constraint.kind +
+                   " constraint \"" + constraint.name + "\". The conflict occurred in database \"" +
+                   constraint.database + "\", table \"" + constraint.table + "\"" + column + ".";
     throw SqlError{std::move(message)};
 }
 
@@ -123,7 +124,8 @@ const Index* violatedIndex(const Object& table, const std::string& storeMessage)
     return nullptr;
 }
 
-void raiseDuplicate(SessionState& session, const Object& table, const Index& index, const std::vector<Value>& values)
+void raiseDuplicate(SessionState& session, const Object& table, const Index& index,
+                    const std::vector<Value>& values)
 {
     std::string shown;
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -135,8 +137,8 @@ void raiseDuplicate(SessionState& session, const Object& table, const Index& ind
         throw SqlError{[&] {
             Message message = makeMessage(2627);
             message.text = std::string("Violation of ") + (index.primaryKey ? "PRIMARY KEY" : "UNIQUE KEY") +
-                           " constraint '" + index.name + "'. Cannot insert duplicate key in object '" + name +
-                           "'. The duplicate key value is (" + shown + ").";
+                           " constraint '" + index.name + "'. Cannot insert duplicate key in object '" +
+                           name + "'. The duplicate key value is (" + shown + ").";
             return message;
         }()};
     raise(2601, {name, index.name, shown});

@@ -21,7 +21,7 @@ struct TableTest
         const char* kind; ///< "CHECK", "FOREIGN KEY", "FOREIGN KEY SAME TABLE"
         std::string name;
         std::string database;
-        std::string table; ///< "dbo.t"
+        std::string table;  ///< "dbo.t"
         std::string column; ///< "" when it is about several
     };
     std::vector<Constraint> constraints;
@@ -30,14 +30,15 @@ struct TableTest
 };
 
 /// @param changed the columns that an UPDATE sets; nullptr when the whole row is new
-[[nodiscard]] TableTest tableTest(SessionState& session, const ObjectPtr& table, const std::vector<int>* changed);
+[[nodiscard]] TableTest tableTest(SessionState& session, const ObjectPtr& table,
+                                  const std::vector<int>* changed);
 
 /// Raises 547.
 /// @param statement "INSERT", "UPDATE", "DELETE", "MERGE"
 [[noreturn]] void raiseBroken(const std::string& statement, const TableTest::Constraint& constraint);
 
-[[nodiscard]] std::string fullName(SessionState& session, const Object& table);      ///< "db.dbo.t"
-[[nodiscard]] std::string ownerName(SessionState& session, const Object& table);     ///< "dbo.t"
+[[nodiscard]] std::string fullName(SessionState& session, const Object& table);  ///< "db.dbo.t"
+[[nodiscard]] std::string ownerName(SessionState& session, const Object& table); ///< "dbo.t"
 [[nodiscard]] std::string databaseNameOf(SessionState& session, const Object& table);
 
 /// The index that SQLite's message about a broken UNIQUE means; nullptr for none of the table's.

@@ -13,12 +13,36 @@ namespace {
 
 /// Lowest first.
 constexpr std::array precedence = {
-    TypeId::Null,     TypeId::Binary,        TypeId::VarBinary,        TypeId::Char,       TypeId::VarChar,
-    TypeId::NChar,    TypeId::NVarChar,      TypeId::UniqueIdentifier, TypeId::Timestamp,  TypeId::Image,
-    TypeId::Text,     TypeId::NText,         TypeId::Bit,              TypeId::TinyInt,    TypeId::SmallInt,
-    TypeId::Int,      TypeId::BigInt,        TypeId::SmallMoney,       TypeId::Money,      TypeId::Decimal,
-    TypeId::Numeric,  TypeId::Real,          TypeId::Float,            TypeId::Time,       TypeId::Date,
-    TypeId::SmallDateTime, TypeId::DateTime, TypeId::DateTime2,        TypeId::DateTimeOffset, TypeId::Xml,
+    TypeId::Null,
+    TypeId::Binary,
+    TypeId::VarBinary,
+    TypeId::Char,
+    TypeId::VarChar,
+    TypeId::NChar,
+    TypeId::NVarChar,
+    TypeId::UniqueIdentifier,
+    TypeId::Timestamp,
+    TypeId::Image,
+    TypeId::Text,
+    TypeId::NText,
+    TypeId::Bit,
+    TypeId::TinyInt,
+    TypeId::SmallInt,
+    TypeId::Int,
+    TypeId::BigInt,
+    TypeId::SmallMoney,
+    TypeId::Money,
+    TypeId::Decimal,
+    TypeId::Numeric,
+    TypeId::Real,
+    TypeId::Float,
+    TypeId::Time,
+    TypeId::Date,
+    TypeId::SmallDateTime,
+    TypeId::DateTime,
+    TypeId::DateTime2,
+    TypeId::DateTimeOffset,
+    TypeId::Xml,
     TypeId::SqlVariant,
 };
 
@@ -27,9 +51,17 @@ int rank(TypeId id)
     return static_cast<int>(std::find(precedence.begin(), precedence.end(), id) - precedence.begin());
 }
 
-bool isOldDateTime(TypeId id) { return id == TypeId::DateTime || id == TypeId::SmallDateTime; }
+bool isOldDateTime(TypeId id)
+{
+    return id == TypeId::DateTime || id == TypeId::SmallDateTime;
+}
 
-enum class Allowed : std::uint8_t { Implicitly, Explicitly, Never };
+enum class Allowed : std::uint8_t
+{
+    Implicitly,
+    Explicitly,
+    Never
+};
 
 Allowed fromText(const SqlType& from, TypeId to)
 {
@@ -62,8 +94,8 @@ Allowed fromNumber(TypeId to)
 Allowed fromDateTime(TypeId from, TypeId to)
 {
     if (isDateTime(to)) {
-        const bool nothingShared = (from == TypeId::Date && to == TypeId::Time) ||
-                                   (from == TypeId::Time && to == TypeId::Date);
+        const bool nothingShared =
+            (from == TypeId::Date && to == TypeId::Time) || (from == TypeId::Time && to == TypeId::Date);
         return nothingShared ? Allowed::Never : Allowed::Implicitly;
     }
     if (isCharacter(to))
@@ -81,7 +113,8 @@ Allowed conversionOf(const SqlType& from, const SqlType& to)
         return Allowed::Implicitly;
     if (from.id == TypeId::SqlVariant)
         return isLegacyLob(to.id) || to.id == TypeId::Timestamp ? Allowed::Never : Allowed::Explicitly;
-    if (to.id == TypeId::SqlVariant && (isLegacyLob(from.id) || from.id == TypeId::Timestamp || from.id == TypeId::Xml))
+    if (to.id == TypeId::SqlVariant &&
+        (isLegacyLob(from.id) || from.id == TypeId::Timestamp || from.id == TypeId::Xml))
         return Allowed::Never;
     if (isCharacter(from.id))
         return fromText(from, to.id);
@@ -100,7 +133,10 @@ Allowed conversionOf(const SqlType& from, const SqlType& to)
     return isCharacter(to.id) || isBinary(to.id) ? Allowed::Explicitly : Allowed::Never;
 }
 
-bool isVariableText(TypeId id) { return id == TypeId::VarChar || id == TypeId::NVarChar; }
+bool isVariableText(TypeId id)
+{
+    return id == TypeId::VarChar || id == TypeId::NVarChar;
+}
 
 /// A longer or equal length, (max) being the longest.
 bool holds(const SqlType& wide, const SqlType& narrow)
@@ -115,23 +151,25 @@ bool sameStorage(const SqlType& from, const SqlType& to)
 {
     if (isCharacter(from.id) && isCharacter(to.id)) {
         const bool keepsAlphabet = isUnicode(to.id) || !isUnicode(from.id);
-        const bool keepsLength = isLegacyLob(to.id) || (!isLegacyLob(from.id) && isVariableText(to.id) && holds(to, from));
+        const bool keepsLength =
+            isLegacyLob(to.id) || (!isLegacyLob(from.id) && isVariableText(to.id) && holds(to, from));
         return keepsAlphabet && (keepsLength || (from.id == to.id && from.length == to.length));
     }
     if (isBinary(from.id) && isBinary(to.id))
-        return to.id == TypeId::Image || (to.id == TypeId::VarBinary && from.id != TypeId::Image && holds(to, from)) ||
-               from == to;
+        return to.id == TypeId::Image ||
+               (to.id == TypeId::VarBinary && from.id != TypeId::Image && holds(to, from)) || from == to;
     if (isInteger(from.id) && isInteger(to.id))
         return from.id != TypeId::BigInt && to.id != TypeId::Bit && rank(from.id) <= rank(to.id);
     if (isDecimal(from.id) && isDecimal(to.id))
-        return from.scale == to.scale && from.precision <= to.precision && storageClass(from) == storageClass(to);
+        return from.scale == to.scale && from.precision <= to.precision &&
+               storageClass(from) == storageClass(to);
     if (from.id == TypeId::Real && to.id == TypeId::Float)
         return true;
     if (from.id == TypeId::SmallMoney && to.id == TypeId::Money)
         return true;
     const bool facetsFree = !isDecimal(from.id) && !isCharacter(from.id) && !isBinary(from.id);
-    return from.id == to.id && ((facetsFree && !isDateTime(from.id)) || from == to || isOldDateTime(from.id) ||
-                                from.id == TypeId::Date);
+    return from.id == to.id && ((facetsFree && !isDateTime(from.id)) || from == to ||
+                                isOldDateTime(from.id) || from.id == TypeId::Date);
 }
 
 std::string power10(int exponent)
@@ -186,7 +224,10 @@ SqlType commonText(const SqlType& left, const SqlType& right, TypeId id)
     return type;
 }
 
-bool isTextOrBytes(TypeId id) { return isCharacter(id) || isBinary(id); }
+bool isTextOrBytes(TypeId id)
+{
+    return isCharacter(id) || isBinary(id);
+}
 
 /// The length in characters that a value of any type may take as text.
 int textLength(const SqlType& type)
@@ -211,7 +252,8 @@ int textLength(const SqlType& type)
     }
 }
 
-SqlType commonPair(const SqlType& left, const SqlType& right, const SqlType& leftDecimal, const SqlType& rightDecimal)
+SqlType commonPair(const SqlType& left, const SqlType& right, const SqlType& leftDecimal,
+                   const SqlType& rightDecimal)
 {
     if (left.id == TypeId::Null)
         return right;
@@ -236,7 +278,8 @@ SqlType commonPair(const SqlType& left, const SqlType& right, const SqlType& lef
     }
     if (id == TypeId::Binary || id == TypeId::VarBinary) {
         const bool unlimited = left.length == maxLength || right.length == maxLength;
-        return {left.id == right.id ? id : TypeId::VarBinary, unlimited ? maxLength : std::max(left.length, right.length)};
+        return {left.id == right.id ? id : TypeId::VarBinary,
+                unlimited ? maxLength : std::max(left.length, right.length)};
     }
     SqlType type = left.id == id ? left : right;
     if (isDateTime(id) && left.id == right.id)
@@ -258,12 +301,19 @@ Term constantTerm(Value value, const SqlType& type)
     return term;
 }
 
-Term nullTerm() { return constantTerm({}, {TypeId::Null}); }
-Term integerTerm(std::int64_t value) { return constantTerm(Value{value, {}}, intType()); }
+Term nullTerm()
+{
+    return constantTerm({}, {TypeId::Null});
+}
+Term integerTerm(std::int64_t value)
+{
+    return constantTerm(Value{value, {}}, intType());
+}
 
 Term textTerm(std::string_view value)
 {
-    return constantTerm(Value{std::string(value), {}}, varCharType(std::max(1, static_cast<int>(utf16Length(value)))));
+    return constantTerm(Value{std::string(value), {}},
+                        varCharType(std::max(1, static_cast<int>(utf16Length(value)))));
 }
 
 Term resultTerm(std::string sql, const SqlType& type, bool nullable)
@@ -275,7 +325,10 @@ Term resultTerm(std::string sql, const SqlType& type, bool nullable)
     return term;
 }
 
-std::string typeArgument(const SqlType& type) { return std::to_string(packType(type)); }
+std::string typeArgument(const SqlType& type)
+{
+    return std::to_string(packType(type));
+}
 
 std::string callText(std::string_view function, std::initializer_list<std::string_view> arguments)
 {
@@ -292,7 +345,8 @@ std::string callText(std::string_view function, std::initializer_list<std::strin
 void requireConversion(const SqlType& from, const SqlType& to, Conversion conversion)
 {
     const Allowed allowed = conversionOf(from, to);
-    if (allowed == Allowed::Implicitly || (allowed == Allowed::Explicitly && conversion == Conversion::Explicit))
+    if (allowed == Allowed::Implicitly ||
+        (allowed == Allowed::Explicitly && conversion == Conversion::Explicit))
         return;
     const std::string source = typeName(from.id);
     const std::string target = typeName(to.id);
@@ -337,7 +391,8 @@ Term convertTerm(const Term& term, const SqlType& to, Conversion conversion, int
     if (conversion == Conversion::Assignment)
         result.sql = callText("t_asg", {term.sql, typeArgument(term.type), typeArgument(to)});
     else
-        result.sql = callText("t_cvt", {term.sql, typeArgument(term.type), typeArgument(to), std::to_string(style)});
+        result.sql =
+            callText("t_cvt", {term.sql, typeArgument(term.type), typeArgument(to), std::to_string(style)});
     return result;
 }
 
@@ -346,8 +401,8 @@ SqlType decimalTypeOf(const Term& term)
     if (term.integerLiteral && term.constant) {
         const auto* value = std::get_if<std::int64_t>(&term.constant->data);
         if (value != nullptr) {
-            const std::uint64_t magnitude = *value < 0 ? 0 - static_cast<std::uint64_t>(*value)
-                                                       : static_cast<std::uint64_t>(*value);
+            const std::uint64_t magnitude =
+                *value < 0 ? 0 - static_cast<std::uint64_t>(*value) : static_cast<std::uint64_t>(*value);
             return {TypeId::Numeric, 0, static_cast<std::uint8_t>(digitCount(magnitude)), 0};
         }
     }
@@ -375,7 +430,8 @@ Term mergedCollation(const Term& left, const Term& right, std::string_view opera
 {
     if (right.coercibility > left.coercibility || left.collation.empty())
         return right;
-    if (left.coercibility > right.coercibility || right.collation.empty() || left.collation == right.collation)
+    if (left.coercibility > right.coercibility || right.collation.empty() ||
+        left.collation == right.collation)
         return left;
     if (left.coercibility == Coercibility::Coercible)
         return left;
@@ -388,7 +444,8 @@ std::string comparable(const Term& term)
         return callText("t_offsetkey", {term.sql});
     if (!isCharacter(term.type.id) || term.collated)
         return term.sql;
-    return "(" + term.sql + ") COLLATE " + quotedName(term.collation.empty() ? defaultCollation : term.collation);
+    return "(" + term.sql + ") COLLATE " +
+           quotedName(term.collation.empty() ? defaultCollation : term.collation);
 }
 
 std::string_view operatorWording(std::string_view sqlOperator)
@@ -408,7 +465,8 @@ std::string compareTerms(Term left, Term right, std::string_view sqlOperator)
 {
     for (const Term* term : {&left, &right}) {
         if (isLegacyLob(term->type.id))
-            raise(402, {typeName(left.type.id), typeName(right.type.id), std::string(operatorWording(sqlOperator))});
+            raise(402, {typeName(left.type.id), typeName(right.type.id),
+                        std::string(operatorWording(sqlOperator))});
     }
     std::string collation;
     if (isCharacter(left.type.id) && isCharacter(right.type.id))

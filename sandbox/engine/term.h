@@ -13,7 +13,13 @@
 namespace practice {
 
 /// How firmly a text holds its collation when it meets another.
-enum class Coercibility : std::uint8_t { Coercible, Implicit, Conflict, Explicit };
+enum class Coercibility : std::uint8_t
+{
+    Coercible,
+    Implicit,
+    Conflict,
+    Explicit
+};
 
 struct Term
 {
@@ -29,7 +35,12 @@ struct Term
     bool integerLiteral = false;
 };
 
-enum class Conversion : std::uint8_t { Implicit, Explicit, Assignment };
+enum class Conversion : std::uint8_t
+{
+    Implicit,
+    Explicit,
+    Assignment
+};
 
 /// A literal in storage form.
 [[nodiscard]] Term constantTerm(Value value, const SqlType& type);
@@ -39,17 +50,39 @@ enum class Conversion : std::uint8_t { Implicit, Explicit, Assignment };
 /// The outcome of a function of ours: `sql` with a result that may be NULL.
 [[nodiscard]] Term resultTerm(std::string sql, const SqlType& type, bool nullable = true);
 
-[[nodiscard]] inline SqlType intType() { return {TypeId::Int, 4}; }
-[[nodiscard]] inline SqlType bigIntType() { return {TypeId::BigInt, 8}; }
-[[nodiscard]] inline SqlType floatType() { return {TypeId::Float, 8}; }
-[[nodiscard]] inline SqlType dateTimeType() { return {TypeId::DateTime, 8}; }
-[[nodiscard]] inline SqlType varCharType(int length) { return {TypeId::VarChar, length}; }
-[[nodiscard]] inline SqlType nVarCharType(int length) { return {TypeId::NVarChar, length}; }
-[[nodiscard]] inline SqlType sysNameType() { return nVarCharType(128); }
+[[nodiscard]] inline SqlType intType()
+{
+    return {TypeId::Int, 4};
+}
+[[nodiscard]] inline SqlType bigIntType()
+{
+    return {TypeId::BigInt, 8};
+}
+[[nodiscard]] inline SqlType floatType()
+{
+    return {TypeId::Float, 8};
+}
+[[nodiscard]] inline SqlType dateTimeType()
+{
+    return {TypeId::DateTime, 8};
+}
+[[nodiscard]] inline SqlType varCharType(int length)
+{
+    return {TypeId::VarChar, length};
+}
+[[nodiscard]] inline SqlType nVarCharType(int length)
+{
+    return {TypeId::NVarChar, length};
+}
+[[nodiscard]] inline SqlType sysNameType()
+{
+    return nVarCharType(128);
+}
 
 /// The packed type as SQL text.
 [[nodiscard]] std::string typeArgument(const SqlType& type);
-[[nodiscard]] std::string callText(std::string_view function, std::initializer_list<std::string_view> arguments);
+[[nodiscard]] std::string callText(std::string_view function,
+                                   std::initializer_list<std::string_view> arguments);
 
 /// Raises when no such conversion exists: 206, 257, 529.
 void requireConversion(const SqlType& from, const SqlType& to, Conversion conversion);

@@ -19,7 +19,9 @@ namespace {
 class Units
 {
 public:
-    explicit Units(std::string_view text) : ascii_(text), wide_(isAscii(text) ? std::u16string() : toUtf16(text)) {}
+    explicit Units(std::string_view text)
+        : ascii_(text), wide_(isAscii(text) ? std::u16string() : toUtf16(text))
+    {}
 
     [[nodiscard]] std::size_t size() const { return isWide() ? wide_.size() : ascii_.size(); }
     [[nodiscard]] std::string part(std::size_t from, std::size_t count) const
@@ -34,7 +36,10 @@ private:
     std::u16string wide_;
 };
 
-std::string_view withoutTrailing(std::string_view text) { return text.substr(0, text.find_last_not_of(' ') + 1); }
+std::string_view withoutTrailing(std::string_view text)
+{
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
 
 // len(text)
 void len(const Call& call)
@@ -44,7 +49,10 @@ void len(const Call& call)
 }
 
 // blen(bytes): LEN of a binary value
-void blen(const Call& call) { call.result(static_cast<std::int64_t>(call.blob(0).size())); }
+void blen(const Call& call)
+{
+    call.result(static_cast<std::int64_t>(call.blob(0).size()));
+}
 
 struct Span
 {
@@ -62,7 +70,8 @@ Span cut(std::int64_t start, std::int64_t length, std::size_t size)
     const auto total = static_cast<std::int64_t>(size);
     if (first > total || end <= first)
         return {0, 0};
-    return {static_cast<std::size_t>(first - 1), static_cast<std::size_t>(std::min(end - first, total - first + 1))};
+    return {static_cast<std::size_t>(first - 1),
+            static_cast<std::size_t>(std::min(end - first, total - first + 1))};
 }
 
 void substring(const Call& call)
@@ -104,7 +113,10 @@ void ltrim(const Call& call)
     call.result(text.substr(std::min(text.find_first_not_of(' '), text.size())));
 }
 
-void rtrim(const Call& call) { call.result(withoutTrailing(call.text(0))); }
+void rtrim(const Call& call)
+{
+    call.result(withoutTrailing(call.text(0)));
+}
 
 // trim(text, characters)
 void trim(const Call& call)
@@ -131,8 +143,14 @@ void recase(const Call& call, char from, char to, Fold fold)
     call.result(std::string_view(result));
 }
 
-void upper(const Call& call) { recase(call, 'a', 'A', u_toupper); }
-void lower(const Call& call) { recase(call, 'A', 'a', u_tolower); }
+void upper(const Call& call)
+{
+    recase(call, 'a', 'A', u_toupper);
+}
+void lower(const Call& call)
+{
+    recase(call, 'A', 'a', u_tolower);
+}
 
 void reverse(const Call& call)
 {
@@ -304,7 +322,10 @@ std::string soundexOf(std::string_view text)
     return code;
 }
 
-void soundex(const Call& call) { call.result(std::string_view(soundexOf(call.text(0)))); }
+void soundex(const Call& call)
+{
+    call.result(std::string_view(soundexOf(call.text(0))));
+}
 
 void difference(const Call& call)
 {

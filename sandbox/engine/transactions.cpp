@@ -7,7 +7,10 @@ namespace practice {
 
 namespace {
 
-std::string savepointName(const std::string& name) { return quotedName("save " + foldName(name)); }
+std::string savepointName(const std::string& name)
+{
+    return quotedName("save " + foldName(name));
+}
 
 std::string descriptorBytes(std::uint64_t descriptor)
 {

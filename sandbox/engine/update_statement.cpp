@@ -33,11 +33,13 @@ const Source* findTarget(const Scope& scope, const ast::TableSource& target, con
 {
     const auto* named = ast::tryAs<ast::NamedTable>(&target);
     for (const Source& source : scope.sources) {
-        if (named != nullptr && source.aliased && named->name.schema.empty() && sameName(source.exposed, named->name.object))
+        if (named != nullptr && source.aliased && named->name.schema.empty() &&
+            sameName(source.exposed, named->name.object))
             return &source;
     }
     for (const Source& source : scope.sources) {
-        if (table && source.object && source.object->id == table->id && source.object->databaseId == table->databaseId)
+        if (table && source.object && source.object->id == table->id &&
+            source.object->databaseId == table->databaseId)
             return &source;
     }
     return nullptr;
@@ -48,11 +50,11 @@ class ChangeBinder
 {
 public:
     ChangeBinder(SessionState& session, const ast::TableSource& target,
-                 const std::vector<ast::TableSourcePtr>& from, const ast::Expression* where, const char* action)
-        : session_(session), translator_(session.bindContext()), target_(target), fromList_(from), whereNode_(where),
-          action_(action)
-    {
-    }
+                 const std::vector<ast::TableSourcePtr>& from, const ast::Expression* where,
+                 const char* action)
+        : session_(session), translator_(session.bindContext()), target_(target), fromList_(from),
+          whereNode_(where), action_(action)
+    {}
 
     void bindSources(ChangePlan& plan)
     {
@@ -73,7 +75,8 @@ public:
             const std::string exposed = !target_.alias.empty() ? target_.alias
                                         : named != nullptr     ? named->name.object
                                                                : ast::as<ast::VariableTable>(target_).name;
-            const std::string own = translator_.addStoredTable(plan.table, {.exposed = exposed, .shown = exposed}, scope_);
+            const std::string own =
+                translator_.addStoredTable(plan.table, {.exposed = exposed, .shown = exposed}, scope_);
             from_ = from_.empty() ? own : own + ", " + from_;
         }
         handle_ = findTarget(scope_, target_, plan.table)->handle;
@@ -113,7 +116,8 @@ private:
 bool hasUniqueKeyOn(const Object& table, const std::vector<int>& columns)
 {
     return std::any_of(table.indexes.begin(), table.indexes.end(), [&columns](const Index& index) {
-        return index.unique && std::any_of(index.keys.begin(), index.keys.end(), [&columns](const IndexKey& key) {
+        return index.unique &&
+               std::any_of(index.keys.begin(), index.keys.end(), [&columns](const IndexKey& key) {
                    return std::find(columns.begin(), columns.end(), key.columnId) != columns.end();
                });
     });
@@ -125,8 +129,8 @@ bool hasTimestamp(const Object& table)
                        [](const Column& column) { return column.type.id == TypeId::Timestamp; });
 }
 
-std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPtr& table, const Column& column,
-                     const ast::Assignment& assignment)
+std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPtr& table,
+                     const Column& column, const ast::Assignment& assignment)
 {
     Translator& translator = binder.translator();
     Term value;
@@ -143,14 +147,15 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
     }
     if (assignment.op != ast::AssignmentOperator::Set) {
         const auto op = static_cast<ast::BinaryOperator>(static_cast<int>(assignment.op) - 1);
-        const Term before = resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
+        const Term before =
+            resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
         value = arithmetic(op, before, value);
     }
     const Term converted = convertTerm(value, column.type, Conversion::Assignment);
     if (column.nullable || !converted.nullable)
         return converted.sql;
-    return callText("t_required", {converted.sql, quotedText(column.name), quotedText(fullName(session, *table)),
-                                   "'UPDATE'"});
+    return callText("t_required", {converted.sql, quotedText(column.name),
+                                   quotedText(fullName(session, *table)), "'UPDATE'"});
 }
 
 std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateStatement& statement)
@@ -192,12 +197,14 @@ std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateS
         }
     }
     const bool quiet = table.checks.empty() && table.foreignKeys.empty() && table.referencedBy.empty();
-    plan->direct = binder.isAlone() && quiet && !statement.top && !statement.output && plan->variables.empty() &&
-                   !plan->columns.empty() && !hasUniqueKeyOn(table, plan->columns) && !hasTimestamp(table);
+    plan->direct = binder.isAlone() && quiet && !statement.top && !statement.output &&
+                   plan->variables.empty() && !plan->columns.empty() &&
+                   !hasUniqueKeyOn(table, plan->columns) && !hasTimestamp(table);
     std::string text;
     if (plan->direct) {
         for (std::size_t i = 0; i < values.size(); ++i)
-            text += (i == 0 ? "UPDATE " + binder.from() + " SET " : ", ") + storageColumn(plan->columns[i]) + " = " + values[i];
+            text += (i == 0 ? "UPDATE " + binder.from() + " SET " : ", ") + storageColumn(plan->columns[i]) +
+                    " = " + values[i];
         text += binder.where();
     } else {
         text = "SELECT " + binder.handle() + ".rowid";
@@ -220,7 +227,8 @@ std::unique_ptr<ChangePlan> bindDelete(SessionState& session, const ast::DeleteS
     ChangeBinder binder(session, *statement.target, statement.from, statement.where.get(), "DELETE");
     binder.translator().enterCommonTables(statement.commonTables);
     binder.bindSources(*plan);
-    plan->direct = binder.isAlone() && plan->table->referencedBy.empty() && !statement.top && !statement.output;
+    plan->direct =
+        binder.isAlone() && plan->table->referencedBy.empty() && !statement.top && !statement.output;
     const std::string text = plan->direct ? "DELETE FROM " + binder.from() + binder.where()
                                           : "SELECT " + binder.handle() + ".rowid FROM " + binder.from() +
                                                 binder.where() + binder.limit(statement.top);
@@ -268,7 +276,8 @@ std::vector<RowChange> collectChanges(SessionState& session, ChangePlan& plan)
             continue;
         RowChange change{row, {}};
         for (std::size_t i = 0; i < plan.columns.size(); ++i)
-            change.values.emplace_back(sqlite3_value_dup(sqlite3_column_value(handle, static_cast<int>(i + 1))));
+            change.values.emplace_back(
+                sqlite3_value_dup(sqlite3_column_value(handle, static_cast<int>(i + 1))));
         changes.push_back(std::move(change));
         for (std::size_t i = 0; i < plan.variables.size(); ++i) {
             Value value;
@@ -352,8 +361,9 @@ void executeTruncate(SessionState& session, const ast::TruncateStatement& statem
         if (table->kind != ObjectKind::UserTable)
             raise(4708, {statement.table.object});
         requirePermission(session, *table, "DELETE");
-        const bool referenced = std::any_of(table->referencedBy.begin(), table->referencedBy.end(),
-                                            [](const ForeignKey& key) { return key.tableId != key.referencedId; });
+        const bool referenced =
+            std::any_of(table->referencedBy.begin(), table->referencedBy.end(),
+                        [](const ForeignKey& key) { return key.tableId != key.referencedId; });
         if (referenced)
             raise(4712, {statement.table.object});
         execute(session.connection(), "DELETE FROM " + storageTable(table->databaseId, table->id));

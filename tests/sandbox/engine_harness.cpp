@@ -28,8 +28,8 @@ void Answer::message(const Message& message)
         text += "-- " + message.text + "\n";
         return;
     }
-    text += "Msg " + std::to_string(message.number) + ", Level " + std::to_string(message.severity) + ", State " +
-            std::to_string(message.state);
+    text += "Msg " + std::to_string(message.number) + ", Level " + std::to_string(message.severity) +
+            ", State " + std::to_string(message.state);
     if (!message.procedure.empty())
         text += ", Procedure " + message.procedure;
     if (showLines)
@@ -70,7 +70,10 @@ TemporaryDirectory::~TemporaryDirectory()
     std::filesystem::remove_all(path_, ignored);
 }
 
-Engine::Engine() { restart(); }
+Engine::Engine()
+{
+    restart();
+}
 
 void Engine::restart()
 {
@@ -94,7 +97,10 @@ std::string Engine::run(Session& session, const std::string& batch)
     return answer.text;
 }
 
-std::string Engine::run(const std::string& batch) { return run(*session_, batch); }
+std::string Engine::run(const std::string& batch)
+{
+    return run(*session_, batch);
+}
 
 std::string Engine::runCounted(const std::string& batch)
 {
