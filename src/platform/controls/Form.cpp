@@ -40,8 +40,6 @@ Form::Form(QWidget* parent) : QWidget(parent) {}
 Form::~Form()
 {
     loadedWindows().removeAll(this);
-    if (m_frame)
-        m_frame->deleteLater(); // nothing is left to show
 }
 
 void Form::setCaption(const QString& caption)

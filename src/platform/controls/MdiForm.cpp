@@ -35,7 +35,10 @@ MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(thi
 
 MdiForm::~MdiForm()
 {
-    m_area->disconnect(this); // the area still tells of children while it dies
+    // The area and its frames still tell of themselves while they die.
+    for (QMdiSubWindow* frame : m_area->subWindowList())
+        frame->disconnect(this);
+    m_area->disconnect(this);
     loadedWindows().removeAll(this);
 }
 
@@ -116,6 +119,7 @@ QMdiSubWindow* MdiForm::adopt(Form* form)
     const QPoint place = cascadePlace(static_cast<int>(m_area->subWindowList().size()) - 1);
     frame->move(std::clamp(room.width() - frame->width(), 0, place.x()),
                 std::clamp(room.height() - frame->height(), 0, place.y()));
+    connect(form, &QObject::destroyed, frame, &QObject::deleteLater); // a frame shows nothing else
     connect(frame, &QMdiSubWindow::windowStateChanged, this,
             [this, frame](auto before, auto now) { childStateChanged(frame, before, now); });
     return frame;
