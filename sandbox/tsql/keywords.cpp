@@ -133,7 +133,6 @@ constexpr std::array entries = std::to_array<Entry>({
     {"PERCENT", Keyword::Percent},
     {"PIVOT", Keyword::Pivot},
     {"PLAN", Keyword::Plan},
-    {"PRECISION", Keyword::Precision},
     {"PRIMARY", Keyword::Primary},
     {"PRINT", Keyword::Print},
     {"PROC", Keyword::Proc},

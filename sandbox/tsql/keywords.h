@@ -129,7 +129,6 @@ enum class Keyword : std::uint8_t
     Percent,
     Pivot,
     Plan,
-    Precision,
     Primary,
     Print,
     Proc,

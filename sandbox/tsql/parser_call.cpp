@@ -420,7 +420,7 @@ std::string QueryParser::typeName()
     const auto take = [&] { name += (name.empty() ? "" : " ") + advance().content(); };
     if (at(Keyword::Double)) {
         take();
-        if (!at(Keyword::Precision))
+        if (!atWord("PRECISION"))
             fail();
         take();
         return name;
