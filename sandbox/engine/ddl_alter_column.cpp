@@ -23,13 +23,6 @@ bool holdsKey(const Index& index, int columnId)
                        [&](const IndexKey& key) { return key.columnId == columnId; });
 }
 
-Object without(const Object& table, int columnId)
-{
-    Object rest = table;
-    std::erase_if(rest.columns, [&](const Column& column) { return column.id == columnId; });
-    return rest;
-}
-
 /// An expression names a column when it can't be bound without it.
 template <typename Bind>
 bool failsToBind(Bind bind)
@@ -208,13 +201,13 @@ std::vector<Dependent> dependentsOf(SessionContext& session, const Object& table
         if (holds(key.referencedColumns, column.id))
             found.push_back({DependentKind::ForeignKey, key.name});
     }
-    const Object rest = without(table, column.id);
+    const Object rest = tableWithout(session, table, column.id);
     for (const CheckConstraint& check : table.checks) {
         if (failsToBind([&] { return session.translateCondition(rest, check.text); }))
             found.push_back({DependentKind::Check, check.name});
     }
-    for (const Column& other : rest.columns) {
-        if (other.computed && failsToBind([&] { return session.typeOfExpression(&rest, *other.computed); }))
+    for (const Column& other : table.columns) {
+        if (other.id != column.id && rest.column(other.id) == nullptr)
             found.push_back({DependentKind::Computed, other.name});
     }
     if (column.defaultId != 0)

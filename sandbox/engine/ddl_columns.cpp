@@ -158,6 +158,24 @@ void requireCompatible(const std::string& table, const std::vector<Column>& colu
               {table, std::to_string(size.total), std::to_string(size.overhead), std::to_string(maximumRow)});
 }
 
+Object tableWithout(SessionContext& session, const Object& table, int columnId)
+{
+    Object rest = table;
+    std::erase_if(rest.columns, [&](const Column& column) { return column.id == columnId || column.computed; });
+    const Object stored = rest;
+    for (const Column& column : table.columns) {
+        if (!column.computed || column.id == columnId)
+            continue;
+        try {
+            (void)session.typeOfExpression(&stored, *column.computed);
+            rest.columns.push_back(column);
+        } catch (const SqlError&) {
+            continue; // it goes with the column
+        }
+    }
+    return rest;
+}
+
 bool nullableByDefault(SessionContext& session, const Database& database)
 {
     return session.options().ansiNullDefault || (database.options & AnsiNullDefault) != 0;

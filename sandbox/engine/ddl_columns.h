@@ -31,6 +31,10 @@ struct ColumnSetting
 /// Refuses what columns can't be together: 2705, 2744, 2738, 8196, 1702, 1701.
 void requireCompatible(const std::string& table, const std::vector<Column>& columns);
 
+/// The table as it would be without a column, and without the computed columns that need it. What can't
+/// be bound against that names the column.
+[[nodiscard]] Object tableWithout(SessionContext& session, const Object& table, int columnId);
+
 /// Whether a column that does not say so allows NULL.
 [[nodiscard]] bool nullableByDefault(SessionContext& session, const Database& database);
 

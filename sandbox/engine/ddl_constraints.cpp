@@ -1,6 +1,7 @@
 #include "engine/ddl_constraints.h"
 
 #include "engine/catalog_writer.h"
+#include "engine/ddl_columns.h"
 #include "engine/ddl_names.h"
 #include "engine/errors.h"
 
@@ -53,8 +54,7 @@ int onlyColumn(SessionContext& session, const Object& table, const std::string& 
 {
     int only = 0;
     for (const Column& column : table.columns) {
-        Object rest = table;
-        std::erase_if(rest.columns, [&](const Column& other) { return other.id == column.id; });
+        const Object rest = tableWithout(session, table, column.id);
         try {
             (void)session.translateCondition(rest, condition);
         } catch (const SqlError&) {
