@@ -8,6 +8,7 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -56,8 +57,9 @@ public:
     {
         sockaddr_in address = loopback(0);
         socklen_t size = sizeof address;
-        ::bind(m_socket.get(), reinterpret_cast<sockaddr*>(&address), size);
-        ::listen(m_socket.get(), 8);
+        if (::bind(m_socket.get(), reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+            ::listen(m_socket.get(), 8) != 0)
+            throw std::runtime_error("no port to listen on");
         ::getsockname(m_socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
         m_port = ntohs(address.sin_port);
         m_thread = std::thread([this] { run(); });
@@ -127,7 +129,8 @@ private:
     {
         const Descriptor server(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
         const sockaddr_in address = loopback(m_serverPort);
-        ::connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        if (::connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+            return;
         while (!stopping) {
             if (fault == Fault::Close)
                 return;
@@ -293,7 +296,8 @@ TEST(AdoConnect, FailsInTimeWithASentenceThatNamesTheServer)
     };
     for (const auto& [source, named] : unreachable) {
         ado::Connection connection;
-        const auto error = errorOf([&] { connection.Open(u"Data Source="_s + source + u";User Id=sa;"_s); });
+        const auto error = errorOf(
+            [&, source = source] { connection.Open(u"Data Source="_s + source + u";User Id=sa;"_s); });
         ASSERT_TRUE(error);
         EXPECT_EQ(error->number(), ado::number::NoServer);
         EXPECT_TRUE(error->description().contains(named)) << error->what();

@@ -370,7 +370,7 @@ TEST_F(AdoWire, LogsInWithAnyPassword)
     for (const auto& [part, password] : cases) {
         server.engine.password = password;
         ado::Connection other;
-        const auto error = errorOf([&] { other.Open(base + part, u""_s, u""_s, -1); });
+        const auto error = errorOf([&, part = part] { other.Open(base + part, u""_s, u""_s, -1); });
         EXPECT_FALSE(error) << password << ": " << (error ? error->what() : "");
         EXPECT_EQ(server.engine.lastLogin.database, "a b");
         EXPECT_EQ(server.engine.lastLogin.application, "Quermo");

@@ -156,8 +156,10 @@ TEST(BoundedArray, KeepsItsBounds)
     EXPECT_EQ(names.at(0, 1), u"PRIMARY");
     const std::pair<int, int> outside[] = {{-1, 0}, {0, -1}, {201, 0}, {0, 5}};
     for (const auto& [row, column] : outside) {
-        EXPECT_EQ(errorOf([&] { static_cast<void>(names.at(row, column)); }), basic::error::Subscript);
-        EXPECT_EQ(errorOf([&] { names(row, column) = u"x"_s; }), basic::error::Subscript);
+        EXPECT_EQ(errorOf([&, row = row, column = column] { static_cast<void>(names.at(row, column)); }),
+                  basic::error::Subscript);
+        EXPECT_EQ(errorOf([&, row = row, column = column] { names(row, column) = u"x"_s; }),
+                  basic::error::Subscript);
     }
     names.Redim(0, 4);
     EXPECT_EQ(names.at(0, 1), u"");

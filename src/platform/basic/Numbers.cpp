@@ -33,8 +33,9 @@ double fromDigits(const QByteArray& digits)
     double value = 0;
     const auto outcome = std::from_chars(begin, digits.constEnd(), value);
     if (outcome.ec == std::errc::result_out_of_range) {
-        const bool tiny = digits.contains("e-") || *begin == '0' || *begin == '.';
-        if (!tiny)
+        const char first = *begin == '-' ? begin[1] : *begin;
+        const bool isTiny = digits.contains("e-") || first == '0' || first == '.';
+        if (!isTiny)
             raise(error::Overflow);
         return 0;
     }
