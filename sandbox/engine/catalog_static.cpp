@@ -4,6 +4,7 @@
 #include "engine/catalog_writer.h"
 #include "engine/storage.h"
 #include "engine/store.h"
+#include "engine/system_procedures.h"
 
 #include <array>
 
@@ -199,6 +200,21 @@ void insertSystemObjects(sqlite3* connection)
     }
 }
 
+void insertProcedures(sqlite3* connection)
+{
+    constexpr int firstProcedureId = 300;
+    constexpr int masterId = 1;
+    int id = firstProcedureId;
+    for (const std::string& name : systemProcedureNames()) {
+        NewObject object;
+        object.id = id++;
+        object.name = name;
+        object.kind = name.starts_with("xp_") ? ObjectKind::ExtendedProcedure : ObjectKind::Procedure;
+        object.shipped = true;
+        insertObject(connection, masterId, object);
+    }
+}
+
 } // namespace
 
 void insertStaticRows(sqlite3* connection)
@@ -216,6 +232,7 @@ void insertStaticRows(sqlite3* connection)
     execute(connection, "INSERT INTO sys_value(name, number, type, low, high, status) "
                         "SELECT NULL, n - 1, 'P', 1 + (n - 1) / 8, 1 << ((n - 1) % 8), 0 FROM sys_number");
     insertSystemObjects(connection);
+    insertProcedures(connection);
 }
 
 } // namespace practice

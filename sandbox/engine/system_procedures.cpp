@@ -47,11 +47,15 @@ std::size_t placeOf(const char* procedure, const std::vector<Declared>& declared
     return std::size_t(found - declared.begin());
 }
 
+std::array<std::span<const SystemProcedure>, 8> allGroups()
+{
+    return {helpProcedures(),       securityHelpProcedures(), databaseProcedures(), driverProcedures(),
+            driverTypeProcedures(), securityProcedures(),     renameProcedures(),   serverProcedures()};
+}
+
 const SystemProcedure* findProcedure(const std::string& name)
 {
-    for (const auto group :
-         {helpProcedures(), securityHelpProcedures(), databaseProcedures(), driverProcedures(),
-          driverTypeProcedures(), securityProcedures(), renameProcedures(), serverProcedures()}) {
+    for (const auto group : allGroups()) {
         for (const SystemProcedure& procedure : group) {
             if (sameName(procedure.name, name))
                 return &procedure;
@@ -113,6 +117,16 @@ std::uint64_t ProcedureCall::sendRows(const char* columns, const std::string& so
         completion.rows = count;
     sink.done(completion);
     return count;
+}
+
+std::vector<std::string> systemProcedureNames()
+{
+    std::vector<std::string> names;
+    for (const auto group : allGroups()) {
+        for (const SystemProcedure& procedure : group)
+            names.emplace_back(procedure.name);
+    }
+    return names;
 }
 
 std::string likePattern(const std::string& expression, const std::optional<std::string>& pattern)

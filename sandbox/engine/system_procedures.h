@@ -59,6 +59,9 @@ struct SystemProcedure
 [[nodiscard]] std::span<const SystemProcedure> renameProcedures();       ///< sp_rename
 [[nodiscard]] std::span<const SystemProcedure> serverProcedures();       ///< sp_who, sp_configure ...
 
+/// Of all of them; in the order of their groups.
+[[nodiscard]] std::vector<std::string> systemProcedureNames();
+
 /// `expression LIKE pattern` in SQLite's dialect, by Transact-SQL's rules; always true without a
 /// pattern.
 [[nodiscard]] std::string likePattern(const std::string& expression,

@@ -16,8 +16,8 @@ SELECT p.Codigo, p.Producto, g.Categoria, p.Precio, p.Tamaño
 FROM Productos p, Categorias g
 WHERE g.IdCategoria = p.IdCategoria)",
 
-    "CREATE VIEW [Clientes con crédito] AS SELECT IdCliente, Nombre, LimiteCredito FROM Clientes "
-    "WHERE LimiteCredito > 0",
+    R"(CREATE VIEW [Clientes con crédito] AS
+SELECT IdCliente, Nombre, LimiteCredito FROM Clientes WHERE LimiteCredito > 0)",
 
     R"(CREATE PROCEDURE PedidosDeCliente @IdCliente int
 AS
