@@ -161,7 +161,8 @@ void requireCompatible(const std::string& table, const std::vector<Column>& colu
 Object tableWithout(SessionContext& session, const Object& table, int columnId)
 {
     Object rest = table;
-    std::erase_if(rest.columns, [&](const Column& column) { return column.id == columnId || column.computed; });
+    std::erase_if(rest.columns,
+                  [&](const Column& column) { return column.id == columnId || column.computed; });
     const Object stored = rest;
     for (const Column& column : table.columns) {
         if (!column.computed || column.id == columnId)

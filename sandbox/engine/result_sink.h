@@ -35,7 +35,12 @@ struct Message
 /// How a statement ended: one DONE, DONEINPROC or DONEPROC each.
 struct Completion
 {
-    enum class Kind { Statement, InProcedure, Procedure };
+    enum class Kind
+    {
+        Statement,
+        InProcedure,
+        Procedure
+    };
     Kind kind = Kind::Statement;
     std::optional<std::uint64_t> rows; ///< rows affected or returned; none when it counts nothing
     std::uint16_t command = 0;         ///< the wire's current-command token (SELECT 0xC1, INSERT 0xC3 ...)
@@ -44,7 +49,8 @@ struct Completion
     bool attention = false; ///< answers a cancel
 };
 
-enum class EnvironmentChange : std::uint8_t {
+enum class EnvironmentChange : std::uint8_t
+{
     Database = 1,
     Language = 2,
     PacketSize = 4,

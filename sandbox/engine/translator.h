@@ -21,7 +21,8 @@ namespace practice {
 /// A value that a translated statement takes when it runs, as ?1, ?2 ...
 struct ParameterSlot
 {
-    enum class Kind : std::uint8_t {
+    enum class Kind : std::uint8_t
+    {
         Variable, ///< a local variable, by its name
         Global,   ///< @@ROWCOUNT, or what a session knows: "getdate()", "db_name()"
     };
@@ -67,7 +68,16 @@ struct Source
 };
 
 /// Where an expression stands decides what it may hold.
-enum class Clause : std::uint8_t { Select, Where, On, GroupBy, Having, OrderBy, Scalar };
+enum class Clause : std::uint8_t
+{
+    Select,
+    Where,
+    On,
+    GroupBy,
+    Having,
+    OrderBy,
+    Scalar
+};
 
 struct Scope
 {
@@ -197,7 +207,8 @@ private:
     std::string viewTable(const ObjectPtr& view, Source source, Scope& scope);
     std::string commonTable(const VisibleTable& table, const ast::NamedTable& node, Scope& scope);
     std::string recursiveReference(RecursiveTable& table, const ast::NamedTable& node, Scope& scope);
-    std::string addSource(Source source, const std::vector<QueryColumn>& columns, const std::string& sql, Scope& scope);
+    std::string addSource(Source source, const std::vector<QueryColumn>& columns, const std::string& sql,
+                          Scope& scope);
 
     BindContext context_;
     std::vector<ParameterSlot> parameters_;
