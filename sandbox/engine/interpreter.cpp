@@ -48,6 +48,19 @@ bool terminates(int number)
     return std::binary_search(numbers.begin(), numbers.end(), number);
 }
 
+/// Lets go of the statement's view of the store however it ends.
+class StatementEnd
+{
+public:
+    explicit StatementEnd(SessionState& session) : session_(session) {}
+    ~StatementEnd() { session_.endStatement(); }
+    StatementEnd(const StatementEnd&) = delete;
+    StatementEnd& operator=(const StatementEnd&) = delete;
+
+private:
+    SessionState& session_;
+};
+
 } // namespace
 
 void Interpreter::runBatch(const std::string& text)
@@ -183,6 +196,7 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         if (statement.kind == Kind::Throw)
             throw BatchAborted{};
     };
+    const StatementEnd end(session_);
     try {
         work();
         session_.lastError = session_.errorOfStatement();
@@ -445,6 +459,7 @@ void Interpreter::waitFor(const ast::WaitForStatement& node)
         left += left < 0 ? millisecondsPerDay : 0;
     }
     constexpr std::int64_t slice = 10;
+    session_.endStatement();
     for (; left > 0; left -= slice) {
         if (session_.store().cancelled())
             throw Cancelled{};

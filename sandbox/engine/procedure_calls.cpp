@@ -110,6 +110,7 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
     const auto leave = [this] {
         const std::unique_ptr<Frame> ended = session_.popFrame();
         session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
+        session_.endStatement();
     };
     try {
         session_.beginStatement();

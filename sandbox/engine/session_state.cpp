@@ -52,6 +52,7 @@ SessionState::SessionState(const std::filesystem::path& dataDirectory, const std
     registerCatalogFunctions(connection());
     registerSessionFunctions(*this);
     catalog_ = std::make_unique<Catalog>(connection());
+    snapshot_ = Statement(connection(), "SELECT version FROM cat_version", true);
 }
 
 SessionState::~SessionState()
@@ -247,6 +248,10 @@ void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command
 void SessionState::beginStatement()
 {
     clockRead_ = false;
+    if (!store_.inTransaction()) {
+        snapshot_.reset();
+        snapshot_.step();
+    }
     catalog_->version();
 }
 

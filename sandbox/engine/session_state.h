@@ -186,6 +186,8 @@ public:
     const DateTimeValue& now(bool utc);
     /// The clock stands still within a statement, and so does what others commit to the catalog.
     void beginStatement();
+    /// A statement outside any transaction reads one state of the store throughout.
+    void endStatement() { snapshot_.reset(); }
 
 private:
     void announceTransaction(EnvironmentChange kind);
@@ -198,6 +200,7 @@ private:
     Login login_;
     Store store_;
     std::unique_ptr<Catalog> catalog_;
+    Statement snapshot_; ///< while it stands on a row, the store's read transaction stays open
     std::string databaseName_;
     int databaseId_ = 1;
     Principal user_;

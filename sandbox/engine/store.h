@@ -65,6 +65,7 @@ public:
     bool step();
     /// Steps to the end and makes it ready for another run.
     void run();
+    /// Harmless for one that was never prepared.
     void reset();
 
     [[nodiscard]] bool isNull(int column) const

@@ -42,9 +42,11 @@ void SessionState::beginTransaction(const std::string& name)
 /// blocks a writer nor grows stale.
 void SessionState::beginWrite()
 {
+    endStatement();
     if (store_.inTransaction())
         return;
     store_.beginWrite();
+    catalog_->version();
     for (const std::string& pending : pendingSavepoints_)
         execute(connection(), "SAVEPOINT " + savepointName(pending));
     pendingSavepoints_.clear();

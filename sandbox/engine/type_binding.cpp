@@ -82,7 +82,9 @@ SqlType resolveType(const ast::DataType& written, bool declaration)
     const SqlType type = defaultType(written.id, declaration);
     switch (written.id) {
     case TypeId::Null:
-        raise(243, {writtenName(written.name)});
+        if (!sameName(written.name.object, "sysname"))
+            raise(243, {writtenName(written.name)});
+        return sysNameType(); // the one alias that every database knows
     case TypeId::Char:
     case TypeId::VarChar:
     case TypeId::NChar:
