@@ -18,6 +18,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+void PrintTo(const QString& texto, std::ostream* salida)
+{
+    *salida << '"' << texto.toStdString() << '"';
+}
+
 namespace pruebas {
 
 void PrintTo(const Aviso& aviso, std::ostream* salida)
@@ -116,6 +121,15 @@ void Consola::Pulsa(const QString& claveDelNodo)
     ASSERT_NE(nodo, nullptr) << claveDelNodo.toStdString();
     arbol->Select(nodo);
     ::frmAdministrador->trvBD_Click();
+}
+
+controls::ListItem* Consola::Elemento(const QString& texto)
+{
+    auto* lista = ::frmAdministrador->ltvTablas;
+    for (int i = 0; i < lista->ListCount(); ++i)
+        if (lista->Item(i)->Text() == texto)
+            return lista->Item(i);
+    return nullptr;
 }
 
 } // namespace pruebas

@@ -2,6 +2,7 @@
 // them, every statement recorded, every message box answered from a script.
 #pragma once
 
+#include "platform/controls/ListView.h"
 #include "platform/controls/MessageBox.h"
 
 #include <gtest/gtest.h>
@@ -9,9 +10,12 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
+#include <iosfwd>
 
 class QAction;
+
+/// How a failed expectation shows a text.
+void PrintTo(const QString& texto, std::ostream* salida);
 
 namespace pruebas {
 
@@ -55,6 +59,8 @@ protected:
     void Abre(QAction* entrada);
     /// Clicks a node of the browser's tree, or chooses a menu entry.
     void Pulsa(const QString& claveDelNodo);
+    /// The item of the browser's list that shows a text, or null.
+    static controls::ListItem* Elemento(const QString& texto);
 
     controls::Answer respuesta = controls::Answer::Ok;
 

@@ -211,8 +211,9 @@ TEST_F(Consola, RegistersAreFoundByTheirConditions)
     EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:208 (Invalid object name 'master..nada'.)."_s, 48,
                                        u"Atención."_s}}));
     EXPECT_EQ(DameIntercalacion(u"master"_s), u"SQL_Latin1_General_CP1_CI_AS"_s);
-    EXPECT_EQ(Transcripcion().right(90),
-              Lineas({u" select convert(sysname,DatabasePropertyEx('master','Collation'))"_s}).right(90));
+    EXPECT_EQ(Transcripcion(),
+              Lineas({u"Select name from master..nada where name = 'x'"_s,
+                      u" select convert(sysname,DatabasePropertyEx('master','Collation'))"_s}));
 }
 
 } // namespace pruebas

@@ -87,17 +87,13 @@ protected:
     /// Selects an item of the list by its text with the right button, as the user does.
     void Elige(const QString& texto)
     {
+        auto* elemento = Elemento(texto);
+        ASSERT_NE(elemento, nullptr) << "not in the list: " << texto.toStdString();
         auto* lista = ::frmAdministrador->ltvTablas;
-        for (int i = 0; i < lista->ListCount(); ++i) {
-            if (lista->Item(i)->Text() != texto)
-                continue;
-            lista->scrollToItem(lista->Item(i));
-            const QPoint punto = lista->visualItemRect(lista->Item(i)).center();
-            ::frmAdministrador->ltvTablas_MouseDown(2, 0, punto.x(), punto.y());
-            ::mdiPrincipal->mnuBaseDatos->close();
-            return;
-        }
-        FAIL() << "not in the list: " << texto.toStdString();
+        lista->scrollToItem(elemento);
+        const QPoint punto = lista->visualItemRect(elemento).center();
+        ::frmAdministrador->ltvTablas_MouseDown(2, 0, punto.x(), punto.y());
+        ::mdiPrincipal->mnuBaseDatos->close();
     }
 
     /// Clicks a folder and chooses an entry of the menu for one of its objects.
@@ -110,15 +106,6 @@ protected:
         entrada->trigger();
         QTest::qWait(1);
     }
-
-    static bool EnLista(const QString& texto)
-    {
-        auto* lista = ::frmAdministrador->ltvTablas;
-        for (int i = 0; i < lista->ListCount(); ++i)
-            if (lista->Item(i)->Text() == texto)
-                return true;
-        return false;
-    }
 };
 
 TEST_F(Objetos, DropsATableAndReadsTheListAgain)
@@ -127,7 +114,7 @@ TEST_F(Objetos, DropsATableAndReadsTheListAgain)
     Manda(u"DTTaller"_s, u"Hija"_s, ::mdiPrincipal->mnuEliminar);
     EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE Hija"_s, ConsultaTablas(u"Taller"_s)}));
     EXPECT_EQ(Avisos(), QList<Aviso>{});
-    EXPECT_FALSE(EnLista(u"Hija"_s));
+    EXPECT_EQ(Elemento(u"Hija"_s), nullptr);
 }
 
 TEST_F(Objetos, ARefusedDropShowsTheErrorAndLeavesTheListAlone)
@@ -144,7 +131,7 @@ TEST_F(Objetos, ARefusedDropShowsTheErrorAndLeavesTheListAlone)
     Manda(u"DTTaller"_s, u"con hueco"_s, ::mdiPrincipal->mnuEliminar);
     EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE con hueco"_s}));
     ASSERT_EQ(Avisos().size(), 1);
-    EXPECT_TRUE(EnLista(u"con hueco"_s));
+    EXPECT_NE(Elemento(u"con hueco"_s), nullptr);
 }
 
 TEST_F(Objetos, DropsAViewButNeverAProcedure)
@@ -154,7 +141,7 @@ TEST_F(Objetos, DropsAViewButNeverAProcedure)
     EXPECT_EQ(Transcripcion(), QString());
     Manda(u"DVTaller"_s, u"Ver"_s, ::mdiPrincipal->mnuEliminar);
     EXPECT_EQ(Transcripcion(), Lineas({u"Use Taller"_s, u"DROP VIEW Ver"_s, ConsultaVistas(u"Taller"_s)}));
-    EXPECT_EQ(::frmAdministrador->ltvTablas->ListCount(), 0);
+    EXPECT_EQ(Elemento(u"Ver"_s), nullptr);
     EXPECT_EQ(Avisos(), QList<Aviso>{});
 }
 
@@ -200,7 +187,7 @@ TEST_F(Objetos, ALoginGoesWithItsUsersInEveryDatabase)
         << "no access, nothing to revoke";
     EXPECT_TRUE(enviado.endsWith(Lineas({u" EXEC sp_droplogin 'rosa'"_s, u"sp_helplogins"_s})));
     EXPECT_EQ(Avisos(), QList<Aviso>{});
-    EXPECT_FALSE(EnLista(u"rosa"_s));
+    EXPECT_EQ(Elemento(u"rosa"_s), nullptr);
 }
 
 TEST_F(Objetos, AUserIsRevokedInWhicheverDatabaseTheSessionStands)
@@ -210,7 +197,7 @@ TEST_F(Objetos, AUserIsRevokedInWhicheverDatabaseTheSessionStands)
     Manda(u"DUTaller"_s, u"luis"_s, ::mdiPrincipal->mnuEliminar);
     EXPECT_TRUE(Transcripcion().startsWith(Lineas({u" sp_revokedbaccess 'luis'"_s})));
     EXPECT_EQ(Avisos(), QList<Aviso>{});
-    EXPECT_FALSE(EnLista(u"luis"_s));
+    EXPECT_EQ(Elemento(u"luis"_s), nullptr);
     Ejecuta({u"use master"_s, u"exec sp_droplogin 'luis'"_s});
 }
 
@@ -251,7 +238,7 @@ TEST_F(Objetos, AViewIsReplacedByDropAndCreate)
         << enviado.toStdString();
     EXPECT_EQ(Avisos(), QList<Aviso>{});
     EXPECT_FALSE(::frmVista.exists());
-    EXPECT_TRUE(EnLista(u"Ver"_s));
+    EXPECT_NE(Elemento(u"Ver"_s), nullptr);
 }
 
 TEST_F(Objetos, ARefusedReplacementLosesTheObjectAndKeepsTheText)
@@ -304,7 +291,7 @@ TEST_F(Objetos, ANewViewStartsFromItsPlaceholder)
     ::frmVista->cmdAceptar->click();
     EXPECT_TRUE(Transcripcion().startsWith(
         Lineas({u"USE Taller"_s, u"CREATE VIEW [NOMBRE_VISTA] AS select 1 as a"_s})));
-    EXPECT_TRUE(EnLista(u"NOMBRE_VISTA"_s));
+    EXPECT_NE(Elemento(u"NOMBRE_VISTA"_s), nullptr);
 }
 
 TEST(Scripts, EncodingsAreToldByTheirMarksOrByTheirBytes)

@@ -36,15 +36,13 @@ void appendText(Bytes& out, std::string_view utf8)
 Bytes packet(PacketType type, const Bytes& payload, std::uint8_t status = EndOfMessage)
 {
     const std::size_t length = payload.size() + headerSize;
-    Bytes out{static_cast<std::uint8_t>(type),
-              status,
-              static_cast<std::uint8_t>(length >> 8U),
-              static_cast<std::uint8_t>(length),
-              0,
-              0,
-              1,
-              0};
-    out.insert(out.end(), payload.begin(), payload.end());
+    Bytes out(length);
+    out[0] = static_cast<std::uint8_t>(type);
+    out[1] = status;
+    out[2] = static_cast<std::uint8_t>(length >> 8U);
+    out[3] = static_cast<std::uint8_t>(length);
+    out[6] = 1; // the packet's number
+    std::copy(payload.begin(), payload.end(), out.begin() + headerSize);
     return out;
 }
 
