@@ -49,7 +49,7 @@ void buildSample(Server& server)
     request.trusted = true;
     Outcome ignored;
     const auto session = server.login(request, ignored);
-    if (run(*session, "SELECT name FROM master.dbo.sysdatabases WHERE name = 'DTVentas'") > 0)
+    if (run(*session, "SELECT name FROM master.dbo.sysdatabases WHERE name = 'Comercial'") > 0)
         return;
     for (const auto batches : {sampleTables(), sampleData(), sampleCode()}) {
         for (const char* batch : batches)

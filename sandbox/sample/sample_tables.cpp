@@ -4,12 +4,12 @@ namespace practice {
 namespace {
 
 constexpr const char* batches[] = {
-    "CREATE DATABASE DTVentas",
-    "ALTER DATABASE DTVentas MODIFY FILE (NAME = DTVentas, SIZE = 24MB)",
-    "ALTER DATABASE DTVentas MODIFY FILE (NAME = DTVentas_log, SIZE = 4MB)",
-    "ALTER DATABASE DTVentas ADD FILEGROUP HISTORICO",
-    "ALTER DATABASE DTVentas SET RECOVERY SIMPLE",
-    "USE DTVentas",
+    "CREATE DATABASE Comercial",
+    "ALTER DATABASE Comercial MODIFY FILE (NAME = Comercial, SIZE = 24MB)",
+    "ALTER DATABASE Comercial MODIFY FILE (NAME = Comercial_log, SIZE = 4MB)",
+    "ALTER DATABASE Comercial ADD FILEGROUP HISTORICO",
+    "ALTER DATABASE Comercial SET RECOVERY SIMPLE",
+    "USE Comercial",
 
     R"(CREATE TABLE Zonas (
     IdZona smallint NOT NULL CONSTRAINT PK_Zonas PRIMARY KEY CLUSTERED,

@@ -251,13 +251,13 @@ TEST(Sample, IsACompanyOfItsOwn)
         SCOPED_TRACE(batch);
         EXPECT_EQ(Engine::run(*session, batch), answer);
     };
-    expect("SELECT db_name() AS d, user_name() AS u", "d | u\nDTVentas | begona\n");
+    expect("SELECT db_name() AS d, user_name() AS u", "d | u\nComercial | begona\n");
     expect("SELECT name, rows FROM sysindexes WHERE indid < 2 AND rows > 1000 ORDER BY rows",
            "name | rows\nPK_Pedidos | 20000\nPK_LineasPedido | 100000\n");
     expect("SELECT xtype, count(*) AS n FROM sysobjects WHERE category = 0 AND xtype <> 'S' GROUP BY xtype "
            "ORDER BY xtype",
            "xtype | n\nC  | 6\nD  | 11\nF  | 10\nP  | 3\nPK | 10\nU  | 10\nUQ | 2\nV  | 3\n");
-    expect("SELECT Poblacion FROM [Archivo Central]..sysusers u, Clientes c WHERE u.name = 'begona' AND "
+    expect("SELECT Poblacion FROM Archivo..sysusers u, Clientes c WHERE u.name = 'begona' AND "
            "c.IdCliente = 5",
            "Poblacion\nMaó\n");
     expect(
@@ -266,7 +266,7 @@ TEST(Sample, IsACompanyOfItsOwn)
     expect("DECLARE @n int EXEC SubePrecios 3, @Cambiados = @n OUTPUT SELECT @n AS n", "n\n20\n");
     expect("DELETE Zonas WHERE IdZona = 1",
            "Msg 547, Level 16, State 0: The DELETE statement conflicted with the REFERENCE constraint "
-           "\"FK_Clientes_Zonas\". The conflict occurred in database \"DTVentas\", table \"dbo.Clientes\", "
+           "\"FK_Clientes_Zonas\". The conflict occurred in database \"Comercial\", table \"dbo.Clientes\", "
            "column "
            "'IdZona'.\n-- The statement has been terminated.\n");
 }

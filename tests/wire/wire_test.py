@@ -178,7 +178,7 @@ class Wire(unittest.TestCase):
                          [["uno ñ"], ["dos €"], ["2"]])
 
     def test_a_long_result_arrives_whole(self):
-        table = "DTVentas..LineasPedido"
+        table = "Comercial..LineasPedido"
         (count, total), = tsql(f"SELECT COUNT(*), SUM(CAST(IdPedido AS bigint)) FROM {table}")[0]
         seen = [int(line.split("|")[0]) for line in isql([f"SELECT * FROM {table}"])]
         self.assertEqual((len(seen), sum(seen)), (int(count), int(total)))
