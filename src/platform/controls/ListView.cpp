@@ -8,7 +8,7 @@ namespace controls {
 
 namespace {
 
-constexpr int startWidths[] = {210, 110, 80, 120}; // pixels at 96 dpi
+constexpr int startWidths[] = {210, 110, 90, 165}; // pixels at 96 dpi
 
 } // namespace
 

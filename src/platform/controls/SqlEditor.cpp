@@ -83,6 +83,9 @@ SqlEditor::SqlEditor(QWidget* parent) : QsciScintilla(parent), m_find(new QLineE
     setMarginType(0, QsciScintilla::NumberMargin);
     setMarginWidth(1, 0);
     SendScintilla(SCI_SETMARGINLEFT, 0UL, 4L); // pixels between the numbers and the text
+    // Scrolls back before the caret meets the edge, so that a line's first letters aren't left outside.
+    constexpr long edge = 60; // pixels
+    SendScintilla(SCI_SETXCARETPOLICY, static_cast<unsigned long>(CARET_SLOP | CARET_EVEN), edge);
     connect(this, &QsciScintilla::linesChanged, this, &SqlEditor::fitLineNumbers);
     m_find->setObjectName(QStringLiteral("txtBuscar"));
     m_find->setClearButtonEnabled(true);
