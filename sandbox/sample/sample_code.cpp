@@ -4,19 +4,19 @@ namespace practice {
 namespace {
 
 constexpr const char* batches[] = {
-    R"(CREATE VIEW VentasPorCliente AS
+    R"(CREATE VIEW ResumenPedidos AS
 SELECT c.IdCliente, c.Nombre, COUNT(*) AS Pedidos
 FROM Clientes c INNER JOIN Pedidos p ON p.IdCliente = c.IdCliente
 GROUP BY c.IdCliente, c.Nombre)",
 
-    R"(CREATE VIEW Catalogo
+    R"(CREATE VIEW Precios
 AS
 -- Lo que se enseña a los clientes
 SELECT p.Codigo, p.Producto, g.Categoria, p.Precio, p.Tamaño
 FROM Productos p, Categorias g
 WHERE g.IdCategoria = p.IdCategoria)",
 
-    R"(CREATE VIEW [Clientes con crédito] AS
+    R"(CREATE VIEW LimitesDeRiesgo AS
 SELECT IdCliente, Nombre, LimiteCredito FROM Clientes WHERE LimiteCredito > 0)",
 
     R"(CREATE PROCEDURE PedidosDeCliente @IdCliente int
@@ -48,7 +48,7 @@ SELECT IdZona, Zona FROM Zonas ORDER BY Zona)",
     "EXEC sp_addrolemember 'db_datareader', 'consulta'",
     "GRANT SELECT, INSERT, UPDATE, DELETE ON Pedidos TO Comerciales",
     "GRANT SELECT, INSERT, UPDATE, DELETE ON LineasPedido TO Comerciales",
-    "GRANT SELECT ON Catalogo TO public",
+    "GRANT SELECT ON Precios TO public",
     "GRANT EXECUTE ON PedidosDeCliente TO Comerciales",
     "DENY SELECT ON Empleados TO consulta",
     "GRANT CREATE VIEW TO Iñigo",
