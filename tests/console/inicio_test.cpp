@@ -184,18 +184,6 @@ TEST_F(Consola, ASecondConnectReplacesTheSessionAndLeavesOpenFormsAlone)
     EXPECT_EQ(Transcripcion(), QString());
 }
 
-TEST_F(Consola, FormsOpenInCascade)
-{
-    ArrancaYConecta(Es);
-    ::mdiPrincipal->resize(1200, 800);
-    Abre(::mdiPrincipal->mnuAdministrador);
-    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
-    EXPECT_EQ(::frmAdministrador->parentWidget()->pos(), QPoint(0, 0));
-    const QPoint segundo = ::frmAnalizadorConsultas->parentWidget()->pos();
-    EXPECT_GT(segundo.x(), 10);
-    EXPECT_GT(segundo.y(), 10);
-}
-
 TEST_F(Consola, RegistersAreFoundByTheirConditions)
 {
     ArrancaYConecta(Es);

@@ -68,7 +68,6 @@ void Form::Show()
         m_frame = host->adopt(this);
         show();
         m_frame->show();
-        host->place(m_frame);
     }
     if (!m_frame && !isVisible())
         showAsWindow();

@@ -116,18 +116,13 @@ QMdiSubWindow* MdiForm::adopt(Form* form)
     const QSize border = frame->sizeHint() - form->sizeHint();
     const QSize room = m_area->viewport()->size();
     frame->resize((wanted + border).boundedTo(room));
+    const QPoint place = cascadePlace(static_cast<int>(m_area->subWindowList().size()) - 1);
+    frame->move(std::clamp(room.width() - frame->width(), 0, place.x()),
+                std::clamp(room.height() - frame->height(), 0, place.y()));
     connect(form, &QObject::destroyed, frame, &QObject::deleteLater); // a frame shows nothing else
     connect(frame, &QMdiSubWindow::windowStateChanged, this,
             [this, frame](auto before, auto now) { childStateChanged(frame, before, now); });
     return frame;
-}
-
-void MdiForm::place(QMdiSubWindow* frame)
-{
-    const QSize room = m_area->viewport()->size();
-    const QPoint place = cascadePlace(static_cast<int>(m_area->subWindowList().size()) - 1);
-    frame->move(std::clamp(room.width() - frame->width(), 0, place.x()),
-                std::clamp(room.height() - frame->height(), 0, place.y()));
 }
 
 void MdiForm::bringForward(QMdiSubWindow* frame)

@@ -34,10 +34,9 @@ public:
     [[nodiscard]] Form* ActiveForm() const;
     [[nodiscard]] QMdiArea* area() const { return m_area; }
 
-    /// For Form: wraps a form into a frame of the area, puts the frame in the cascade once it shows (the area
-    /// moves it in showing it), makes it the active one, and forgets the frame of one that goes.
+    /// For Form: wraps a form into a frame of the area, makes it the active one, and forgets the frame of
+    /// one that goes.
     QMdiSubWindow* adopt(Form* form);
-    void place(QMdiSubWindow* frame);
     void bringForward(QMdiSubWindow* frame);
     void release(QMdiSubWindow* frame);
 
