@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QShortcut>
 #include <QStyle>
 
 #include <algorithm>
@@ -31,6 +32,11 @@ MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(thi
     setCentralWidget(m_area);
     resize(1200, 760);
     connect(m_area, &QMdiArea::subWindowActivated, this, &MdiForm::childActivated);
+    // Beside Ctrl+W and Ctrl+Tab, the keys that multi-document windows have elsewhere.
+    const auto* close = new QShortcut(Qt::CTRL | Qt::Key_F4, this);
+    connect(close, &QShortcut::activated, m_area, &QMdiArea::closeActiveSubWindow);
+    const auto* next = new QShortcut(Qt::CTRL | Qt::Key_F6, this);
+    connect(next, &QShortcut::activated, m_area, &QMdiArea::activateNextSubWindow);
 }
 
 MdiForm::~MdiForm()
