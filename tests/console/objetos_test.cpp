@@ -10,6 +10,7 @@
 #include "query/frmAnalizadorConsultas.h"
 #include "query/frmProcedimiento.h"
 #include "query/frmVista.h"
+#include "support/PracticeServer.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -292,6 +293,121 @@ TEST_F(Objetos, ANewViewStartsFromItsPlaceholder)
     EXPECT_TRUE(Transcripcion().startsWith(
         Lineas({u"USE Taller"_s, u"CREATE VIEW [NOMBRE_VISTA] AS select 1 as a"_s})));
     EXPECT_NE(Elemento(u"NOMBRE_VISTA"_s), nullptr);
+}
+
+TEST_F(Objetos, ALoginStillSelectedInTheListGoesWithTheDroppedDatabase)
+{
+    Prepara(Es);
+    Ejecuta({u"exec sp_addlogin 'hugo', 'Clave1!'"_s});
+    Pulsa(u"DI"_s);
+    Elige(u"hugo"_s);
+    auto* arbol = ::frmAdministrador->trvBD;
+    arbol->Select(arbol->Find(u"BDTaller"_s)); // by code: the list keeps the logins
+    Transcripcion();
+    ::mdiPrincipal->mnuEliminar->trigger();
+    const QString enviado = Transcripcion();
+    EXPECT_TRUE(enviado.startsWith(Lineas({u"DROP DATABASE Taller"_s, ConsultaBases, ConsultaBases})))
+        << enviado.toStdString();
+    EXPECT_TRUE(enviado.endsWith(Lineas({u" EXEC sp_droplogin 'hugo'"_s, u"sp_helplogins"_s})));
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+}
+
+TEST_F(Objetos, OddNamesReachTheServerUnquotedAndLoseNothing)
+{
+    Prepara(Es);
+    Ejecuta({u"use Taller"_s, u"create table [it's] (a int)"_s, u"create table [a]]b] (a int)"_s,
+             u"create view [V'T B] as select 1 as a"_s, u"use master"_s});
+    for (const QString& nombre : {u"it's"_s, u"a]b"_s}) {
+        Manda(u"DTTaller"_s, nombre, ::mdiPrincipal->mnuEliminar);
+        EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE "_s + nombre}));
+        EXPECT_EQ(Avisos().size(), 1) << nombre.toStdString();
+        EXPECT_NE(Elemento(nombre), nullptr);
+    }
+    Manda(u"DTTaller"_s, u"it's"_s, ::mdiPrincipal->mnuVerRegistros);
+    EXPECT_TRUE(Transcripcion().endsWith(u"select * from it's\n"_s));
+    EXPECT_EQ(Avisos().size(), 1);
+
+    // Its name holds a B, so that the menu is a database's; the design of a view is not among it.
+    Pulsa(u"DVTaller"_s);
+    Elige(u"V'T B"_s);
+    EXPECT_TRUE(::mdiPrincipal->mnuNuevaBD->isVisible());
+    EXPECT_FALSE(::mdiPrincipal->mnuDiseño->isVisible());
+    ::mdiPrincipal->mnuDiseño->trigger();
+    EXPECT_EQ(Avisos().size(), 1) << "its text can't be asked for";
+    EXPECT_EQ(::frmVista->txtSQL->Text(), u"CREATE VIEW [NOMBRE_VISTA] AS "_s);
+}
+
+TEST_F(Objetos, NothingSelectedIsAnErrorAndNoStatement)
+{
+    Prepara(Es);
+    Pulsa(u"DT"_s + u"tempdb"_s);
+    ::frmAdministrador->ltvTablas->clear();
+    for (QAction* entrada :
+         {::mdiPrincipal->mnuDiseño, ::mdiPrincipal->mnuEliminar, ::mdiPrincipal->mnuVerRegistros}) {
+        Transcripcion();
+        entrada->trigger();
+        const auto avisos = Avisos();
+        ASSERT_EQ(avisos.size(), 1) << entrada->objectName().toStdString();
+        EXPECT_TRUE(avisos[0].texto.startsWith(u" Error Nº:91 ("_s)) << avisos[0].texto.toStdString();
+        EXPECT_FALSE(Transcripcion().contains(u"DROP"_s));
+        EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+    }
+}
+
+TEST_F(Objetos, AServerGoneBetweenClickAndCommandIsAnErrorEachTime)
+{
+    auto otro = support::PracticeServer::start();
+    Arranca(Es);
+    Conecta(u"127.0.0.1,"_s + QString::number(otro->port()), u"sa"_s, ClaveDePrueba);
+    Ejecuta({u"create view Ver as select 1 as a"_s});
+    Abre(::mdiPrincipal->mnuAdministrador);
+    Pulsa(u"DVmaster"_s);
+    Elige(u"Ver"_s);
+    ::mdiPrincipal->mnuDiseño->trigger();
+    const QString texto = ::frmVista->txtSQL->Text();
+    EXPECT_EQ(texto, u"create view Ver as select 1 as a"_s);
+    otro->kill();
+    ::frmVista->cmdAceptar->click();
+    EXPECT_EQ(Avisos().size(), 1);
+    ASSERT_TRUE(::frmVista.exists());
+    EXPECT_EQ(::frmVista->txtSQL->Text(), texto);
+    for (QAction* entrada : {::mdiPrincipal->mnuEliminar, ::mdiPrincipal->mnuVerRegistros}) {
+        Elige(u"Ver"_s);
+        entrada->trigger();
+        EXPECT_GE(Avisos().size(), 1) << entrada->objectName().toStdString();
+    }
+    Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    Pulsa(u"DTmaster"_s);
+    EXPECT_NE(Elemento(u"sysobjects"_s), nullptr);
+}
+
+TEST_F(Objetos, LargeTextsPassWhole)
+{
+    Prepara(Es);
+    constexpr qsizetype megabyte = 1024 * 1024;
+    const QString cuerpo = u"-- año tras año\r\n"_s.repeated(5 * megabyte / 17);
+    const QString procedimiento = u"create procedure Enorme as\r\n"_s + cuerpo + u"select 1"_s;
+    Ejecuta({u"use Taller"_s, procedimiento, u"use master"_s});
+    Manda(u"DPTaller"_s, u"Enorme"_s, ::mdiPrincipal->mnuDiseño);
+    EXPECT_TRUE(::frmProcedimiento->txtSQL->Text() == procedimiento);
+    ::frmProcedimiento->cmdAceptar->click();
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+
+    const QTemporaryDir carpeta;
+    const QString nombre = carpeta.filePath(u"veinte.sql"_s);
+    controls::setFileDialogAnswerer([&](bool, const QString&) { return nombre; });
+    QFile archivo(nombre);
+    ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+    const QByteArray linea = "insert t values (1, 'ñ')\r\n";
+    for (qsizetype escrito = 0; escrito < 20 * megabyte; escrito += linea.size())
+        archivo.write(linea);
+    archivo.close();
+    ::mdiPrincipal->mnuAbrir->trigger();
+    const QString cargado = ::frmAnalizadorConsultas->txtSQL->Text();
+    EXPECT_EQ(cargado.size(), archivo.size() / linea.size() * QString::fromUtf8(linea).size());
+    EXPECT_TRUE(cargado.endsWith(QString::fromUtf8(linea)));
+    controls::setFileDialogAnswerer({});
 }
 
 TEST(Scripts, EncodingsAreToldByTheirMarksOrByTheirBytes)
