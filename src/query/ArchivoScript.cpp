@@ -32,12 +32,22 @@ QString DeLatino(const QByteArray& bytes)
     return texto;
 }
 
-QString ConLineasDeWindows(QString texto)
+// One pass, since a replacement in place moves the rest of the text at each of its lines.
+QString ConLineasDeWindows(const QString& texto)
 {
-    texto.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
-    if (!texto.isEmpty() && !texto.endsWith(u'\n'))
-        texto += u'\n';
-    return texto.replace(u'\n', u"\r\n"_s);
+    QString lineas;
+    lineas.reserve(texto.size() + texto.size() / 16);
+    for (qsizetype i = 0; i < texto.size(); ++i) {
+        if (texto[i] == u'\r' && i + 1 < texto.size() && texto[i + 1] == u'\n')
+            continue;
+        if (texto[i] == u'\r' || texto[i] == u'\n')
+            lineas += u"\r\n"_s;
+        else
+            lineas += texto[i];
+    }
+    if (!lineas.isEmpty() && !lineas.endsWith(u'\n'))
+        lineas += u"\r\n"_s;
+    return lineas;
 }
 
 [[noreturn]] void ErrorDeArchivo(const QString& nombre, QFileDevice::FileError error)
