@@ -195,7 +195,6 @@ TEST(StatementTexts, AreWrappedOnlyWhereADriverWouldRewriteThem)
         u"-- it's {x}"_s,
         u"sp_help\rselect 4 / 2 - 1"_s,
         u"ñ€😀"_s,
-        u""_s,
     };
     for (const QString& text : unchanged) {
         EXPECT_EQ(utf8(textForDriver(text, FreeTds)), utf8(text));
@@ -211,6 +210,7 @@ TEST(StatementTexts, AreWrappedOnlyWhereADriverWouldRewriteThem)
     EXPECT_EQ(textForDriver(u"select 'a', ?"_s, Microsoft), u"EXEC(N'select ''a'', ?')");
     EXPECT_EQ(numberOf([] { textForDriver(u"delete t"_s + QChar(u'\0') + u" where 1=0"_s, FreeTds); }),
               number::BadStatement);
+    EXPECT_EQ(numberOf([] { textForDriver(QString(), Microsoft); }), number::NoCommandText);
 }
 
 /// Every kind of storage, with nulls at all places of a word and of a group, over several blocks.

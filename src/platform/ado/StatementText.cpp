@@ -70,6 +70,8 @@ bool hasRewrittenPart(const QString& text, Driver::Family family)
 
 QString textForDriver(const QString& text, Driver::Family family)
 {
+    if (text.isEmpty())
+        basic::raise(number::NoCommandText, u"Command text was not set for the command object."_s);
     if (family == Driver::Family::FreeTds && text.contains(QChar(u'\0')))
         basic::raise(number::BadStatement,
                      u"The statement contains a NUL character, which cannot be sent to the server."_s);
