@@ -385,7 +385,7 @@ TEST_F(Objetos, AServerGoneBetweenClickAndCommandIsAnErrorEachTime)
 TEST_F(Objetos, LargeTextsPassWhole)
 {
     Prepara(Es);
-    constexpr qsizetype megabyte = 1024 * 1024;
+    constexpr qsizetype megabyte = 1 << 20;
     const QString cuerpo = u"-- año tras año\r\n"_s.repeated(5 * megabyte / 17);
     const QString procedimiento = u"create procedure Enorme as\r\n"_s + cuerpo + u"select 1"_s;
     Ejecuta({u"use Taller"_s, procedimiento, u"use master"_s});
@@ -395,9 +395,8 @@ TEST_F(Objetos, LargeTextsPassWhole)
     EXPECT_EQ(Avisos(), QList<Aviso>{});
 
     const QTemporaryDir carpeta;
-    const QString nombre = carpeta.filePath(u"veinte.sql"_s);
-    controls::setFileDialogAnswerer([&](bool, const QString&) { return nombre; });
-    QFile archivo(nombre);
+    QFile archivo(carpeta.filePath(u"veinte.sql"_s));
+    controls::setFileDialogAnswerer([&](bool, const QString&) { return archivo.fileName(); });
     ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
     const QByteArray linea = "insert t values (1, 'ñ')\r\n";
     for (qsizetype escrito = 0; escrito < 20 * megabyte; escrito += linea.size())
