@@ -28,6 +28,15 @@ if(QUERMO_SANITIZE)
   target_link_options(quermo_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(QUERMO_FUZZ)
+  if(QUERMO_TESTS OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "QUERMO_FUZZ takes clang, and a build without QUERMO_TESTS; see the preset fuzz")
+  endif()
+  target_compile_options(quermo_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(quermo_options INTERFACE -fsanitize=address,undefined)
+endif()
+
 # A static library of the project: its headers are included by their path from the root of their
 # tree ("platform/ado/Connection.h", "engine/session.h").
 function(quermo_library name)

@@ -39,9 +39,8 @@ struct Pipe
 
 std::unique_ptr<PracticeServer> PracticeServer::start(const QStringList& options)
 {
-    std::unique_ptr<PracticeServer> server(new PracticeServer);
-    server->launch(options);
-    server->m_port = server->readPort();
+    std::unique_ptr<PracticeServer> server(new PracticeServer(options));
+    server->startAgain();
     return server;
 }
 
@@ -50,17 +49,28 @@ PracticeServer::~PracticeServer()
     stop();
 }
 
-void PracticeServer::launch(const QStringList& options)
+void PracticeServer::startAgain()
+{
+    launch();
+    m_port = readPort();
+}
+
+QString PracticeServer::storePath() const
+{
+    return m_directory.filePath(u"store"_s);
+}
+
+void PracticeServer::launch()
 {
     const QStringList arguments = QStringList{QStringLiteral(PRACTICE_SERVER_PROGRAM),
                                               u"--port"_s,
                                               u"0"_s,
                                               u"--parent-watch"_s,
                                               u"--data"_s,
-                                              m_directory.filePath(u"store"_s),
+                                              storePath(),
                                               u"--log"_s,
                                               m_directory.filePath(logName)} +
-                                  options;
+                                  m_options;
     std::vector<std::string> words;
     for (const QString& argument : arguments)
         words.push_back(argument.toStdString());

@@ -32,16 +32,21 @@ public:
     void stop();
     /// Ends it as a power failure would.
     void kill();
+    /// Starts it again over its store, with the same options and mostly on another port.
+    void startAgain();
+    /// Where it keeps its store.
+    [[nodiscard]] QString storePath() const;
     /// Stops it from running, and lets it go on.
     void freeze();
     void thaw();
 
 private:
-    PracticeServer() = default;
-    void launch(const QStringList& options);
+    explicit PracticeServer(const QStringList& options) : m_options(options) {}
+    void launch();
     [[nodiscard]] int readPort() const;
     void signalAndWait(int signal);
 
+    QStringList m_options;
     QTemporaryDir m_directory;
     pid_t m_process = -1;
     int m_input = -1;  ///< the program ends when this is closed

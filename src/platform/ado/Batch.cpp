@@ -5,6 +5,8 @@
 #include "platform/ado/StatementText.h"
 #include <optional>
 
+using namespace Qt::StringLiterals;
+
 namespace ado {
 
 Batch::Batch(Session& session) : m_session(&session), m_statement(session.newStatement()) {}
@@ -178,10 +180,27 @@ std::shared_ptr<const Result> Batch::describe(bool withRows)
                 end();
             throw;
         }
+        checkComplete(result->table);
         result->affected = result->table.rowCount();
     }
     result->messages = m_messages;
     return result;
+}
+
+/// An answer that breaks off or is damaged can look to the driver like a shorter one. Unless the server
+/// was told not to count, it says behind the rows how many there were.
+void Batch::checkComplete(const Table& table)
+{
+    // FOR XML and FOR JSON: the rows that the server counts are those which it made the document of.
+    constexpr auto documentName = "_F52E2B61-18A1-11d1-B105-00805F49916B"_L1;
+    SQLLEN count = -1;
+    SQLRowCount(m_statement.get(), &count);
+    const bool isComplete = count < 0 ? m_session->isAlive() : table.rowCount() >= count;
+    if (isComplete || table.columns().front().name.endsWith(documentName))
+        return;
+    if (!m_session->isAlive())
+        end();
+    throw damagedAnswer();
 }
 
 } // namespace ado

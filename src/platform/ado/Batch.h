@@ -56,6 +56,7 @@ private:
 
     std::shared_ptr<const Result> readNext(bool withRows);
     std::shared_ptr<const Result> describe(bool withRows);
+    void checkComplete(const Table& table);
     SQLRETURN advance();
     [[noreturn]] void fail(const std::vector<Diagnostic>& records);
     void runToEnd();

@@ -28,6 +28,20 @@ bool isClientNumber(const Diagnostic& record)
            (record.state.startsWith("01"_L1) || record.state.startsWith("08"_L1));
 }
 
+/// What FreeTDS says when it has nothing to say: the connection was reset, or the answer is no answer.
+bool isUnexplained(const Diagnostic& record)
+{
+    return record.native == 0 && record.text == "Unknown error"_L1;
+}
+
+/// An error as the server worded it. A damaged one may have lost its words.
+basic::RuntimeError serverError(const Diagnostic& record)
+{
+    return {record.native, record.text.trimmed().isEmpty()
+                               ? u"The server reported error %1 without saying more."_s.arg(record.native)
+                               : record.text};
+}
+
 const Diagnostic* findServerError(const std::vector<Diagnostic>& records)
 {
     const auto found = std::ranges::find_if(records, &Diagnostic::isServerError);
@@ -81,7 +95,7 @@ bool Diagnostic::isTimeOut() const
 
 bool Diagnostic::isLost() const
 {
-    return state.startsWith("08"_L1) || isClientNumber(*this);
+    return state.startsWith("08"_L1) || isClientNumber(*this) || isUnexplained(*this);
 }
 
 std::vector<Diagnostic> readDiagnostics(SQLSMALLINT kind, SQLHANDLE handle)
@@ -114,7 +128,7 @@ QStringList messages(const std::vector<Diagnostic>& records)
 basic::RuntimeError statementError(const std::vector<Diagnostic>& records)
 {
     if (const Diagnostic* const error = findServerError(records))
-        return {error->native, error->text};
+        return serverError(*error);
     if (std::ranges::any_of(records, &Diagnostic::isTimeOut))
         return statementTimeOut();
     if (records.empty() || std::ranges::any_of(records, &Diagnostic::isLost))
@@ -125,7 +139,7 @@ basic::RuntimeError statementError(const std::vector<Diagnostic>& records)
 basic::RuntimeError connectError(const std::vector<Diagnostic>& records, const QString& server)
 {
     if (const Diagnostic* const error = findServerError(records))
-        return {error->native, error->text};
+        return serverError(*error);
     if (std::ranges::any_of(records, &Diagnostic::isTimeOut))
         return connectTimeOut(server);
     const auto has = [&](auto number) {
@@ -145,6 +159,12 @@ basic::RuntimeError connectError(const std::vector<Diagnostic>& records, const Q
                 u"SQL Server does not exist or access denied: no server answers at %1."_s.arg(server)};
     return {number::DriverFailure,
             records.empty() ? u"Connecting to %1 failed."_s.arg(server) : records.front().text};
+}
+
+basic::RuntimeError damagedAnswer()
+{
+    return {number::DriverFailure,
+            u"The server's answer did not arrive whole: rows are missing. Connect again."_s};
 }
 
 basic::RuntimeError statementTimeOut()

@@ -41,6 +41,9 @@ basic::RuntimeError statementError(const std::vector<Diagnostic>& records);
 /// The error of a failed connect; `server` says where, as a message puts it.
 basic::RuntimeError connectError(const std::vector<Diagnostic>& records, const QString& server);
 
+/// The error of rows that came, but not all of them.
+basic::RuntimeError damagedAnswer();
+
 /// The errors of passed limits.
 basic::RuntimeError statementTimeOut();
 basic::RuntimeError connectTimeOut(const QString& server);

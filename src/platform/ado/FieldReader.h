@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/ado/Column.h"
 #include "platform/ado/Driver.h"
+#include "platform/ado/FieldValues.h"
 #include "platform/ado/Odbc.h"
 
 namespace ado {
@@ -10,15 +10,12 @@ namespace ado {
 /// column's storage.
 struct FieldReader
 {
-    /// Adds one value that is not null. `length` is that which the driver told.
-    using Add = void (*)(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
-
     Column column;
     SQLSMALLINT cType = SQL_C_CHAR;
-    std::size_t width = 0;   ///< bytes of a buffer for one value
-    bool isLong = false;     ///< longer than any buffer that is worth binding; `width` is a first guess
-    std::size_t closing = 0; ///< bytes of the closing zero that the driver writes behind a value
-    Add add = nullptr;       ///< null: the bytes go as they are
+    std::size_t width = 0;    ///< bytes of a buffer for one value
+    bool isLong = false;      ///< longer than any buffer that is worth binding; `width` is a first guess
+    std::size_t closing = 0;  ///< bytes of the closing zero that the driver writes behind a value
+    field::Add add = nullptr; ///< null: the bytes go as they are
 };
 
 /// Describes the column with the given number (from 1) of a statement's result.
