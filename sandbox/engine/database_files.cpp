@@ -52,12 +52,16 @@ std::string defaultFileFolder(const std::filesystem::path& dataDirectory)
     return windowsPath(std::filesystem::absolute(dataDirectory) / "data");
 }
 
+void requireNoFile(const std::string& windowsPath)
+{
+    if (std::filesystem::exists(nativePath(windowsPath)))
+        raise(5170, {windowsPath});
+}
+
 void createDatabaseFile(const std::string& windowsPath, std::int64_t pages)
 {
-    const auto path = nativePath(windowsPath);
-    if (std::filesystem::exists(path))
-        raise(5170, {windowsPath});
-    if (!std::ofstream(path, std::ios::binary)) {
+    requireNoFile(windowsPath);
+    if (!std::ofstream(nativePath(windowsPath), std::ios::binary)) {
         const std::error_code cause(errno, std::generic_category());
         raise(5123, {causeText(cause), windowsPath});
     }

@@ -19,8 +19,10 @@ inline constexpr std::int64_t pageSize = 8192;
 /// Where files go that are created without a name: the folder "data" of the data directory.
 [[nodiscard]] std::string defaultFileFolder(const std::filesystem::path& dataDirectory);
 
+/// @throws SqlError 5170 when there is a file of that name
+void requireNoFile(const std::string& windowsPath);
 /// Makes a file of that many pages, without occupying the space before it is used.
-/// @throws SqlError 5170 when the file exists, 5123 when it can't be made
+/// @throws SqlError 5170 when the file exists, 5123 when it can't be made, 5149 when it can't grow
 void createDatabaseFile(const std::string& windowsPath, std::int64_t pages);
 void resizeDatabaseFile(const std::string& windowsPath, std::int64_t pages);
 /// A missing file is no error: what the catalog forgets is gone in any case.

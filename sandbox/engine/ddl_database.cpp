@@ -5,6 +5,7 @@
 #include "engine/ddl_files.h"
 #include "engine/ddl_names.h"
 #include "engine/errors.h"
+#include "engine/pending_files.h"
 
 #include <filesystem>
 #include <set>
@@ -57,8 +58,8 @@ public:
         files_.push_back(std::move(file));
     }
 
-    /// Makes them all; a failure leaves none.
-    void create(CreatedFiles& created)
+    /// Makes them all.
+    void create()
     {
         int next = 3;
         bool primary = false;
@@ -68,7 +69,7 @@ public:
             const int reserved = file.groupId == 0 ? 2 : 1;
             file.id = first ? next++ : reserved;
             first = true;
-            created.create(file);
+            createFile(session_, file);
             insertFile(session_.connection(), databaseId_, file);
         }
     }
@@ -153,21 +154,19 @@ NewDatabase defineDatabase(SessionContext& session, const ast::CreateDatabaseSta
 void createFiles(SessionContext& session, int databaseId, const ast::CreateDatabaseStatement& statement)
 {
     std::filesystem::create_directories(nativePath(defaultFileFolder(session.dataDirectory())));
-    CreatedFiles created;
     try {
         FileList files(session, databaseId);
         addDataFiles(session, files, databaseId, statement);
         for (const ast::FileSpec& spec : statement.logFiles)
             files.add(spec, 0, ".ldf");
         addDefaultFiles(files, statement.name);
-        files.create(created);
+        files.create();
     } catch (const SqlError& error) {
         constexpr int firstFileFault = 5100;
         if (error.message.number < firstFileFault)
             throw;
         raiseAfter(session, error.message, 1802);
     }
-    created.keep();
 }
 
 } // namespace
@@ -219,15 +218,12 @@ void dropDatabase(SessionContext& session, const std::string& name, bool ifExist
         raise(3708, {"drop", "database", database->name, "database"});
     if (isInUse(session, database->id))
         raise(3702, {database->name});
-    std::vector<std::string> paths;
     Statement files(session.connection(), "SELECT filename FROM cat_file WHERE dbid = ?");
     files.bind(1, database->id);
     while (files.step())
-        paths.push_back(files.string(0));
+        followTransaction(session, files.string(0));
     files.reset();
     deleteDatabase(session.connection(), database->id);
-    for (const std::string& path : paths)
-        removeDatabaseFile(path);
 }
 
 } // namespace practice

@@ -3,6 +3,7 @@
 #include "engine/database_files.h"
 #include "engine/ddl_names.h"
 #include "engine/errors.h"
+#include "engine/pending_files.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -128,6 +129,7 @@ void growFile(SessionContext& session, int databaseId, const StoredFile& file, s
         raise(5039);
     if (maxSize >= 0 && pages > maxSize)
         raise(5040);
+    followTransaction(session, file.path);
     resizeDatabaseFile(file.path, pages);
     updateFile(session, databaseId, file.id, "size", pages);
 }
@@ -200,16 +202,11 @@ void requireUnusedPath(SessionContext& session, const std::string& path)
     }
 }
 
-CreatedFiles::~CreatedFiles()
+void createFile(SessionContext& session, const NewFile& file)
 {
-    for (const std::string& path : paths_)
-        removeDatabaseFile(path);
-}
-
-void CreatedFiles::create(const NewFile& file)
-{
+    requireNoFile(file.path);
+    followTransaction(session, file.path);
     createDatabaseFile(file.path, file.size);
-    paths_.push_back(file.path);
 }
 
 void addFiles(SessionContext& session, const Database& database, const ast::AlterDatabaseStatement& statement)
@@ -222,17 +219,15 @@ void addFiles(SessionContext& session, const Database& database, const ast::Alte
         group.id = filegroupOf(session, database.id, "");
     if ((group.status & readOnlyGroup) != 0)
         raise(5048, {statement.fileGroup});
-    CreatedFiles created;
     for (const ast::FileSpec& spec : statement.files) {
         if (findFile(session, database.id, spec.name))
             raise(1828, {spec.name});
         NewFile file = defineFile(session, spec, log, log ? ".ldf" : ".ndf");
         file.id = nextFileId(session, database.id);
         file.groupId = log ? 0 : group.id;
-        created.create(file);
+        createFile(session, file);
         insertFile(session.connection(), database.id, file);
     }
-    created.keep();
 }
 
 void removeFile(SessionContext& session, const Database& database, const std::string& name)
@@ -249,7 +244,7 @@ void removeFile(SessionContext& session, const Database& database, const std::st
         raise(5042, {"file", name});
     Statement row(session.connection(), "DELETE FROM cat_file WHERE dbid = ? AND fileid = ?");
     row.bind(1, database.id).bind(2, file->id).run();
-    removeDatabaseFile(file->path);
+    followTransaction(session, file->path);
 }
 
 void modifyFile(SessionContext& session, const Database& database, const ast::FileSpec& spec)

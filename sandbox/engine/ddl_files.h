@@ -23,22 +23,9 @@ namespace practice {
 /// @throws SqlError 5104 when a database uses the path already
 void requireUnusedPath(SessionContext& session, const std::string& path);
 
-/// Files that vanish again unless the statement gets to its end.
-class CreatedFiles
-{
-public:
-    CreatedFiles() = default;
-    ~CreatedFiles();
-    CreatedFiles(const CreatedFiles&) = delete;
-    CreatedFiles& operator=(const CreatedFiles&) = delete;
-
-    /// @throws SqlError 5123, 5170
-    void create(const NewFile& file);
-    void keep() { paths_.clear(); }
-
-private:
-    std::vector<std::string> paths_;
-};
+/// Makes the file, which vanishes again unless the statement gets to its end.
+/// @throws SqlError 5123, 5170
+void createFile(SessionContext& session, const NewFile& file);
 
 // ALTER DATABASE's share; `database` exists and may be altered.
 void addFiles(SessionContext& session, const Database& database,

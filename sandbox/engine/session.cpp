@@ -3,6 +3,7 @@
 #include "engine/catalog_sessions.h"
 #include "engine/errors.h"
 #include "engine/interpreter.h"
+#include "engine/pending_files.h"
 #include "engine/session_state.h"
 #include "tsql/parser.h"
 
@@ -137,6 +138,7 @@ public:
     {
         bootstrapCatalog(store_.connection(), options_.dataDirectory.string(), options_.saPassword,
                          options_.serverName);
+        settlePendingFiles(store_, options_.dataDirectory);
         execute(store_.connection(), "CREATE TABLE IF NOT EXISTS engine_timestamp(value INTEGER NOT NULL);"
                                      "INSERT INTO engine_timestamp SELECT 2000 WHERE NOT EXISTS "
                                      "(SELECT 1 FROM engine_timestamp)");

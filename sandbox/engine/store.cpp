@@ -205,12 +205,25 @@ void Store::beginWrite()
 void Store::commit()
 {
     execute(connection_, "COMMIT");
+    runEndActions();
 }
 
 void Store::rollback() noexcept
 {
     if (inTransaction())
         sqlite3_exec(connection_, "ROLLBACK", nullptr, nullptr, nullptr);
+    runEndActions();
+}
+
+void Store::runEndActions() noexcept
+{
+    for (const auto& action : std::exchange(endActions_, {})) {
+        try {
+            action();
+        } catch (...) {
+            continue; // the next start does it
+        }
+    }
 }
 
 void Store::cancel() noexcept

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <sqlite3.h>
 
@@ -109,6 +110,9 @@ public:
     void beginWrite();
     void commit();
     void rollback() noexcept;
+    /// Has the action run once, when the present transaction is committed or rolled back. What it
+    /// throws is lost.
+    void atEnd(std::function<void()> action) { endActions_.push_back(std::move(action)); }
 
     /// Milliseconds; -1 waits for ever.
     void setLockTimeout(int milliseconds) { lockTimeout_ = milliseconds; }
@@ -120,10 +124,12 @@ public:
     void clearCancel() noexcept { cancelled_.store(false, std::memory_order_relaxed); }
 
 private:
+    void runEndActions() noexcept;
     static int onBusy(void* self, int attempts);
     static int onProgress(void* self);
 
     sqlite3* connection_ = nullptr;
+    std::vector<std::function<void()>> endActions_;
     std::atomic<bool> cancelled_ = false;
     int lockTimeout_ = -1;
     int waited_ = 0; ///< milliseconds in the present wait
