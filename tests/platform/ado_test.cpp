@@ -8,7 +8,9 @@
 #include "support/PracticeServer.h"
 
 #include <gtest/gtest.h>
+#include <chrono>
 #include <optional>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using ado::Recordset;
@@ -40,6 +42,15 @@ protected:
             return {error.number(), error.description()};
         }
         return {0, {}};
+    }
+
+    /// Runs what the server refuses while it has not yet seen that a connection closed.
+    void executeWhenLeft(const QString& text)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (refusal(text).first != 0 && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        EXPECT_NE(refusal(text).first, 0) << "still there: " << text.toStdString();
     }
 
     ado::Connection connection;
@@ -138,6 +149,37 @@ TEST_F(AdoServer, SharesTheCurrentDatabaseAmongItsStatements)
     EXPECT_EQ(open(u"select db_name()"_s).cellText(0, 0), u"tempdb");
     connection.Execute(u"Use master"_s);
     EXPECT_EQ(open(u"select db_name() as base"_s).Value(u"BASE"_s), basic::Variant(u"master"_s));
+}
+
+TEST_F(AdoServer, LogsInWithAnyPasswordAndIntoAnyDatabase)
+{
+    const QString passwords[] = {u"a;b=c"_s,   u"it's \"so\""_s, u"{a}b}"_s,
+                                 u"漢字ЖЯ€"_s, u"😀 ñ 😀"_s,       u"?%_[x]"_s};
+    const auto quoted = [](QString text, QChar mark) {
+        return mark + text.replace(mark, QString(2, mark)) + mark;
+    };
+    const QString name = u"raro€"_s;
+    connection.Execute(u"exec sp_addlogin N'%1', N'first'"_s.arg(name));
+    for (const QString& password : passwords) {
+        connection.Execute(u"exec sp_password null, N%1, N'%2'"_s.arg(quoted(password, u'\''), name));
+        ado::Connection other;
+        const QString text = support::testConnectionString() + u";User Id="_s + name + u";Password="_s;
+        EXPECT_NO_THROW(other.Open(text + quoted(password, u'"'))) << password.toStdString();
+        EXPECT_EQ(other.State(), 1);
+        ado::Connection refused;
+        EXPECT_THROW(refused.Open(text + quoted(password + u"x"_s, u'"')), basic::RuntimeError);
+    }
+    executeWhenLeft(u"exec sp_droplogin N'%1'"_s.arg(name));
+    for (const QString& base : {u"con blanco"_s, u"a]b[c"_s, u"ñ€'x"_s}) {
+        connection.Execute(u"create database "_s + u'[' + QString(base).replace(u']', u"]]"_s) + u']');
+        ado::Connection other;
+        other.Open(support::testConnectionString(base));
+        Recordset current;
+        current.Open(u"select db_name()"_s, other);
+        EXPECT_EQ(current.cellText(0, 0), base);
+        other.Close();
+        executeWhenLeft(u"drop database "_s + u'[' + QString(base).replace(u']', u"]]"_s) + u']');
+    }
 }
 
 TEST(AdoServerLife, AKilledServerIsReportedAndLeft)

@@ -3,6 +3,7 @@
 #include "platform/ado/Batch.h"
 #include "platform/ado/Diagnostics.h"
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/ado/HostLookup.h"
 #include <QFile>
 #include <array>
 #include <dlfcn.h>
@@ -86,6 +87,8 @@ Session::Session(const ConnectionRequest& request, std::chrono::seconds timeout)
       m_dbc(m_environment->get())
 {
     const ServerAddress address = parseServerAddress(request.dataSource);
+    if (!awaitLookup(address.host, timeout))
+        throw connectTimeOut(address.description());
     connect(odbcConnectionString(m_driver, address, request), address.description(), timeout);
     m_moreResults = findMoreResults();
 }
