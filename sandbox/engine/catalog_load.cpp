@@ -173,15 +173,6 @@ void loadTable(sqlite3* connection, Object& object)
     object.referencedBy = loadReferences(connection, object, "rkeyid");
 }
 
-void loadTriggers(sqlite3* connection, Object& object)
-{
-    Statement rows(connection,
-                   "SELECT id FROM cat_object WHERE dbid = ? AND parent = ? AND xtype = 'TR' ORDER BY id");
-    rows.bind(1, object.databaseId).bind(2, object.id);
-    while (rows.step())
-        object.triggers.push_back(rows.number(0));
-}
-
 void loadText(sqlite3* connection, Object& object)
 {
     Statement row(connection, "SELECT text FROM cat_comment WHERE dbid = ? AND id = ?");
@@ -258,7 +249,6 @@ ObjectPtr loadObject(sqlite3* connection, int databaseId, int objectId)
     loadColumns(connection, *object);
     if (object->kind == ObjectKind::UserTable)
         loadTable(connection, *object);
-    loadTriggers(connection, *object);
     loadText(connection, *object);
     object->databaseId = databaseId;
     return object;

@@ -203,7 +203,6 @@ struct Object
     std::vector<CheckConstraint> checks;
     std::vector<ForeignKey> foreignKeys;  ///< this table's own
     std::vector<ForeignKey> referencedBy; ///< those that point here, its own self references included
-    std::vector<int> triggers;            ///< object ids, ascending
     std::vector<ProcedureParameter> parameters;
 
     [[nodiscard]] const Column* column(const std::string& name) const; ///< ignoring case

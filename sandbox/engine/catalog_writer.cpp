@@ -315,14 +315,6 @@ void deleteConstraintRows(sqlite3* connection, int databaseId, int constraintId)
     bumpCatalogVersion(connection);
 }
 
-void setTriggersEnabled(sqlite3* connection, int databaseId, const std::vector<int>& triggers, bool enabled)
-{
-    Statement row(connection, "UPDATE cat_object SET disabled = ? WHERE dbid = ? AND id = ?");
-    for (const int id : triggers)
-        row.bind(1, int(!enabled)).bind(2, databaseId).bind(3, id).run();
-    bumpCatalogVersion(connection);
-}
-
 void insertUser(sqlite3* connection, int databaseId, const NewUser& user)
 {
     Statement row(connection,

@@ -85,8 +85,6 @@ void insertForeignKey(sqlite3* connection, int databaseId, const ForeignKey& key
 /// The row of a CHECK or FOREIGN KEY constraint behind its object.
 void deleteConstraintRows(sqlite3* connection, int databaseId, int constraintId);
 
-void setTriggersEnabled(sqlite3* connection, int databaseId, const std::vector<int>& triggers, bool enabled);
-
 struct NewUser
 {
     int id = 0;

@@ -3,6 +3,10 @@
 #include "engine/ddl_names.h"
 #include "engine/errors.h"
 
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
 namespace practice {
 namespace {
 
@@ -31,6 +35,18 @@ void updateStatistics(SessionContext& session, const ast::UpdateStatisticsStatem
         if (table->index(name) == nullptr)
             raise(2727, {name});
     }
+}
+
+/// "CREATE TRIGGER": what a statement does, and to what.
+std::string firstWords(const std::string& text)
+{
+    std::istringstream words(text);
+    std::string verb;
+    std::string noun;
+    words >> verb >> noun;
+    std::string both = verb + ' ' + noun;
+    std::transform(both.begin(), both.end(), both.begin(), [](unsigned char c) { return std::toupper(c); });
+    return both;
 }
 
 } // namespace
@@ -63,15 +79,6 @@ std::optional<std::uint64_t> executeDdl(SessionContext& session, const ast::Stat
         break;
     case Kind::CreateProcedure:
         createProcedure(session, as<ast::CreateProcedureStatement>(statement));
-        break;
-    case Kind::CreateFunction:
-        createFunction(session, as<ast::CreateFunctionStatement>(statement));
-        break;
-    case Kind::CreateTrigger:
-        createTrigger(session, as<ast::CreateTriggerStatement>(statement));
-        break;
-    case Kind::EnableTrigger:
-        enableTrigger(session, as<ast::EnableTriggerStatement>(statement));
         break;
     case Kind::CreateStatistics:
         createStatistics(session, as<ast::CreateStatisticsStatement>(statement));
@@ -106,10 +113,8 @@ std::optional<std::uint64_t> executeDdl(SessionContext& session, const ast::Stat
     case Kind::AlterRole:
         alterRole(session, as<ast::AlterRoleStatement>(statement));
         break;
-    default: {
-        const std::string text = sourceText(session, statement.source);
-        raise(40510, {text.substr(0, text.find_first_of(" \t\r\n"))});
-    }
+    default:
+        raise(40510, {firstWords(sourceText(session, statement.source))});
     }
     return std::nullopt;
 }

@@ -14,9 +14,6 @@ void dropIndexes(SessionContext& session, const ast::DropIndexStatement& stateme
 void drop(SessionContext& session, const ast::DropStatement& statement);
 void createView(SessionContext& session, const ast::CreateViewStatement& statement);
 void createProcedure(SessionContext& session, const ast::CreateProcedureStatement& statement);
-void createFunction(SessionContext& session, const ast::CreateFunctionStatement& statement);
-void createTrigger(SessionContext& session, const ast::CreateTriggerStatement& statement);
-void enableTrigger(SessionContext& session, const ast::EnableTriggerStatement& statement);
 
 void createDatabase(SessionContext& session, const ast::CreateDatabaseStatement& statement);
 void alterDatabase(SessionContext& session, const ast::AlterDatabaseStatement& statement);

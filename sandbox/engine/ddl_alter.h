@@ -10,7 +10,8 @@ namespace practice {
 
 enum class DependentKind : std::uint8_t
 {
-    Key,
+    Key, ///< a primary key
+    Unique,
     Index,
     Check,
     ForeignKey,

@@ -35,6 +35,13 @@ bool failsToBind(Bind bind)
     }
 }
 
+DependentKind kindOf(const Index& index)
+{
+    if (index.primaryKey)
+        return DependentKind::Key;
+    return index.uniqueConstraint ? DependentKind::Unique : DependentKind::Index;
+}
+
 bool isVariableLength(TypeId id)
 {
     return id == TypeId::VarChar || id == TypeId::NVarChar || id == TypeId::VarBinary;
@@ -64,12 +71,13 @@ struct ColumnChange
     [[nodiscard]] bool sameKind() const { return before.type.id == after.type.id; }
 };
 
-/// A variable column may grow under an index, change its length under a CHECK, and keep its default
-/// while the kind of type stays.
+/// A variable column may grow under an index or a UNIQUE constraint, change its length under a CHECK,
+/// and keep its default while the kind of type stays.
 bool tolerates(const Dependent& dependent, const ColumnChange& change)
 {
     switch (dependent.kind) {
     case DependentKind::Index:
+    case DependentKind::Unique:
         return change.grows();
     case DependentKind::Check:
         return change.lengthOnly();
@@ -94,8 +102,8 @@ void requireAlterable(const Column& before, const Column& after)
         raise(4928, {before.name, "timestamp"});
     if (after.type.id == TypeId::Timestamp || becomesLegacyLob(before, after))
         raise(4927, {before.name, typeName(after.type.id)});
-    const bool fitsLob = before.type.id == after.type.id || after.type.length == maxLength;
-    if (isLegacyLob(before.type.id) && !fitsLob)
+    const bool becomesMax = isVariableLength(after.type.id) && after.type.length == maxLength;
+    if (isLegacyLob(before.type.id) && !becomesMax)
         raise(4928, {before.name, typeName(before.type.id)});
 }
 
@@ -190,8 +198,7 @@ std::vector<Dependent> dependentsOf(SessionContext& session, const Object& table
     std::vector<Dependent> found;
     for (const Index& index : table.indexes) {
         if (holdsKey(index, column.id))
-            found.push_back(
-                {index.constraintId == 0 ? DependentKind::Index : DependentKind::Key, index.name});
+            found.push_back({kindOf(index), index.name});
     }
     for (const ForeignKey& key : table.foreignKeys) {
         if (holds(key.columns, column.id))

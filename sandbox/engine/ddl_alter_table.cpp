@@ -234,21 +234,6 @@ void switchConstraints(const TableChange& change, const ast::AlterTableStatement
     }
 }
 
-void switchTriggers(const TableChange& change, const ast::AlterTableStatement& statement)
-{
-    const ObjectPtr table = change.table();
-    std::vector<int> ids = statement.all ? table->triggers : std::vector<int>();
-    for (const std::string& name : statement.names) {
-        const auto found = std::find_if(table->triggers.begin(), table->triggers.end(), [&](int id) {
-            return sameName(change.session.catalog().object(change.databaseId, id)->name, name);
-        });
-        if (found == table->triggers.end())
-            raise(4920, {name, table->name});
-        ids.push_back(*found);
-    }
-    setTriggersEnabled(change.session.connection(), change.databaseId, ids, statement.enable);
-}
-
 } // namespace
 
 void alterTable(SessionContext& session, const ast::AlterTableStatement& statement)
@@ -266,7 +251,10 @@ void alterTable(SessionContext& session, const ast::AlterTableStatement& stateme
     case ast::AlterTableAction::SwitchConstraints:
         return switchConstraints(change, statement);
     case ast::AlterTableAction::SwitchTriggers:
-        return switchTriggers(change, statement);
+        // Tables here have none.
+        if (!statement.names.empty())
+            raise(4920, {statement.names.front(), table->name});
+        return;
     }
 }
 

@@ -205,7 +205,8 @@ void createDatabase(SessionContext& session, const ast::CreateDatabaseStatement&
 
 void dropDatabase(SessionContext& session, const std::string& name, bool ifExists)
 {
-    requireNoTransaction(session, "DROP DATABASE");
+    if (session.transactionCount() > 0)
+        raise(574, {"DROP DATABASE"});
     const DatabasePtr database = session.catalog().database(name);
     if (!database && ifExists)
         return;

@@ -112,12 +112,13 @@ void drop(SessionContext& session, const ast::DropStatement& statement)
     case ast::DropKind::Role:
         return dropPrincipal(session, statement);
     case ast::DropKind::Database:
-        for (const ast::ObjectName& name : statement.names)
+        return forEachOf(session, statement.names, [&](const ast::ObjectName& name) {
             dropDatabase(session, name.object, statement.ifExists);
-        return;
+        });
     default:
-        for (const ast::ObjectName& name : statement.names)
+        return forEachOf(session, statement.names, [&](const ast::ObjectName& name) {
             dropOne(session, wordsOf(statement.dropKind), name, statement.ifExists);
+        });
     }
 }
 

@@ -35,6 +35,8 @@ bool sameKeys(const Index& left, const Index& right)
 /// DROP_EXISTING: the index takes the place of its former self.
 ObjectPtr replaceExisting(SessionContext& session, const Object& table, const Index& present, Index& index)
 {
+    if (present.clustered && !index.clustered)
+        raise(1925);
     const bool constraint = present.constraintId != 0;
     if (constraint && (!index.unique || !sameKeys(present, index)))
         raise(1907, {present.name});
@@ -96,6 +98,8 @@ void changeIndex(SessionContext& session, const Object& table, Index index,
 
 void createIndex(SessionContext& session, const ast::CreateIndexStatement& statement)
 {
+    if (statement.where)
+        raise(40510, {"CREATE INDEX WHERE"});
     ObjectPtr table = indexedTable(session, statement.table);
     Index index;
     index.name = statement.name;
@@ -132,8 +136,8 @@ void alterIndex(SessionContext& session, const ast::AlterIndexStatement& stateme
 
 void dropIndexes(SessionContext& session, const ast::DropIndexStatement& statement)
 {
-    for (const ast::DroppedIndex& index : statement.indexes)
-        dropOne(session, index, statement.ifExists);
+    forEachOf(session, statement.indexes,
+              [&](const ast::DroppedIndex& index) { dropOne(session, index, statement.ifExists); });
 }
 
 } // namespace practice

@@ -10,6 +10,7 @@ namespace {
 constexpr MessageText texts[] = {
     {129, 15, 1, "Fillfactor %s is not a valid percentage; fillfactor must be between 1 and 100."},
     {226, 16, 6, "%s statement not allowed within multi-statement transaction."},
+    {574, 16, 0, "%s statement cannot be used inside a user transaction."},
     {1088, 16, 12, "Cannot find the object \"%s\" because it does not exist or you do not have permissions."},
     {1505, 16, 1,
      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
@@ -93,6 +94,10 @@ constexpr MessageText texts[] = {
     {1919, 16, 1,
      "Column '%s' in table '%s' is of a type that is invalid for use as a key column in an index."},
     {1921, 16, 1, "Invalid filegroup '%s' specified."},
+    {1925, 16, 2,
+     "Cannot convert a clustered index to a nonclustered index using the DROP_EXISTING option. To change the "
+     "index type from clustered to nonclustered, delete the clustered index, and then create a nonclustered "
+     "index by using two separate statements."},
     {1939, 16, 1, "Cannot create index on view '%s' because the view is not schema bound."},
     {1944, 16, 1,
      "Index '%s' was not created. This index has a key length of at least %s bytes. The maximum permissible "
@@ -347,7 +352,6 @@ constexpr MessageText texts[] = {
     {15434, 16, 1, "Could not drop login '%s' as the user is currently logged in."},
     {15457, 10, 1,
      "Configuration option '%s' changed from %s to %s. Run the RECONFIGURE statement to install."},
-    {15461, 10, 1, "Object does not reference any object, and no objects reference it."},
     {15466, 16, 1, "An error occurred during decryption."},
     {15469, 10, 1, "No constraints have been defined for object '%s'."},
     {15470, 10, 1, "No foreign keys reference table '%s'."},

@@ -12,7 +12,7 @@
 namespace practice {
 namespace {
 
-/// What views, procedures, functions and triggers have in common: one text under one name.
+/// What views and procedures have in common: one text under one name.
 struct Module
 {
     SessionContext& session;
@@ -22,7 +22,6 @@ struct Module
     ObjectKind kind;
     const char* words; ///< "CREATE VIEW"
     bool encrypted = false;
-    int parentId = 0;
 };
 
 /// The batch as it was sent, with the word that began the statement turned into CREATE.
@@ -51,7 +50,6 @@ NewObject newObject(const Module& module, const ObjectPlace& place)
     object.name = place.name;
     object.ownerId = place.ownerId;
     object.kind = module.kind;
-    object.parentId = module.parentId;
     object.quotedIdentifier = module.session.options().quotedIdentifier;
     object.ansiNulls = module.session.options().ansiNulls;
     return object;
@@ -170,24 +168,6 @@ void requireUnordered(const ast::CreateViewStatement& statement)
         raise(1033);
 }
 
-ObjectKind functionKind(ast::FunctionForm form)
-{
-    switch (form) {
-    case ast::FunctionForm::Scalar:
-        return ObjectKind::ScalarFunction;
-    case ast::FunctionForm::InlineTable:
-        return ObjectKind::InlineFunction;
-    case ast::FunctionForm::MultiStatement:
-        return ObjectKind::TableFunction;
-    }
-    return ObjectKind::ScalarFunction;
-}
-
-bool isEncrypted(const std::vector<std::string>& options)
-{
-    return std::find(options.begin(), options.end(), "ENCRYPTION") != options.end();
-}
-
 } // namespace
 
 void createView(SessionContext& session, const ast::CreateViewStatement& statement)
@@ -211,51 +191,6 @@ void createProcedure(SessionContext& session, const ast::CreateProcedureStatemen
                         "CREATE PROCEDURE",
                         statement.encryption};
     insertParameters(module, storeModule(module), statement.parameters);
-}
-
-void createFunction(SessionContext& session, const ast::CreateFunctionStatement& statement)
-{
-    const Module module{session,
-                        statement,
-                        statement.name,
-                        statement.mode,
-                        functionKind(statement.form),
-                        "CREATE FUNCTION",
-                        isEncrypted(statement.options)};
-    const StoredModule stored = storeModule(module);
-    insertParameters(module, stored, statement.parameters);
-}
-
-void createTrigger(SessionContext& session, const ast::CreateTriggerStatement& statement)
-{
-    const ObjectPtr table = findNamed(session, statement.table);
-    if (!table || (table->kind != ObjectKind::UserTable && table->kind != ObjectKind::View))
-        raise(8197, {plainName(statement.table)});
-    const Module module{session,
-                        statement,
-                        statement.name,
-                        statement.mode,
-                        ObjectKind::Trigger,
-                        "CREATE TRIGGER",
-                        statement.encryption,
-                        table->id};
-    storeModule(module);
-}
-
-void enableTrigger(SessionContext& session, const ast::EnableTriggerStatement& statement)
-{
-    const ObjectPtr table = requireTable(session, statement.table, 1088);
-    std::vector<int> ids = table->triggers;
-    if (!statement.all) {
-        ids.clear();
-        for (const ast::ObjectName& name : statement.names) {
-            const ObjectPtr trigger = findNamed(session, name);
-            if (!trigger || trigger->parentId != table->id)
-                raise(1088, {plainName(name)});
-            ids.push_back(trigger->id);
-        }
-    }
-    setTriggersEnabled(session.connection(), table->databaseId, ids, statement.enable);
 }
 
 } // namespace practice

@@ -179,7 +179,7 @@ bool hasServerRole(SessionContext& session, unsigned roles)
 void raiseAfter(SessionContext& session, const Message& first, int second)
 {
     session.sendMessage(first);
-    raise(second);
+    throw SqlError{makeMessage(second), first.number};
 }
 
 ObjectPtr reread(SessionContext& session, int databaseId, int objectId)

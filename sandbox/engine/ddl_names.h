@@ -59,6 +59,16 @@ void requireWritable(const Database& database);
 /// Sends the first message and raises the second: constraints fail with two.
 [[noreturn]] void raiseAfter(SessionContext& session, const Message& first, int second);
 
+/// Takes a list's items one by one, each by itself: what fails leaves the others done.
+template <typename List, typename Work>
+void forEachOf(SessionContext& session, const List& list, Work work)
+{
+    if (list.size() == 1)
+        return work(list.front());
+    for (const auto& item : list)
+        session.attempt([&] { work(item); });
+}
+
 /// A table as it now stands, changes of the running statement included.
 [[nodiscard]] ObjectPtr reread(SessionContext& session, int databaseId, int objectId);
 

@@ -13,6 +13,7 @@ namespace practice {
 struct SqlError
 {
     Message message;
+    int cause = 0; ///< number of the message sent ahead of it, which tells what really failed
 };
 
 /// The message of a number with its place holders filled in order. State 1 unless the catalogue of

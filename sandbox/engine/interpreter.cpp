@@ -35,17 +35,25 @@ Message messageOf(const StoreError& failure)
     return message;
 }
 
-bool changesData(const ast::Statement& statement)
+/// Errors of running, as opposed to those of binding, end a change of rows with message 3621. A table
+/// that is altered or indexed changes its rows too, but what it checks in them is its own affair.
+bool terminates(const ast::Statement& statement, const SqlError& error)
 {
-    return statement.kind == Kind::Insert || statement.kind == Kind::Update || statement.kind == Kind::Delete;
-}
-
-/// Errors of running, as opposed to those of binding, end a change with message 3621.
-bool terminates(int number)
-{
-    static constexpr std::array numbers = {512, 515,  517,  530,  535,  544,  547,
-                                           550, 2601, 2627, 3623, 8115, 8134, 8152};
-    return std::binary_search(numbers.begin(), numbers.end(), number);
+    static constexpr std::array ofData = {220, 232, 512,  515,  517,  530,  535,  544,
+                                          547, 550, 2601, 2627, 3623, 8115, 8134, 8152};
+    static constexpr std::array ofTables = {220, 232, 515, 1505, 8115, 8152};
+    const int number = error.cause == 0 ? error.message.number : error.cause;
+    switch (statement.kind) {
+    case Kind::Insert:
+    case Kind::Update:
+    case Kind::Delete:
+        return std::binary_search(ofData.begin(), ofData.end(), number);
+    case Kind::AlterTable:
+    case Kind::CreateIndex:
+        return std::binary_search(ofTables.begin(), ofTables.end(), number);
+    default:
+        return false;
+    }
 }
 
 /// Lets go of the statement's view of the store however it ends.
@@ -164,12 +172,12 @@ Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
     return Flow::Next;
 }
 
-void Interpreter::report(const Message& message, bool data)
+void Interpreter::report(const Message& message, bool terminated)
 {
     session_.sendMessage(message);
     session_.lastError = message.number;
     session_.lastRowCount = 0;
-    if (data && terminates(message.number))
+    if (terminated)
         session_.sendMessage(makeMessage(3621));
     session_.done(std::nullopt, 0, true);
     const bool aborted = abortsBatch(message.number);
@@ -186,13 +194,14 @@ void Interpreter::report(const Message& message, bool data)
 template <typename Work>
 void Interpreter::guarded(const ast::Statement& statement, Work work)
 {
-    const auto failed = [this, &statement](Message message) {
+    const auto failed = [this, &statement](SqlError error) {
+        Message& message = error.message;
         if (message.procedure.empty())
             message.procedure = session_.frame().procedure;
         message.line = session_.frame().line;
         if (session_.catchesErrors())
-            throw SqlError{std::move(message)};
-        report(message, changesData(statement));
+            throw SqlError(std::move(error));
+        report(message, terminates(statement, error));
         if (statement.kind == Kind::Throw)
             throw BatchAborted{};
     };
@@ -201,9 +210,9 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         work();
         session_.lastError = session_.errorOfStatement();
     } catch (const SqlError& error) {
-        failed(error.message);
+        failed(error);
     } catch (const StoreError& failure) {
-        failed(messageOf(failure));
+        failed({messageOf(failure)});
     }
 }
 
@@ -386,7 +395,7 @@ void Interpreter::definition(const ast::Statement& node)
     if (const auto* create = ast::tryAs<ast::CreateTableStatement>(&node);
         create != nullptr && create->name.object.starts_with('#') && !create->name.object.starts_with("##"))
         session_.frame().temporaryTables.push_back(create->name.object);
-    session_.done(rows, 0);
+    session_.done(rows, 0, session_.statementError != 0);
 }
 
 void Interpreter::declare(const ast::DeclareStatement& node)

@@ -65,7 +65,7 @@ private:
 
     template <typename Work>
     void guarded(const ast::Statement& statement, Work work);
-    void report(const Message& message, bool changesData);
+    void report(const Message& message, bool terminated);
 
     // Before anything runs: declarations are hoisted, and what can be bound already is.
     bool prepare(const ast::StatementList& statements);

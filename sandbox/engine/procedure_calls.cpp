@@ -343,15 +343,20 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
     };
     // What it writes outside a transaction is its own to commit, like a statement's.
     const bool alone = session_.transactionCount() == 0 && !session_.store().inTransaction();
+    std::optional<Savepoint> savepoint;
+    if (session_.store().inTransaction())
+        savepoint.emplace(session_.store());
     std::optional<int> status;
     try {
         status = callSystemProcedure(session_, procedure, arguments);
-        if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
+        if (savepoint)
+            savepoint->release();
+        else if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
             session_.store().commit();
     } catch (...) {
         restore();
-        if (alone && session_.transactionCount() == 0)
-            session_.store().rollback();
+        if (!savepoint && session_.store().inTransaction())
+            session_.undoFirstWrites();
         throw;
     }
     restore();

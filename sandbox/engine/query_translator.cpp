@@ -128,8 +128,13 @@ void BlockText::checkGrouping(const std::vector<std::string>& loose, int grouped
 
 void BlockText::readGroups()
 {
+    const ast::GroupBy& groups = *block_.groupBy;
+    if (groups.grouping != ast::GroupingKind::Plain)
+        raise(40510, {groups.grouping == ast::GroupingKind::Cube ? "GROUP BY CUBE" : "GROUP BY ROLLUP"});
+    if (groups.all)
+        raise(40510, {"GROUP BY ALL"});
     scope_.clause = Clause::GroupBy;
-    for (const auto& node : block_.groupBy->expressions) {
+    for (const auto& node : groups.expressions) {
         const Term term = translator_.expression(*node, scope_);
         if (term.constant)
             raise(164);
@@ -378,6 +383,8 @@ void Translator::enterCommonTables(const std::vector<ast::CommonTable>& tables)
 
 TranslatedQuery Translator::query(const ast::Query& query, Scope* outer)
 {
+    if (query.forKind != ast::ForKind::None && query.forKind != ast::ForKind::Browse)
+        raise(40510, {query.forKind == ast::ForKind::Json ? "FOR JSON" : "FOR XML"});
     const std::size_t visible = commonTables_.size();
     enterCommonTables(query.commonTables);
     TranslatedQuery result = body(*query.body, &query, outer);

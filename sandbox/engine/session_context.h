@@ -7,6 +7,7 @@
 #include "engine/store.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -89,6 +90,9 @@ public:
     /// Takes the write lock and makes sure that a transaction runs. DDL and DML are called with it
     /// held already; procedures that write call it themselves before they read.
     virtual void beginWrite() = 0;
+    /// Runs a part of a statement that stands by itself, as each name of DROP TABLE a, b does: a
+    /// refusal is reported, undoes this part alone, and the statement goes on. TRY gets it raised.
+    virtual void attempt(const std::function<void()>& part) = 0;
 
     /// Runs a batch of Transact-SQL as part of the running statement; results and messages go to
     /// `sink()`, an error is raised.

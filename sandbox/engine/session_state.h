@@ -87,6 +87,7 @@ public:
     void sendMessage(Message message) override;
     [[nodiscard]] const std::string& temporarySuffix() const override { return temporarySuffix_; }
     void beginWrite() override;
+    void attempt(const std::function<void()>& part) override;
     [[nodiscard]] std::string_view batchText() const override { return frames_.back()->compiled->text; }
     void runText(const std::string& text) override;
     [[nodiscard]] std::vector<std::vector<Value>> queryText(const std::string& text) override;
@@ -148,6 +149,8 @@ public:
     void rollbackTransaction(const std::string& name);
     void rollbackAll();
     void saveTransaction(const std::string& name);
+    /// Takes back all that the transaction has written; it stays open, and its savepoints stand.
+    void undoFirstWrites();
     /// Runs a piece of work that writes: all of it happens or nothing.
     template <typename Work>
     auto atomically(Work work);

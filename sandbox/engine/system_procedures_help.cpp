@@ -334,10 +334,37 @@ Collation       sysname?  CASE WHEN k.collation <> '' THEN k.collation END
                       " AND k.name LIKE '@%' ORDER BY k.colid");
 }
 
+/// @return false when no type has the name
+bool sendType(const ProcedureCall& call, const std::string& name)
+{
+    const std::string source = "FROM sys_type t WHERE t.name = " + quotedText(name);
+    Statement known(call.session().connection(), "SELECT 1 " + source);
+    if (!known.step())
+        return false;
+    known.reset();
+    call.sendRows(R"(
+Type_name     sysname      t.name
+Storage_type  sysname      (SELECT s.name FROM sys_type s WHERE s.xusertype = t.xtype)
+Length        smallint     t.length
+Prec          int?         t.prec
+Scale         int?         t.scale
+Nullable      varchar(35)? CASE WHEN t.xusertype IN (189, 256) THEN 'no' ELSE 'yes' END
+Default_name  sysname?     'none'
+Rule_name     sysname?     'none'
+Collation     sysname?     CASE WHEN t.collated THEN (SELECT d.collation FROM cat_database d WHERE d.dbid = :db) END
+)",
+                  source);
+    return true;
+}
+
 int help(const ProcedureCall& call)
 {
     if (!call.text(0))
         return helpAll(call);
+    const ast::ObjectName parsed = parseObjectName(*call.text(0));
+    if (!parsed.empty() && parsed.database.empty() && !findNamed(call.session(), parsed) &&
+        sendType(call, parsed.object))
+        return 0;
     const ObjectPtr object = requireObject(call, *call.text(0));
     call.sendRows(R"(
 Name              sysname       o.name
@@ -361,17 +388,11 @@ Created_datetime  datetime      o.created
     return 0;
 }
 
-int depends(const ProcedureCall& call)
-{
-    (void)requireObject(call, call.textOr(0, ""));
-    call.session().inform(15461);
-    return 0;
-}
-
 constexpr SystemProcedure procedures[] = {
-    {"sp_help", "@objname=", help},          {"sp_helptext", "@objname @columnname=", helpText},
-    {"sp_helpindex", "@objname", helpIndex}, {"sp_helpconstraint", "@objname @nomsg=", helpConstraint},
-    {"sp_depends", "@objname", depends},
+    {"sp_help", "@objname=", help},
+    {"sp_helptext", "@objname @columnname=", helpText},
+    {"sp_helpindex", "@objname", helpIndex},
+    {"sp_helpconstraint", "@objname @nomsg=", helpConstraint},
 };
 
 } // namespace

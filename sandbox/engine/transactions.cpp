@@ -52,6 +52,21 @@ void SessionState::beginWrite()
     pendingSavepoints_.clear();
 }
 
+void SessionState::attempt(const std::function<void()>& part)
+{
+    Savepoint savepoint(store_);
+    try {
+        catalog_->version();
+        part();
+        savepoint.release();
+    } catch (const SqlError& error) {
+        if (catchesErrors())
+            throw;
+        sendMessage(error.message);
+        statementError = error.message.number;
+    }
+}
+
 void SessionState::startImplicitTransaction()
 {
     if (options_.implicitTransactions && transactionCount_ == 0)
@@ -86,6 +101,12 @@ void SessionState::rollbackAll()
         return;
     transactionCount_ = 0;
     announceTransaction(EnvironmentChange::RollbackTransaction);
+}
+
+void SessionState::undoFirstWrites()
+{
+    store_.rollback();
+    pendingSavepoints_ = savepoints_;
 }
 
 void SessionState::rollbackTransaction(const std::string& name)

@@ -29,7 +29,8 @@ struct ParserOptions
 /// @throws SyntaxError
 [[nodiscard]] ast::DataType parseDataType(std::string_view text);
 
-/// Parses a name of up to four parts that stands alone ("dbo.[my table]"), as object_id gets it.
+/// Parses a name of up to four parts that stands alone ("dbo.[my table]"), as object_id gets it. Bare
+/// parts may hold what they could not hold in a statement: blanks, and words that are reserved.
 /// @return an empty name when the text is none
 [[nodiscard]] ast::ObjectName parseObjectName(std::string_view text);
 

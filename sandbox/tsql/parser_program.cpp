@@ -84,7 +84,8 @@ StatementPtr StatementParser::createProcedure(ast::DefinitionMode mode)
         expect(Symbol::Close);
     procedureOptions(*node);
     expect(Keyword::As);
-    node->body = restOfBatch();
+    if (!atEnd()) // a procedure may do nothing
+        node->body = restOfBatch();
     return node;
 }
 

@@ -102,6 +102,8 @@ void TableParser::column(ast::TableElements& elements)
         column.type.name.object = column.name;
         column.type.id = TypeId::Timestamp;
         column.type.source = since(start);
+    } else if (lacksType()) {
+        fail(173, "The definition for column '" + column.name + "' must include a data type.");
     } else {
         column.type = dataType();
     }
@@ -109,6 +111,12 @@ void TableParser::column(ast::TableElements& elements)
     }
     column.source = since(start);
     elements.columns.push_back(std::move(column));
+}
+
+bool TableParser::lacksType() const
+{
+    return atEnd() || at(Symbol::Comma) || at(Symbol::Close) || at(Keyword::Null) || at(Keyword::Not) ||
+           at(Keyword::Identity) || atConstraint();
 }
 
 void TableParser::columnType(ast::ColumnDefinition& column)

@@ -42,6 +42,7 @@ private:
     [[nodiscard]] ast::IdentityClause identity();
     [[nodiscard]] std::string signedNumber();
     [[nodiscard]] bool atConstraint() const;
+    [[nodiscard]] bool lacksType() const;
     [[nodiscard]] ast::TableConstraint constraint(ElementPlace place, bool ofColumn);
     void keyConstraint(ast::TableConstraint& constraint, bool ofColumn);
     void foreignKey(ast::TableConstraint& constraint, bool ofColumn);

@@ -54,11 +54,13 @@ TEST(AlterTable, ChangeColumnsWithTheirRows)
              "(2, NULL)",
              ""},
             {"ALTER TABLE t ALTER COLUMN n varchar(1)",
-             "Msg 8152, Level 16, State 14: String or binary data would be truncated."},
+             "Msg 8152, Level 16, State 14: String or binary data would be truncated.\n-- The statement has "
+             "been terminated."},
             {"ALTER TABLE t ALTER COLUMN n int", ""},
             {"ALTER TABLE t ALTER COLUMN n varchar(5) NOT NULL",
              "Msg 515, Level 16, State 2: Cannot insert the value NULL into column 'n', table "
-             "'Ventas.dbo.t'; column does not allow nulls. UPDATE fails."},
+             "'Ventas.dbo.t'; column does not allow nulls. UPDATE fails.\n-- The statement has been "
+             "terminated."},
             {"ALTER TABLE t ALTER COLUMN n numeric  (5) NULL", ""},
             {"ALTER TABLE t ALTER COLUMN d varchar  (10)  COLLATE Latin1_General_CI_AS  NULL", ""},
             {"ALTER TABLE t ALTER COLUMN f smalldatetime  NULL", ""},

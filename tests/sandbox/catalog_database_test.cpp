@@ -165,6 +165,71 @@ TEST(Databases, AreAltered)
         });
 }
 
+TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
+{
+    const TemporaryDirectory directory;
+    const std::string path = windowsPath(directory.path());
+    Engine& engine = freshDatabase();
+    struct Form
+    {
+        const char* name;
+        const char* clauses;  ///< as they stand behind the file's name
+        const char* expected; ///< size, maxsize, growth, status; or the refusal
+        std::uintmax_t megabytes = 0;
+    };
+    const Form forms[] = {
+        {"a", " SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%)", "128 | -1 | 10 | 1048578", 1},
+        {"b", " SIZE = 1MB, MAXSIZE =50MB,FILEGROWTH=10MB)", "128 | 6400 | 1280 | 2", 1},
+        {"c", " SIZE = 10MB, MAXSIZE =UNLIMITED)", "1280 | -1 | 10 | 1048578", 10},
+        {"d", " SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=0MB)", "128 | -1 | 0 | 2", 1},
+        {"e", " SIZE = 0MB, MAXSIZE =UNLIMITED)",
+         "Msg 1803, Level 16, State 1: The CREATE DATABASE statement failed. The primary file must be at "
+         "least "
+         "1 MB to accommodate a copy of the model database."},
+        {"e", " SIZE = 2MB, MAXSIZE =1MB,FILEGROWTH=3MB)",
+         "Msg 5103, Level 16, State 1: MAXSIZE cannot be less than SIZE for file 'e'.\nMsg 1802, Level 16, "
+         "State 4: CREATE DATABASE failed. Some file names listed could not be created. Check related "
+         "errors."},
+        {"e", " SIZE = 2MB, MAXSIZE =MB)", "Msg 102, Level 15, State 1: Incorrect syntax near 'MB'."},
+        {"e", " SIZE = 2.5MB, MAXSIZE =UNLIMITED)",
+         "Msg 102, Level 15, State 1: Incorrect syntax near '2.5'."},
+        {"e", " SIZE = 512KB MAXSIZE =UNLIMITED)",
+         "Msg 102, Level 15, State 1: Incorrect syntax near 'MAXSIZE'."},
+        {"e", " SIZE = 2MB, MAXSIZE =UNLIMITED),\rPRIMARY (NAME = f)",
+         "Msg 156, Level 15, State 1: Incorrect syntax near the keyword 'PRIMARY'."},
+        {"e", " SIZE = 2MB, MAXSIZE =UNLIMITED)\r LOG ON  (NAME = l)\r LOG ON  (NAME = m)",
+         "Msg 102, Level 15, State 1: Incorrect syntax near 'LOG'."},
+    };
+    for (const Form& form : forms) {
+        const std::string name = form.name;
+        const std::string statement = "CREATE DATABASE " + name + "\r ON PRIMARY (NAME = " + name +
+                                      ", FILENAME = '" + path + "\\" + name + ".mdf'," + form.clauses + "\r";
+        SCOPED_TRACE(statement);
+        std::string answer = engine.run(statement);
+        const auto file = directory.path() / (name + ".mdf");
+        EXPECT_EQ(std::filesystem::exists(file), answer.empty());
+        if (answer.empty()) {
+            EXPECT_EQ(std::filesystem::file_size(file), form.megabytes << 20);
+            answer = engine.run("Select size, maxsize, growth, status from " + name +
+                                "..sysfiles  where groupid <> 0");
+            answer.erase(0, answer.find('\n') + 1);
+        }
+        EXPECT_EQ(answer, std::string(form.expected) + "\n");
+    }
+    expectAnswers(
+        engine,
+        {
+            {"DROP DATABASE a, nada, master, b",
+             "Msg 3701, Level 11, State 1: Cannot drop the database 'nada', because it does not exist "
+             "or you do not have permission.\nMsg 3708, Level 16, State 1: Cannot drop the database "
+             "'master' because it is a system database."},
+            {"SELECT name FROM master..sysdatabases WHERE name IN ('a', 'b', 'c', 'd') ORDER BY name",
+             "name\nc\nd"},
+            {"DROP DATABASE c, d", ""},
+        });
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
 TEST(Databases, TakeOptions)
 {
     const TemporaryDirectory directory;

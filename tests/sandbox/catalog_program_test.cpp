@@ -42,6 +42,33 @@ TEST(Programs, KeepTheirTextAsSent)
         });
 }
 
+TEST(Programs, MayBeEmptyOrAreRefusedWhole)
+{
+    expectAnswers(
+        freshDatabase(),
+        {
+            {"CREATE PROCEDURE [NOMBRE_PROCEDIMIENTO] AS ", ""},
+            {"EXEC NOMBRE_PROCEDIMIENTO", ""},
+            {"Select obj.name,com.text  from Ventas..sysobjects obj, Ventas..syscomments com where obj.type "
+             "= "
+             "'P' and name='NOMBRE_PROCEDIMIENTO' and com.id=obj.id order by name",
+             "name | text\nNOMBRE_PROCEDIMIENTO | CREATE PROCEDURE [NOMBRE_PROCEDIMIENTO] AS "},
+            {"DROP PROCEDURE NOMBRE_PROCEDIMIENTO", ""},
+            {"CREATE VIEW [NOMBRE_VISTA] AS ", "Msg 102, Level 15, State 1: Incorrect syntax near 'AS'."},
+            {"DROP VIEW con blanco", "Msg 102, Level 15, State 1: Incorrect syntax near 'blanco'."},
+            {"CREATE TABLE t (a int)", ""},
+            {"create\ntrigger g on t for insert as print 'x'",
+             "Msg 40510, Level 16, State 1: Statement 'CREATE TRIGGER' is not supported in this version of "
+             "SQL "
+             "Server."},
+            {"CREATE FUNCTION f () RETURNS int AS BEGIN RETURN 1 END",
+             "Msg 40510, Level 16, State 1: Statement 'CREATE FUNCTION' is not supported in this version of "
+             "SQL Server."},
+            {"ALTER TABLE t DISABLE TRIGGER ALL", ""},
+            {"SELECT name FROM sysobjects WHERE category = 0 AND xtype <> 'S'", "name\nt"},
+        });
+}
+
 TEST(Programs, RefuseViewsThatCannotBe)
 {
     expectAnswers(

@@ -120,6 +120,25 @@ TEST(Security, ChangeLogins)
         });
 }
 
+TEST(Security, ProceduresThatFailLeaveNothingBehind)
+{
+    const char* refused =
+        "Msg 15014, Level 16, State 1: The role 'nada' does not exist in the current database.";
+    expectAnswers(freshDatabase(),
+                  {
+                      {"CREATE TABLE t (a int)", ""},
+                      {"EXEC sp_addlogin 'eva', 'Clave-1'", "-- New login created."},
+                      {"EXEC sp_adduser 'eva', 'eva', 'nada'", refused},
+                      {"BEGIN TRAN SAVE TRAN antes EXEC sp_adduser 'eva', 'eva', 'nada'", refused},
+                      {"SELECT @@TRANCOUNT, count(*) FROM sysusers WHERE name = 'eva'", "1 | 0"},
+                      {"INSERT t VALUES (1) EXEC sp_adduser 'eva', 'eva', 'nada'", refused},
+                      {"SELECT (SELECT count(*) FROM t), count(*) FROM sysusers WHERE name = 'eva'", "1 | 0"},
+                      {"ROLLBACK TRAN antes SELECT @@TRANCOUNT, count(*) FROM t", "1 | 0"},
+                      {"COMMIT", ""},
+                      {"EXEC sp_droplogin 'eva'", "-- Login dropped."},
+                  });
+}
+
 TEST(Security, RecordPermissions)
 {
     expectAnswers(

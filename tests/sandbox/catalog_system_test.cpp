@@ -123,6 +123,57 @@ TEST(SystemTables, AgreeWithTheTables)
         });
 }
 
+TEST(SystemTables, AnswerTheDesigners)
+{
+    Engine& engine = freshDatabase();
+    expectAnswers(
+        engine,
+        {
+            {"EXEC sp_help 'nvarchar'",
+             "Type_name | Storage_type | Length | Prec | Scale | Nullable | Default_name | Rule_name | "
+             "Collation\nnvarchar | nvarchar | 8000 | 4000 | NULL | yes | none | none | "
+             "SQL_Latin1_General_CP1_CI_AS"},
+            {"EXEC sp_help 'sysname'",
+             "Type_name | Storage_type | Length | Prec | Scale | Nullable | Default_name | Rule_name | "
+             "Collation\nsysname | nvarchar | 256 | 128 | NULL | no | none | none | "
+             "SQL_Latin1_General_CP1_CI_AS"},
+            {"EXEC sp_help 'nada'",
+             "Msg 15009, Level 16, State 1: The object 'nada' does not exist in database 'Ventas'."},
+        });
+    engine.run("CREATE TABLE z (id int NOT NULL CONSTRAINT pk PRIMARY KEY)");
+    engine.run("CREATE TABLE t (a int CONSTRAINT fk REFERENCES z)");
+    engine.run("CREATE VIEW v AS SELECT a FROM t");
+    const std::pair<const char*, const char*> shapes[] = {
+        {"EXEC sp_helpindex 'z'", "index_name:nvarchar(128) not null | index_description:varchar(210) | "
+                                  "index_keys:nvarchar(2078)\npk | "
+                                  "clustered, unique, primary key located on PRIMARY | id\n"},
+        {"EXEC sp_fkeys 'z'", "PKTABLE_QUALIFIER:nvarchar(128) | PKTABLE_OWNER:nvarchar(128) | "
+                              "PKTABLE_NAME:nvarchar(128) not null | "
+                              "PKCOLUMN_NAME:nvarchar(128) not null | FKTABLE_QUALIFIER:nvarchar(128) | "
+                              "FKTABLE_OWNER:nvarchar(128) "
+                              "| FKTABLE_NAME:nvarchar(128) not null | FKCOLUMN_NAME:nvarchar(128) not null "
+                              "| KEY_SEQ:smallint not "
+                              "null | UPDATE_RULE:smallint | DELETE_RULE:smallint | FK_NAME:nvarchar(128) | "
+                              "PK_NAME:nvarchar(128) | "
+                              "DEFERRABILITY:smallint not null\nVentas | dbo | z | id | Ventas | dbo | t | a "
+                              "| 1 | 1 | 1 | fk | pk | "
+                              "7\n"},
+        {"EXEC sp_helptext 'v'", "Text:nvarchar(255)\nCREATE VIEW v AS SELECT a FROM t\n"},
+        {"SELECT DATABASEPROPERTYEX('Ventas','status') s, DATABASEPROPERTYEX('Ventas','IsAutoClose') c, "
+         "suser_sname(0x01) n",
+         "s:sql_variant | c:sql_variant | n:nvarchar(128)\nONLINE | 0 | sa\n"},
+        {"SELECT TOP 0 * FROM sysfilegroups",
+         "groupid:smallint not null | allocpolicy:smallint not null | status:int not null | "
+         "groupname:nvarchar(128) not null\n"},
+        {"SELECT TOP 0 * FROM sysfiles",
+         "fileid:smallint not null | groupid:smallint not null | size:int not null | maxsize:int not null | "
+         "growth:int not null | status:int not null | perf:int not null | name:nchar(128) not null | "
+         "filename:nchar(260) not null\n"},
+    };
+    for (const auto& [statement, shape] : shapes)
+        EXPECT_EQ(engine.describe(statement), shape) << statement;
+}
+
 TEST(SystemTables, AnswerDrivers)
 {
     expectAnswers(

@@ -223,6 +223,35 @@ TEST(Tables, AreDroppedByTheirOwnStatement)
         });
 }
 
+TEST(Tables, InAListAreDroppedEachByItself)
+{
+    const char* missing = "Msg 3701, Level 11, State 5: Cannot drop the table 'nada', because it does not "
+                          "exist or you do not have permission.";
+    const std::string referenced = std::string(missing) + "\nMsg 3726, Level 16, State 1: Could not drop "
+                                                          "object 'p' because it is referenced by a FOREIGN "
+                                                          "KEY constraint.";
+    expectAnswers(
+        freshDatabase(),
+        {
+            {"CREATE TABLE a (x int) CREATE TABLE p (x int PRIMARY KEY) CREATE TABLE h (x int "
+             "REFERENCES p)",
+             ""},
+            {"DROP TABLE nada, p, h, a", referenced.c_str()},
+            {"SELECT name FROM sysobjects WHERE xtype = 'U'", "name\np"},
+            {"DROP TABLE p, nada IF @@ERROR = 3701 PRINT 'seguido'",
+             (std::string(missing) + "\n-- seguido").c_str()},
+            {"CREATE TABLE a (x int)", ""},
+            {"BEGIN TRY DROP TABLE a, nada PRINT 'nunca' END TRY BEGIN CATCH PRINT ERROR_NUMBER() "
+             "END CATCH",
+             "-- 3701"},
+            {"CREATE TABLE t (a int, b int) CREATE INDEX i1 ON t (a) CREATE INDEX i2 ON t (b)", ""},
+            {"DROP INDEX t.i1, t.nada, t.i2",
+             "Msg 3701, Level 11, State 7: Cannot drop the index 't.nada', because it does not exist "
+             "or you do not have permission."},
+            {"EXEC sp_helpindex t", "-- The object does not have any indexes."},
+        });
+}
+
 TEST(Tables, ExistWithinTransactions)
 {
     expectAnswers(
@@ -269,7 +298,7 @@ TEST(Indexes, AreMadeAndRefused)
             {"CREATE UNIQUE INDEX i1 ON t (b)",
              "Msg 1505, Level 16, State 1: The CREATE UNIQUE INDEX statement terminated because a duplicate "
              "key was found for the object name 'dbo.t' and the index name 'i1'. The duplicate key value is "
-             "(<NULL>)."},
+             "(<NULL>).\n-- The statement has been terminated."},
             {"CREATE INDEX i1 ON t (x)", "Msg 1919, Level 16, State 1: Column 'x' in table 't' is of a type "
                                          "that is invalid for use as a key column in an index."},
             {"CREATE INDEX i1 ON t (e)",
@@ -297,6 +326,11 @@ TEST(Indexes, AreMadeAndRefused)
             {"CREATE CLUSTERED INDEX ic2 ON t (b)",
              "Msg 1902, Level 16, State 3: Cannot create more than one clustered index on table 't'. Drop "
              "the existing clustered index 'ic' before creating another."},
+            {"CREATE INDEX ic ON t (a) WITH DROP_EXISTING",
+             "Msg 1925, Level 16, State 2: Cannot convert a clustered index to a nonclustered index using "
+             "the "
+             "DROP_EXISTING option. To change the index type from clustered to nonclustered, delete the "
+             "clustered index, and then create a nonclustered index by using two separate statements."},
             {"CREATE UNIQUE INDEX iu ON t (a, b) WITH IGNORE_DUP_KEY", ""},
             {"ALTER TABLE t ADD CONSTRAINT pk PRIMARY KEY (a), CONSTRAINT uq UNIQUE (a, b)", ""},
             {"ALTER TABLE t ADD CONSTRAINT pk2 PRIMARY KEY (a)",
@@ -306,7 +340,7 @@ TEST(Indexes, AreMadeAndRefused)
              "Msg 1505, Level 16, State 1: The CREATE UNIQUE INDEX statement terminated because a duplicate "
              "key was found for the object name 'dbo.t' and the index name 'uq2'. The duplicate key value is "
              "(<NULL>).\nMsg 1750, Level 16, State 0: Could not create constraint or index. See previous "
-             "errors."},
+             "errors.\n-- The statement has been terminated."},
             {"CREATE UNIQUE INDEX pk ON t (b) WITH DROP_EXISTING",
              "Msg 1907, Level 16, State 1: Cannot recreate index 'pk'. The new index definition does not "
              "match the constraint being enforced by the existing index."},

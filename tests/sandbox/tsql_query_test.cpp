@@ -206,7 +206,9 @@ TEST(Names, AreTakenApartAndPutTogether)
     EXPECT_EQ(renderName("select"), "[select]");
     EXPECT_EQ(renderName("1a"), "[1a]");
     EXPECT_EQ(renderName("@v"), "[@v]");
-    for (const char* text : {"", "a b", "a.", "a.b.c.d.e", "'a'"})
+    EXPECT_EQ(parseObjectName(" mi tabla . [x y] "), (ast::ObjectName{"", "", "mi tabla", "x y"}));
+    EXPECT_EQ(parseObjectName("select"), (ast::ObjectName{"", "", "", "select"}));
+    for (const char* text : {"", " ", "a.", "a.b.c.d.e", "a.[]", "[a", "[a] b", "[a]]"})
         EXPECT_TRUE(parseObjectName(text).empty()) << text;
     EXPECT_TRUE(isReservedWord("Percent"));
     EXPECT_FALSE(isReservedWord("log"));

@@ -217,7 +217,9 @@ TEST(SyntaxErrors, NameTheTokenTheLineAndTheKind)
         {"use x alter trigger g on t for insert as return", 111,
          "'ALTER TRIGGER' must be the first statement in a query batch."},
         {"create view v as select 1 select 2", 156, "Incorrect syntax near the keyword 'select'."},
-        {"create procedure p as", 102, "Incorrect syntax near 'as'."},
+        {"create view v as", 102, "Incorrect syntax near 'as'."},
+        {"create table t (a int, b, c int)", 173, "The definition for column 'b' must include a data type."},
+        {"create table t (a null)", 173, "The definition for column 'a' must include a data type."},
         {"select 1 with x as (select 2 a) select a from x", 319,
          "Incorrect syntax near the keyword 'with'. If this statement is a common table expression, an "
          "xmlnamespaces "
