@@ -3,76 +3,18 @@
 #include "platform/ado/Connection.h"
 #include "platform/ado/Recordset.h"
 #include "platform/ado/Table.h"
-#include "tds/server.h"
+#include "rows_server.h"
 
 #include <benchmark/benchmark.h>
-#include <charconv>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-using practice::ColumnInfo;
-using practice::TypeId;
-using practice::Value;
-
-/// Answers "N" with N rows of six columns.
-class Session final : public practice::Session
-{
-public:
-    void executeBatch(std::string_view text, practice::ResultSink& sink) override
-    {
-        std::int64_t rows = 0;
-        std::from_chars(text.data(), text.data() + text.size(), rows);
-        const std::vector<ColumnInfo> columns{
-            {"id", {TypeId::Int, 4, 0, 0}},         {"total", {TypeId::Decimal, 9, 12, 2}},
-            {"share", {TypeId::Float, 8, 0, 0}},    {"changed", {TypeId::DateTime, 8, 0, 0}},
-            {"name", {TypeId::NVarChar, 60, 0, 0}}, {"note", {TypeId::VarChar, 200, 0, 0}}};
-        std::vector<Value> row{{std::int64_t{0}, {}},
-                               {practice::Decimal{12'345'678, 2, false}, {}},
-                               {0.125, {}},
-                               {practice::DateTimeValue{738'000, 432'000'000'000, 0}, {}},
-                               {std::string("José Núñez Ibáñez"), {}},
-                               {std::string("a note of some thirty letters."), {}}};
-        sink.columns(columns);
-        for (std::int64_t index = 0; index < rows; ++index) {
-            row[0].data = index;
-            sink.row(row);
-        }
-        sink.done({practice::Completion::Kind::Statement, static_cast<std::uint64_t>(rows), 0xC1});
-    }
-    void executeProcedure(std::string_view, std::vector<practice::Parameter>, practice::ResultSink&) override
-    {}
-    void beginTransaction(const std::string&, practice::ResultSink&) override {}
-    void commitTransaction(practice::ResultSink&) override {}
-    void rollbackTransaction(const std::string&, practice::ResultSink&) override {}
-    void reset(practice::ResultSink&) override {}
-    void cancel() noexcept override {}
-    [[nodiscard]] const std::string& database() const override { return m_database; }
-    [[nodiscard]] int id() const override { return 51; }
-
-private:
-    std::string m_database = "master";
-};
-
-class Engine final : public practice::Server
-{
-public:
-    [[nodiscard]] std::unique_ptr<practice::Session> login(const practice::LoginRequest&,
-                                                           practice::ResultSink&) override
-    {
-        return std::make_unique<Session>();
-    }
-    [[nodiscard]] const std::string& name() const override { return m_name; }
-
-private:
-    std::string m_name = "BENCH";
-};
-
 /// A connection with such a server.
 struct Link
 {
-    Link() { connection.Open(u"Data Source=127.0.0.1,%1;User Id=sa;Password=x;"_s.arg(listener.port())); }
+    Link() { connection.Open(u"Data Source=127.0.0.1,%1;User Id=sa;Password=x;"_s.arg(server.port())); }
 
     ado::Recordset open(std::int64_t rows)
     {
@@ -81,12 +23,7 @@ struct Link
         return recordset;
     }
 
-    Engine engine;
-    practice::tds::TdsServer listener{engine, [] {
-                                          practice::tds::ListenOptions options;
-                                          options.port = 0;
-                                          return options;
-                                      }()};
+    bench::RowsServer server;
     ado::Connection connection;
 };
 
