@@ -3,6 +3,7 @@
 #include "engine/translator.h"
 
 #include <algorithm>
+#include <span>
 
 namespace practice {
 
@@ -74,6 +75,15 @@ std::string memberOfList(const Term& operand, const std::vector<Term>& values)
     return "((" + comparable(left) + ") IN (" + list + "))";
 }
 
+/// A chain in halves of halves: SQLite, which makes a level of each operator, bears a thousand levels.
+std::string joined(std::span<const std::string> parts, const char* word)
+{
+    if (parts.size() == 1)
+        return parts.front();
+    const std::size_t half = parts.size() / 2;
+    return "(" + joined(parts.first(half), word) + word + joined(parts.subspan(half), word) + ")";
+}
+
 } // namespace
 
 std::string Translator::condition(const ast::Expression& node, Scope& scope)
@@ -136,12 +146,10 @@ std::string Translator::quantified(const ast::QuantifiedComparison& node, Scope&
 
 std::string Translator::logical(const ast::Logical& node, Scope& scope)
 {
-    std::string text;
-    for (const auto& operand : node.operands) {
-        text += text.empty() ? "(" : node.conjunction ? " AND " : " OR ";
-        text += condition(*operand, scope);
-    }
-    return text + ")";
+    std::vector<std::string> parts;
+    for (const auto& operand : node.operands)
+        parts.push_back(condition(*operand, scope));
+    return joined(parts, node.conjunction ? " AND " : " OR ");
 }
 
 std::string Translator::between(const ast::Between& node, Scope& scope)

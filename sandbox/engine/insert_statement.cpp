@@ -140,6 +140,9 @@ void InsertBinder::countValues(std::size_t values, int tooFew, int tooMany) cons
 
 void InsertBinder::bindValues()
 {
+    constexpr std::size_t mostRows = 1000;
+    if (statement_.rows.size() > mostRows)
+        raise(10738, {std::to_string(mostRows)});
     for (const ast::ValueRow& row : statement_.rows) {
         countValues(row.size(), 109, 110);
         std::vector<std::string> values;
@@ -219,11 +222,9 @@ void InsertBinder::finish()
     std::string source;
     if (!query_.empty()) {
         source = "SELECT " + joined(converted_) + " FROM (" + query_ + ") AS s";
-    } else if (rows_.size() == 1) {
-        source = "VALUES (" + joined(rows_.front()) + ")";
     } else {
         for (const auto& row : rows_)
-            source += (source.empty() ? "SELECT " : " UNION ALL SELECT ") + joined(row);
+            source += (source.empty() ? "VALUES (" : ", (") + joined(row) + ")";
     }
     if (statement_.top) {
         Scope scope;

@@ -28,8 +28,6 @@ Message messageOf(const StoreError& failure)
 {
     if ((failure.code & 0xff) == SQLITE_FULL)
         return makeMessage(9002, {"master", "LOG_BACKUP"});
-    if ((failure.code & 0xff) == SQLITE_TOOBIG)
-        return makeMessage(511);
     Message message = makeMessage(8630);
     message.text += " " + failure.text;
     return message;
@@ -221,6 +219,7 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
     if (session_.store().cancelled())
         throw Cancelled{};
     session_.frame().line = static_cast<int>(statement.source.line);
+    session_.limitPlans();
     session_.beginStatement();
     const bool structured =
         statement.kind == Kind::If || statement.kind == Kind::While || statement.kind == Kind::Block ||

@@ -454,6 +454,11 @@ constexpr MessageText texts[] = {
     {8179, 16, 2, "Could not find prepared statement with handle %s."},
     {8180, 16, 1, "Statement(s) could not be prepared."},
     {8501, 16, 3, "MSDTC on server '%s' is unavailable."},
+    {8623, 16, 1,
+     "The query processor ran out of internal resources and could not produce a query plan. This is a rare "
+     "event and only expected for extremely complex queries or queries that reference a very large number "
+     "of tables or partitions. Please simplify the query. If you believe you have received this message in "
+     "error, contact Customer Support Services for more information."},
     {8630, 16, 1,
      "Internal Query Processor Error: The query processor encountered an unexpected error during execution."},
     {8672, 16, 1, "The MERGE statement attempted to UPDATE or DELETE the same row more than once."},
@@ -474,6 +479,9 @@ constexpr MessageText texts[] = {
     {10733, 15, 1,
      "The %s clause is not allowed when the FROM clause contains a nested INSERT, UPDATE, DELETE, or MERGE "
      "statement."},
+    {10738, 15, 1,
+     "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of %s "
+     "row values."},
     {10739, 15, 1,
      "The insert column list used in the MERGE statement cannot contain multi-part identifiers. Use single "
      "part identifiers instead."},

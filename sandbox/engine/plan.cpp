@@ -13,6 +13,8 @@ CompiledBatchPtr BatchCache::find(const std::string& key)
 
 void BatchCache::insert(const std::string& key, CompiledBatchPtr batch)
 {
+    if (key.size() > longestText)
+        return;
     if (const auto known = index_.find(key); known != index_.end()) {
         entries_.erase(known->second);
         index_.erase(known);

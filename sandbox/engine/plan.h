@@ -54,6 +54,8 @@ public:
 
 private:
     static constexpr std::size_t capacity = 200;
+    /// A longer text is seldom sent twice, and its tree and plans are large.
+    static constexpr std::size_t longestText = std::size_t{64} * 1024;
     using Entry = std::pair<std::string, CompiledBatchPtr>;
     std::list<Entry> entries_; ///< the one used last in front
     std::unordered_map<std::string, std::list<Entry>::iterator> index_;

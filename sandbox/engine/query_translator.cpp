@@ -7,6 +7,8 @@ namespace practice {
 
 namespace {
 
+constexpr std::size_t mostItems = 4096;
+
 struct Item
 {
     std::string name;
@@ -100,6 +102,8 @@ TranslatedQuery BlockText::translate()
     if (isGrouped())
         readGroups();
     readItems();
+    if (items_.size() > mostItems)
+        raise(1056, {std::to_string(mostItems)});
     if (block_.having) {
         scope_.clause = Clause::Having;
         scope_.loose.clear();

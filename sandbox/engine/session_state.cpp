@@ -174,6 +174,13 @@ CompiledBatchPtr SessionState::compile(const std::string& text, const std::strin
     return compiled;
 }
 
+void SessionState::limitPlans()
+{
+    constexpr std::size_t mostPlans = 1000;
+    if (frames_.size() == 1 && frame().compiled->plans.size() > mostPlans)
+        frame().compiled->plans.clear();
+}
+
 void SessionState::bindSlots(sqlite3_stmt* statement, const std::vector<ParameterSlot>& slots)
 {
     int place = 0;

@@ -102,6 +102,8 @@ public:
     // Frames and variables.
     [[nodiscard]] Frame& frame() { return *frames_.back(); }
     [[nodiscard]] bool hasFrame() const { return !frames_.empty(); }
+    /// Between two statements of the outermost batch: keeps the plans of a long one from piling up.
+    void limitPlans();
     void pushFrame(std::unique_ptr<Frame> frame) { frames_.push_back(std::move(frame)); }
     std::unique_ptr<Frame> popFrame();
     [[nodiscard]] int nestLevel() const { return nestLevel_; }

@@ -10,6 +10,9 @@ namespace practice {
 namespace {
 
 constexpr int deepestView = 32;
+constexpr int deepestCommonTable = 64;
+/// How often the tables of WITH may be put in place of their names, each with what it names itself.
+constexpr int mostCommonTables = 256;
 constexpr int tempdbId = 2;
 
 bool isApply(ast::JoinKind kind)
@@ -375,12 +378,16 @@ std::string Translator::viewTable(const ObjectPtr& view, Source source, Scope& s
 std::string Translator::commonTable(const VisibleTable& visible, const ast::NamedTable& node, Scope& scope)
 {
     const ast::CommonTable& table = *visible.table;
+    if (++commonTableUses_ > mostCommonTables || commonTableDepth_ == deepestCommonTable)
+        raise(8623);
     const std::string& exposed = node.alias.empty() ? table.name : node.alias;
     Source source{.exposed = exposed, .shown = exposed, .aliased = true};
     auto after = std::vector<VisibleTable>(
         commonTables_.begin() + static_cast<std::ptrdiff_t>(visible.visible), commonTables_.end());
     commonTables_.resize(visible.visible);
+    ++commonTableDepth_;
     const auto restore = [this, &after] {
+        --commonTableDepth_;
         commonTables_.insert(commonTables_.end(), after.begin(), after.end());
     };
     const ast::QueryBody& body = *table.query->body;

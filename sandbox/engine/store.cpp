@@ -2,6 +2,8 @@
 
 #include "engine/collation.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -26,6 +28,16 @@ Message unpackMessage(std::string_view packed)
     return message;
 }
 
+/// That a statement is beyond what SQLite plans.
+bool isTooComplex(std::string_view wording)
+{
+    constexpr std::array<std::string_view, 6> beginnings{
+        "Expression tree is too large", "too many terms in compound", "too many columns",
+        "parser stack overflow",        "at most 64 tables",          "too many FROM clause terms"};
+    return std::any_of(beginnings.begin(), beginnings.end(),
+                       [wording](std::string_view beginning) { return wording.starts_with(beginning); });
+}
+
 void check(sqlite3* connection, int code)
 {
     if (code != SQLITE_OK)
@@ -45,6 +57,10 @@ void throwStoreFailure(sqlite3* connection, int code)
         throw Cancelled{};
     if (wording == "integer overflow")
         raise(8115, {"int"});
+    if (primary == SQLITE_ERROR && isTooComplex(wording))
+        raise(8623);
+    if (primary == SQLITE_TOOBIG || primary == SQLITE_NOMEM)
+        raise(701, {"default"});
     const int extended = connection == nullptr ? code : sqlite3_extended_errcode(connection);
     throw StoreError{(extended & 0xff) == primary ? extended : code, std::string(wording)};
 }
@@ -163,6 +179,7 @@ Store::Store(const std::filesystem::path& file)
     sqlite3_busy_handler(connection_, &Store::onBusy, this);
     // Often enough that a cancel is felt at once, seldom enough to cost nothing.
     sqlite3_progress_handler(connection_, 10'000, &Store::onProgress, this);
+    sqlite3_limit(connection_, SQLITE_LIMIT_LENGTH, longestValue);
     registerCollations(connection_);
 }
 

@@ -23,6 +23,9 @@ struct StoreError
     std::string text;
 };
 
+/// Bytes of one value, and of one row; beyond it a statement ends with message 701.
+inline constexpr int longestValue = 256 * 1024 * 1024;
+
 /// The client cancelled the request.
 struct Cancelled
 {};

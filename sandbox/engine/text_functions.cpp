@@ -1,5 +1,6 @@
 #include "engine/sql_functions.h"
 
+#include "engine/store.h"
 #include "types/text_encoding.h"
 
 #include <algorithm>
@@ -166,13 +167,19 @@ constexpr std::size_t longest = 8000;
 
 void replicate(const Call& call)
 {
-    const std::int64_t times = call.integer(1);
+    std::int64_t times = call.integer(1);
     if (times < 0)
         return sqlite3_result_null(call.context());
     const std::string_view text = call.text(0);
+    if (text.empty())
+        return call.result(text);
     const bool unlimited = call.integer(2) != 0;
+    if (unlimited && times > longestValue / static_cast<std::int64_t>(text.size()))
+        return sqlite3_result_error_toobig(call.context());
+    if (!unlimited)
+        times = std::min(times, static_cast<std::int64_t>(longest / Units(text).size() + 1));
     std::string result;
-    for (std::int64_t i = 0; i < times && (unlimited || result.size() < longest) && !text.empty(); ++i)
+    for (std::int64_t i = 0; i < times; ++i)
         result += text;
     call.result(std::string_view(unlimited ? result : Units(result).part(0, longest)));
 }

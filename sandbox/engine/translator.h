@@ -216,6 +216,8 @@ private:
     std::vector<RecursiveTable> recursive_;
     int handles_ = 0;
     int viewDepth_ = 0;
+    int commonTableDepth_ = 0;
+    int commonTableUses_ = 0;
 };
 
 /// The type that is written, with its facets. @throws SqlError 131, 243 ...

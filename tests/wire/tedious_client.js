@@ -12,6 +12,16 @@ function plain(value) {
   return value;
 }
 
+// Values that JSON has no form for, long ones by what they repeat, and what an earlier step gave out.
+const given = {};
+
+function parameterValue(p) {
+  if (p.bytes !== undefined) return Buffer.from(p.bytes.repeat(p.times || 1), 'hex');
+  if (p.date) return new Date(p.date);
+  if (p.given) return given[p.given];
+  return p.times ? p.value.repeat(p.times) : p.value;
+}
+
 function failure(error) {
   const errors = error.errors || [error];
   return errors.map((one) => ({ number: one.number, code: one.code, message: one.message }));
@@ -64,9 +74,9 @@ function execute(connection, step) {
         if (event === 'doneProc' && status !== undefined) seen.status = status;
       });
     }
-    request.on('returnValue', (name, value) => { seen.outputs[name] = plain(value); });
+    request.on('returnValue', (name, value) => { given[name] = seen.outputs[name] = plain(value); });
     for (const p of step.parameters || []) {
-      const value = p.bytes !== undefined ? Buffer.from(p.bytes, 'hex') : p.date ? new Date(p.date) : p.value;
+      const value = parameterValue(p);
       const add = p.output ? 'addOutputParameter' : 'addParameter';
       request[add](p.name, TYPES[p.type], value, p.options);
     }
@@ -74,10 +84,23 @@ function execute(connection, step) {
     if (step.kind === 'call') connection.callProcedure(request);
     else if (step.kind === 'parameters') connection.execSql(request);
     else if (step.kind === 'prepared') {
-      request.on('prepared', () => connection.execute(request, step.values));
+      request.once('prepared', () => runPrepared(connection, request, step, seen, resolve));
       connection.prepare(request);
     } else connection.execSqlBatch(request);
   });
+}
+
+// Runs a prepared request once for each set of values, then lets it go.
+function runPrepared(connection, request, step, seen, resolve) {
+  const left = step.values.slice();
+  const next = (error) => {
+    if (error) seen.error = failure(error);
+    if (left.length > 0 && !error) return connection.execute(request, left.shift());
+    request.callback = () => resolve(seen);
+    return connection.unprepare(request);
+  };
+  request.callback = next;
+  next();
 }
 
 function transaction(connection, action) {

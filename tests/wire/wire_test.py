@@ -135,6 +135,37 @@ TYPES = [
 ]
 
 
+# type, literal, as isql prints it, as the npm driver gives it
+LIMITS = [
+    ("tinyint", "0", "0", 0), ("smallint", "32767", "32767", 32767), ("int", "2147483647", "2147483647", 2147483647),
+    ("bigint", "9223372036854775807", "9223372036854775807", "9223372036854775807"),
+    ("decimal(38,0)", "-" + "9" * 38, "-" + "9" * 38, -1e38),
+    ("decimal(38,38)", "0." + "9" * 38, "0." + "9" * 38, 1),
+    ("decimal(1,0)", "-9", "-9", -9),
+    ("smallmoney", "214748.3647", "214748.3647", 214748.3647),
+    ("money", "922337203685477.5807", "922337203685477.5807", 922337203685477.6),
+    ("money", "-922337203685477.5808", "-922337203685477.5808", -922337203685477.6),
+    ("float", "1.7976931348623157E308", "1.7976931348623157e+308", 1.7976931348623157e308),
+    ("float", "-2.2250738585072014E-308", "-2.2250738585072014e-308", -2.2250738585072014e-308),
+    ("real", "3.4028234E38", "3.40282347e+38", 3.4028234663852886e38),
+    ("datetime", "'17530101'", "1753-01-01 00:00:00.000", "1753-01-01T00:00:00.000Z"),
+    ("datetime", "'99991231 23:59:59.997'", "9999-12-31 23:59:59.997", "9999-12-31T23:59:59.997Z"),
+    ("smalldatetime", "'19000101'", "1900-01-01 00:00:00", "1900-01-01T00:00:00.000Z"),
+    ("date", "'00010101'", "1-01-01", "0001-01-01T00:00:00.000Z"),
+    ("date", "'99991231'", "9999-12-31", "9999-12-31T00:00:00.000Z"),
+    ("time(0)", "'00:00'", "00:00:00", "1970-01-01T00:00:00.000Z"),
+    ("datetime2", "'0001-01-01'", "1-01-01 00:00:00.0000000", "0001-01-01T00:00:00.000Z"),
+    ("datetime2", "'9999-12-31 23:59:59.9999999'", "9999-12-31 23:59:59.9999999", "9999-12-31T23:59:59.999Z"),
+    ("varchar(8000)", "REPLICATE('ñ', 8000)", "ñ" * 8000, "ñ" * 8000),
+    ("nvarchar(4000)", "REPLICATE(N'日', 4000)", "日" * 4000, "日" * 4000),
+    ("varbinary(8000)", "CAST(REPLICATE('a', 8000) AS varbinary(8000))", "61" * 8000, "61" * 8000),
+    ("varbinary(1)", "0x", "", ""), ("nvarchar(1)", "N''", "", ""), ("char(1)", "''", " ", " "),
+    ("uniqueidentifier", "'00000000-0000-0000-0000-000000000000'", "00000000-0000-0000-0000-000000000000",
+     "00000000-0000-0000-0000-000000000000"),
+    ("bit", "0", "0", False),
+]
+
+
 class Wire(unittest.TestCase):
     maxDiff = None
 
@@ -161,6 +192,17 @@ class Wire(unittest.TestCase):
                 if name not in ("date", "time", "datetime2", "datetimeoffset"):
                     self.assertEqual(got["c_" + name], value, f"{name} of {version}")
             self.assertEqual(got["c_date"][:10], "2024-02-29")
+
+    def test_values_at_their_limits_arrive(self):
+        texts = [f"SELECT CAST({literal} AS {type_}) AS v" for type_, literal, *_ in LIMITS]
+        for (type_, literal, _, value), seen in zip(LIMITS, tedious(*map(batch, texts))):
+            self.assertEqual((seen.get("error"), rows(seen)), (None, [[[value]]]), f"{type_} {literal[:40]}")
+        # The tool prints no empty line and no long one.
+        shown = [(text, printed) for text, (_, _, printed, _) in zip(texts, LIMITS) if 0 < len(printed) < 300]
+        self.assertEqual(isql([text for text, _ in shown]), [printed for _, printed in shown])
+        types = [type_ for _, type_, *_ in TYPES]
+        seen, = tedious(batch("SELECT " + ", ".join(f"CAST(NULL AS {type_})" for type_ in types)))
+        self.assertEqual(rows(seen), [[[None] * len(types)]])
 
     def test_results_come_in_order_around_an_error(self):
         mixed = ("SELECT N'uno ñ' AS a UNION ALL SELECT N'dos €' RAISERROR (N'fallo ñ', 16, 2) PRINT N'aviso 日' "
@@ -243,9 +285,90 @@ class Wire(unittest.TestCase):
 
     def test_prepared_statements_run_again(self):
         seen, = tedious({"kind": "prepared", "text": "SELECT @a + 1 AS mas",
-                         "parameters": [{"name": "a", "type": "Int"}], "values": {"a": 41}})
+                         "parameters": [{"name": "a", "type": "Int"}], "values": [{"a": 41}, {"a": None}, {"a": -1}]})
         self.assertNotIn("error", seen)
-        self.assertEqual([found for found in rows(seen) if found], [[[42]]])
+        self.assertEqual([found for found in rows(seen) if found], [[[42]], [[None]], [[0]]])
+
+    def test_a_statement_is_prepared_and_run_in_one_call(self):
+        handle = {"name": "handle", "type": "Int", "value": None, "output": True}
+        given = {"name": "handle", "type": "Int", "given": "handle"}
+        first, again, ended, after = tedious(
+            {"kind": "call", "text": "sp_prepexec", "parameters": [
+                handle, {"name": "params", "type": "NVarChar", "value": "@a int, @b nvarchar(20)"},
+                {"name": "stmt", "type": "NVarChar", "value": "SELECT @a * 2 AS doble, @b AS texto"},
+                {"name": "a", "type": "Int", "value": 21}, {"name": "b", "type": "NVarChar", "value": "ñ"}]},
+            {"kind": "call", "text": "sp_execute", "parameters": [
+                given, {"name": "a", "type": "Int", "value": -1}, {"name": "b", "type": "NVarChar", "value": None}]},
+            {"kind": "call", "text": "sp_unprepare", "parameters": [given]},
+            {"kind": "call", "text": "sp_execute", "parameters": [given, {"name": "a", "type": "Int", "value": 1}]})
+        self.assertEqual([one.get("error") for one in (first, again, ended)], [None] * 3)
+        self.assertEqual((rows(first), rows(again)), ([[[42, "ñ"]]], [[[-2, None]]]))
+        self.assertEqual(after["error"][0]["number"], 8179)
+
+    def test_text_with_parameters_gives_out_through_them(self):
+        seen, = tedious({"kind": "parameters", "text": "SET @total = @n * 3 SET @n = 0", "parameters": [
+            {"name": "n", "type": "Int", "value": 14}, {"name": "total", "type": "BigInt", "value": None, "output": True}]})
+        self.assertEqual((seen.get("error"), seen["outputs"]), (None, {"total": "42"}))
+
+    def test_values_at_their_limits_come_back_as_parameters(self):
+        far = {"precision": 38, "scale": 0}
+        values = [
+            ("TinyInt", 0), ("TinyInt", 255), ("SmallInt", -32768), ("SmallInt", 32767), ("Int", -2147483648),
+            ("Int", 2147483647), ("BigInt", "-9223372036854775808"), ("BigInt", "9223372036854775807"),
+            ("Bit", False), ("Float", 1.7976931348623157e308), ("Float", -2.2250738585072014e-308), ("Float", -0.5),
+            ("Real", 1.5), ("SmallMoney", -214748.3648), ("SmallMoney", 214748.3647), ("Money", -90071992547.0991),
+            ("UniqueIdentifier", "FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF"), ("VarChar", ""), ("NVarChar", ""),
+            ("Char", "x"), ("NChar", "日"),
+        ]
+        dates = [("DateTime", "1753-01-01T00:00:00.000Z"), ("DateTime", "9999-12-31T23:59:59.997Z"),
+                 ("SmallDateTime", "1900-01-01T00:00:00.000Z"), ("SmallDateTime", "2079-06-06T23:59:00.000Z"),
+                 ("Date", "0001-01-01T00:00:00.000Z"), ("Date", "9999-12-31T00:00:00.000Z"),
+                 ("DateTime2", "0001-01-01T00:00:00.000Z"), ("DateTime2", "9999-12-31T23:59:59.999Z"),
+                 ("DateTimeOffset", "9999-12-31T09:00:00.000Z")]
+        nothing = sorted({kind for kind, _ in values + dates} | {"VarBinary", "Binary", "Numeric", "Decimal", "Time"})
+        parameters = [{"name": f"p{i}", "type": kind, "value": value} for i, (kind, value) in enumerate(values)]
+        parameters += [{"name": f"d{i}", "type": kind, "date": value} for i, (kind, value) in enumerate(dates)]
+        parameters += [{"name": f"n{i}", "type": kind, "value": None} for i, kind in enumerate(nothing)]
+        parameters += [{"name": "far", "type": "Decimal", "value": -123456789012345, "options": far},
+                       {"name": "none", "type": "VarBinary", "bytes": ""}]
+        names = ", ".join("@" + one["name"] for one in parameters)
+        seen, = tedious({"kind": "parameters", "text": f"SELECT {names}", "parameters": parameters})
+        self.assertNotIn("error", seen)
+        expected = [value for _, value in values + dates] + [None] * len(nothing) + [-123456789012345, ""]
+        self.assertEqual(dict(zip(names.split(", "), rows(seen)[0][0])), dict(zip(names.split(", "), expected)))
+
+    def test_large_values_pass_both_ways(self):
+        seen, = tedious({"kind": "parameters",
+                         "text": "SELECT LEN(@t), DATALENGTH(@t), RIGHT(@t, 2), DATALENGTH(@b), "
+                                 "CONVERT(varchar(8000), SUBSTRING(@b, 2999999, 2), 2), LEN(@v) SELECT @t + 'z' SELECT @b",
+                         "parameters": [{"name": "t", "type": "NVarChar", "value": "ñ日", "times": 1500000},
+                                        {"name": "b", "type": "VarBinary", "bytes": "00ff10", "times": 1000000},
+                                        {"name": "v", "type": "VarChar", "value": "x", "times": 8000}]})
+        self.assertNotIn("error", seen)
+        self.assertEqual(rows(seen)[0], [["3000000", "6000000", "ñ日", "3000000", "FF10", 8000]])
+        self.assertEqual(rows(seen)[1:], [[["ñ日" * 1500000 + "z"]], [["00ff10" * 1000000]]])
+
+    def test_the_options_that_drivers_set_hold(self):
+        options = "SELECT @@OPTIONS & 32, @@OPTIONS & 256, @@OPTIONS & 4096"  # ANSI_NULLS, QUOTED_IDENTIFIER, ...
+        self.assertEqual(rows(tedious(batch(options))[0]), [[[32, 256, 4096]]])
+        self.assertEqual(isql([options]), ["32|256|4096"])
+        changed = ("SET NOCOUNT ON SET DATEFORMAT dmy SET QUOTED_IDENTIFIER OFF SET TEXTSIZE 2147483647 SET ANSI_PADDING ON "
+                   "SET ANSI_WARNINGS ON SET ARITHABORT ON SET CONCAT_NULL_YIELDS_NULL ON SET CURSOR_CLOSE_ON_COMMIT OFF "
+                   "SET IMPLICIT_TRANSACTIONS OFF SET LANGUAGE us_english SET DATEFIRST 7 SET ROWCOUNT 0 "
+                   "SET TRANSACTION ISOLATION LEVEL READ COMMITTED SET ANSI_NULL_DFLT_ON ON SET LOCK_TIMEOUT 1000")
+        seen, = tedious(batch(changed + " SELECT 1"))
+        self.assertEqual((seen.get("error"), rows(seen)), (None, [[[1]]]))
+
+    def test_a_transaction_of_one_client_is_anothers_after_its_commit(self):
+        wait = "SET LOCK_TIMEOUT 100 "
+        results = tedious(
+            batch("CREATE TABLE tempdb..ajena (n int)"), batch("BEGIN TRANSACTION"),
+            batch("INSERT INTO tempdb..ajena VALUES (1)"), batch("SELECT @@TRANCOUNT"))
+        self.assertEqual(rows(results[-1]), [[[1]]])
+        # The client left without a commit.
+        self.assertEqual(tsql(wait + "SELECT COUNT(*) FROM tempdb..ajena")[0], [["0"]])
+        isql(["BEGIN TRANSACTION", "INSERT INTO tempdb..ajena VALUES (2)", "COMMIT TRANSACTION"])
+        self.assertEqual(tsql(wait + "SELECT n FROM tempdb..ajena")[0], [["2"]])
 
     def test_a_cancel_ends_the_request_and_nothing_else(self):
         endless = ("SELECT a.id FROM syscolumns a CROSS JOIN syscolumns b CROSS JOIN syscolumns c "
