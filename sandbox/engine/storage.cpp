@@ -190,28 +190,7 @@ std::string variantBytes(const Value& value)
     return bytes;
 }
 
-/// Where a stored value is read from: a column of a statement or an argument of a function.
-struct ColumnSource
-{
-    sqlite3_stmt* statement;
-    int column;
-    [[nodiscard]] int type() const { return sqlite3_column_type(statement, column); }
-    [[nodiscard]] std::int64_t integer() const { return sqlite3_column_int64(statement, column); }
-    [[nodiscard]] double real() const { return sqlite3_column_double(statement, column); }
-    [[nodiscard]] std::string_view text() const
-    {
-        const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-        return {data == nullptr ? "" : data,
-                static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
-    }
-    [[nodiscard]] std::string_view blob() const
-    {
-        const auto* data = static_cast<const char*>(sqlite3_column_blob(statement, column));
-        return {data == nullptr ? "" : data,
-                static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
-    }
-};
-
+/// A stored value as SQLite hands it over: a column of a row or an argument of a function.
 struct ArgumentSource
 {
     sqlite3_value* value;
@@ -348,14 +327,32 @@ std::string keyWithoutNull(const Column& column)
 
 StorageClass storageClass(const SqlType& type)
 {
-    if (type.id == TypeId::Real || type.id == TypeId::Float)
+    switch (type.id) {
+    case TypeId::Real:
+    case TypeId::Float:
         return StorageClass::Real;
-    if (isCharacter(type.id) || type.id == TypeId::Xml)
+    case TypeId::Char:
+    case TypeId::VarChar:
+    case TypeId::Text:
+    case TypeId::NChar:
+    case TypeId::NVarChar:
+    case TypeId::NText:
+    case TypeId::Xml:
         return StorageClass::Text;
-    const bool blob = isBinary(type.id) || type.id == TypeId::UniqueIdentifier ||
-                      type.id == TypeId::SqlVariant || type.id == TypeId::DateTimeOffset ||
-                      (isDecimal(type.id) && !isNarrowDecimal(type));
-    return blob ? StorageClass::Blob : StorageClass::Integer;
+    case TypeId::Decimal:
+    case TypeId::Numeric:
+        return isNarrowDecimal(type) ? StorageClass::Integer : StorageClass::Blob;
+    case TypeId::Binary:
+    case TypeId::VarBinary:
+    case TypeId::Image:
+    case TypeId::Timestamp:
+    case TypeId::UniqueIdentifier:
+    case TypeId::SqlVariant:
+    case TypeId::DateTimeOffset:
+        return StorageClass::Blob;
+    default:
+        return StorageClass::Integer;
+    }
 }
 
 void bindStorage(sqlite3_stmt* statement, int parameter, const Value& value, const SqlType& type)
@@ -443,7 +440,9 @@ Value decodeValue(sqlite3_value* value, const SqlType& type)
 
 void decodeColumn(sqlite3_stmt* statement, int column, const SqlType& type, Value& value)
 {
-    decode(ColumnSource{statement, column}, type, value);
+    // Connections are opened without a mutex of their own, so the value may be read where it lies; each
+    // sqlite3_column_... would look for it anew.
+    decode(ArgumentSource{sqlite3_column_value(statement, column)}, type, value);
 }
 
 std::int64_t datetimeStorage(const DateTimeValue& value)

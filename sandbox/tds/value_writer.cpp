@@ -99,22 +99,34 @@ void writeVariable(PacketWriter& writer, const Value& value, const SqlType& type
 /// Values of a fixed size, without their length.
 void writeFixed(PacketWriter& writer, const Value& value, const SqlType& type, int storage)
 {
-    if (isDecimal(type.id)) {
-        writeMagnitude(writer, std::get<Decimal>(value.data), storage);
-    } else if (isDateTime(type.id)) {
-        writeDate(writer, std::get<DateTimeValue>(value.data), type);
-    } else if (isMoney(type.id)) {
-        writeMoney(writer, std::get<std::int64_t>(value.data), storage);
-    } else if (type.id == TypeId::UniqueIdentifier) {
+    switch (type.id) {
+    case TypeId::Int:
+        return writer.put(static_cast<std::int32_t>(std::get<std::int64_t>(value.data)));
+    case TypeId::Decimal:
+    case TypeId::Numeric:
+        return writeMagnitude(writer, std::get<Decimal>(value.data), storage);
+    case TypeId::SmallDateTime:
+    case TypeId::DateTime:
+    case TypeId::Date:
+    case TypeId::Time:
+    case TypeId::DateTime2:
+    case TypeId::DateTimeOffset:
+        return writeDate(writer, std::get<DateTimeValue>(value.data), type);
+    case TypeId::SmallMoney:
+    case TypeId::Money:
+        return writeMoney(writer, std::get<std::int64_t>(value.data), storage);
+    case TypeId::UniqueIdentifier: {
         const Guid wire = swapGuid(std::get<Guid>(value.data));
-        writer.putBytes(wire.data(), wire.size());
-    } else if (type.id == TypeId::Real) {
-        writer.put(static_cast<float>(std::get<double>(value.data)));
-    } else if (type.id == TypeId::Float) {
-        writer.put(std::get<double>(value.data));
-    } else {
+        return writer.putBytes(wire.data(), wire.size());
+    }
+    case TypeId::Real:
+        return writer.put(static_cast<float>(std::get<double>(value.data)));
+    case TypeId::Float:
+        return writer.put(std::get<double>(value.data));
+    default: {
         const auto number = std::get<std::int64_t>(value.data);
         writer.putBytes(&number, static_cast<std::size_t>(storage));
+    }
     }
 }
 
