@@ -94,8 +94,9 @@ void fillColumns(const TableChange& change, const ast::TableElements& elements)
         } else if (column.defaultId != 0 && (!column.nullable || wantsValues(definition))) {
             const std::string value =
                 change.session.translateScalar(nullptr, column.defaultText, column.type);
-            execute(change.session.connection(),
-                    "UPDATE " + storage + " SET " + storageColumn(column.id) + " = " + value);
+            std::string update = "UPDATE ";
+            update.append(storage).append(" SET ").append(storageColumn(column.id));
+            execute(change.session.connection(), update.append(" = ").append(value));
         }
     }
 }

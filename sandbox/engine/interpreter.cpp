@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -124,7 +125,7 @@ void Interpreter::runInner(const std::string& text, Frame& prepared, const std::
     if (session_.nestLevel() >= deepestNesting)
         raise(217, {std::to_string(deepestNesting)});
     const SessionOptions options = session_.options();
-    auto frame = std::make_unique<Frame>(std::move(prepared));
+    auto frame = std::make_unique<Frame>(std::exchange(prepared, Frame{}));
     frame->compiled = session_.compile(text, family);
     frame->completion = Completion::Kind::InProcedure;
     if (session_.hasFrame())
@@ -204,6 +205,7 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
             throw BatchAborted{};
     };
     const StatementEnd end(session_);
+    session_.statementError = 0;
     try {
         work();
         session_.lastError = session_.errorOfStatement();

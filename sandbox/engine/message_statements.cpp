@@ -1,5 +1,6 @@
 #include "engine/errors.h"
 #include "engine/statements.h"
+#include "tsql/parser.h"
 
 #include <algorithm>
 
@@ -201,8 +202,7 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
     };
     if (statement.command == "CHECKIDENT") {
         Translator translator(session.bindContext());
-        ast::ObjectName name;
-        name.object = argument(0);
+        const ast::ObjectName name = parseObjectName(argument(0));
         const ObjectPtr table = translator.object(name);
         if (table->identityColumn() == nullptr)
             raise(7997, {name.object});

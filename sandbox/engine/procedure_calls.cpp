@@ -408,8 +408,10 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
     Frame frame;
     for (std::size_t i = 0; i < declared.size(); ++i) {
         const Parameter* value = argumentFor(values, declared[i].name, i);
-        if (value == nullptr || value->isDefault)
-            raise(8178, {"(" + declarations + ")" + text, declared[i].name});
+        if (value == nullptr || value->isDefault) {
+            std::string written = "(";
+            raise(8178, {written.append(declarations).append(")").append(text), declared[i].name});
+        }
         Variable variable{declared[i].type, value->value};
         if (!value->value.isNull() && !(value->type == variable.type))
             variable.value = convert(value->value, value->type, variable.type);

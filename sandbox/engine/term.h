@@ -25,12 +25,12 @@ struct Term
 {
     std::string sql;
     SqlType type;
-    std::string collation{}; ///< of character types
+    std::string collation{};         ///< of character types
+    std::optional<Value> constant{}; ///< of a literal
     Coercibility coercibility = Coercibility::Coercible;
     bool nullable = true;
     /// SQLite compares it under its collation of itself: a column of a stored table.
     bool collated = false;
-    std::optional<Value> constant{}; ///< of a literal
     /// Literal integers count with as many digits as they have when they meet a decimal.
     bool integerLiteral = false;
 };

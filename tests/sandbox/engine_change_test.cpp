@@ -48,6 +48,10 @@ TEST_F(Changes, FillWhatIsNotGiven)
                                "'Ida') SET IDENTITY_INSERT Clientes OFF "
                                "INSERT Clientes (nombre) VALUES ('Teo') SELECT MAX(id) FROM Clientes",
                                "21"},
+                              {"DBCC CHECKIDENT ('dbo.Clientes', RESEED, 30) INSERT Clientes (nombre) VALUES "
+                               "('Uma') SELECT MAX(id) FROM Clientes",
+                               "-- DBCC execution completed. If DBCC printed error messages, contact your "
+                               "system administrator.\n31"},
                               {"CREATE TABLE Solo (a int IDENTITY, b int DEFAULT (7), v timestamp) INSERT "
                                "Solo DEFAULT VALUES SELECT a, b, DATALENGTH(v) FROM Solo",
                                "a | b | \n1 | 7 | 8"},
