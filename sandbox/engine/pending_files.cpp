@@ -29,8 +29,7 @@ fs::path writeNote(const fs::path& dataDirectory, const std::string& path)
 {
     static std::atomic<int> count{0};
     fs::create_directories(noteFolder(dataDirectory));
-    const fs::path note =
-        noteFolder(dataDirectory) / (std::to_string(getpid()) + '-' + std::to_string(++count));
+    fs::path note = noteFolder(dataDirectory) / (std::to_string(getpid()) + '-' + std::to_string(++count));
     std::ofstream out(note, std::ios::binary);
     if (!(out << path << noteEnd).flush())
         raise(5123, {"112(There is not enough space on the disk.)", path});

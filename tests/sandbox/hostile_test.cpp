@@ -262,6 +262,7 @@ TEST_F(Hostile, ServesFiftySessionsThatWriteAtOnce)
         0);
     std::atomic<int> failures = 0;
     std::vector<std::thread> threads;
+    threads.reserve(sessions);
     for (int s = 0; s < sessions; ++s)
         threads.emplace_back([this, s, &failures] {
             RawClient one = client();
