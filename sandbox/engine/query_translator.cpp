@@ -447,7 +447,8 @@ TranslatedQuery Translator::setOperation(const ast::QueryBody& body, Scope* oute
                     keyName(i);
         }
         result.sql += (o == 0 ? "" : words[static_cast<std::size_t>(body.op)]);
-        result.sql += "SELECT " + list + " FROM (" + operands[o].sql + ") AS " + handle;
+        result.sql.append("SELECT ").append(list).append(" FROM (").append(operands[o].sql);
+        result.sql.append(") AS ").append(handle);
     }
     return result;
 }
