@@ -7,8 +7,8 @@
 #include "platform/basic/RuntimeError.h"
 #include "support/PracticeServer.h"
 
-#include <gtest/gtest.h>
 #include <chrono>
+#include <gtest/gtest.h>
 #include <optional>
 #include <thread>
 
