@@ -12,7 +12,8 @@ DataDirectory::DataDirectory(const std::string& chosen) : path_(chosen), tempora
         std::filesystem::create_directories(path_);
         return;
     }
-    std::string name = std::filesystem::temp_directory_path() / "quermo-practice-XXXXXX";
+    const std::string unique(6, 'X'); // what mkdtemp replaces
+    std::string name = std::filesystem::temp_directory_path() / ("quermo-practice-" + unique);
     if (mkdtemp(name.data()) == nullptr)
         throw std::system_error(errno, std::generic_category(), name);
     path_ = name;

@@ -58,7 +58,8 @@ void Answer::outputParameter(const std::string& name, const SqlType& type, const
 
 TemporaryDirectory::TemporaryDirectory()
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "engine-test-XXXXXX").string();
+    const std::string unique(6, 'X'); // what mkdtemp replaces
+    std::string pattern = std::filesystem::temp_directory_path() / ("engine-test-" + unique);
     if (mkdtemp(pattern.data()) == nullptr)
         throw std::runtime_error("cannot make a temporary directory");
     path_ = pattern;
