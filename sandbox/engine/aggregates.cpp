@@ -4,18 +4,23 @@
 #include "types/decimal.h"
 
 #include <cmath>
+#include <memory>
 #include <new>
 
 namespace practice {
 
 namespace {
 
-/// An aggregate's memory lies in SQLite's zeroed buffer; all of these are plain data.
+/// An aggregate's memory lies in SQLite's zeroed buffer, which stays where it is; all of these are plain
+/// data. SQLite aligns for 8 bytes only.
 template <typename State>
 State* stateOf(sqlite3_context* context, bool create)
 {
-    return static_cast<State*>(
-        sqlite3_aggregate_context(context, create ? static_cast<int>(sizeof(State)) : 0));
+    std::size_t room = sizeof(State) + alignof(State);
+    void* memory = sqlite3_aggregate_context(context, create ? static_cast<int>(room) : 0);
+    if (memory == nullptr)
+        return nullptr;
+    return static_cast<State*>(std::align(alignof(State), sizeof(State), memory, room));
 }
 
 /// A 38 digit sum can pass 128 bits only after more rows than a store can hold.

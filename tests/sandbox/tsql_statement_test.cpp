@@ -54,7 +54,14 @@ std::string repeated(std::string_view text, int times)
     return result;
 }
 
-/// Parses on a thread whose stack is 1 MB.
+// The sanitizer's frames are several times as large.
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::size_t smallStack = std::size_t{8} << 20;
+#else
+constexpr std::size_t smallStack = std::size_t{1} << 20;
+#endif
+
+/// Parses on a thread of little stack.
 int numberOnSmallStack(const std::string& text)
 {
     struct Job
@@ -64,7 +71,7 @@ int numberOnSmallStack(const std::string& text)
     } job{text, -1};
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::size_t{1} << 20);
+    pthread_attr_setstacksize(&attributes, smallStack);
     pthread_t thread{};
     const auto run = [](void* argument) -> void* {
         auto& task = *static_cast<Job*>(argument);
