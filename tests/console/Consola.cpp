@@ -9,6 +9,7 @@
 #include "core/mdlRegistro.h"
 #include "platform/ado/Transcript.h"
 #include "platform/controls/Pointer.h"
+#include "query/frmAnalizadorConsultas.h"
 #include "support/PracticeServer.h"
 
 #include <QCoreApplication>
@@ -121,6 +122,23 @@ void Consola::Pulsa(const QString& claveDelNodo)
     ASSERT_NE(nodo, nullptr) << claveDelNodo.toStdString();
     arbol->Select(nodo);
     ::frmAdministrador->trvBD_Click();
+}
+
+formularios::frmAnalizadorConsultas* Consola::forma()
+{
+    return &*::frmAnalizadorConsultas;
+}
+
+QString Consola::Celda(int fila, int columna)
+{
+    return forma()->GridSQL->model()->index(fila, columna).data().toString();
+}
+
+QString Consola::Corre(const QString& texto)
+{
+    forma()->txtSQL->setText(texto);
+    QTest::keyClick(forma()->txtSQL, Qt::Key_F5);
+    return Transcripcion();
 }
 
 controls::ListItem* Consola::Elemento(const QString& texto)

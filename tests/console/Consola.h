@@ -14,6 +14,10 @@
 
 class QAction;
 
+namespace formularios {
+class frmAnalizadorConsultas;
+} // namespace formularios
+
 /// How a failed expectation shows a text.
 void PrintTo(const QString& texto, std::ostream* salida);
 
@@ -30,6 +34,9 @@ struct Aviso
 };
 
 void PrintTo(const Aviso& aviso, std::ostream* salida);
+
+inline constexpr int Es = 0;
+inline constexpr int En = 1;
 
 /// The address of the shared practice server, "127.0.0.1,port", and its sa password.
 QString ServidorDePrueba();
@@ -59,6 +66,11 @@ protected:
     void Abre(QAction* entrada);
     /// Clicks a node of the browser's tree, or chooses a menu entry.
     void Pulsa(const QString& claveDelNodo);
+    /// The query window and what its grid shows in a cell.
+    static formularios::frmAnalizadorConsultas* forma();
+    static QString Celda(int fila, int columna);
+    /// Puts the text into the query window's editor, runs it with F5 and returns what was sent.
+    QString Corre(const QString& texto);
     /// The item of the browser's list that shows a text, or null.
     static controls::ListItem* Elemento(const QString& texto);
 

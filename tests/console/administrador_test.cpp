@@ -14,8 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace pruebas {
 namespace {
 
-constexpr int Es = 0;
-constexpr int En = 1;
 const QString ConsultaBases = u"Select name from master.dbo.sysdatabases order by name"_s;
 
 /// Makes a database of known content once for all tests of the program.

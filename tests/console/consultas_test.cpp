@@ -12,13 +12,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace pruebas {
-namespace {
-
-constexpr int Es = 0;
-constexpr int En = 1;
-
-} // namespace
-
 class Consultas : public Consola
 {
 protected:
@@ -27,21 +20,6 @@ protected:
         ArrancaYConecta(idioma);
         Abre(::mdiPrincipal->mnuAnalizadorConsultas);
         apertura = Transcripcion();
-    }
-
-    /// Puts the text into the editor, runs it with F5 and returns what was sent.
-    QString Corre(const QString& texto)
-    {
-        forma()->txtSQL->setText(texto);
-        QTest::keyClick(forma()->txtSQL, Qt::Key_F5);
-        return Transcripcion();
-    }
-
-    static formularios::frmAnalizadorConsultas* forma() { return &*::frmAnalizadorConsultas; }
-    static QString Celda(int fila, int columna)
-    {
-        const auto* modelo = forma()->GridSQL->model();
-        return modelo->index(fila, columna).data().toString();
     }
 
     QString apertura;

@@ -24,29 +24,9 @@ using namespace Qt::Literals::StringLiterals;
 using support::Fault;
 
 namespace pruebas {
-namespace {
-
-constexpr int Es = 0;
-constexpr int En = 1;
-
-} // namespace
-
 class Fallos : public Consola
 {
 protected:
-    static formularios::frmAnalizadorConsultas* forma() { return &*::frmAnalizadorConsultas; }
-
-    static void Corre(const QString& texto)
-    {
-        forma()->txtSQL->setText(texto);
-        QTest::keyClick(forma()->txtSQL, Qt::Key_F5);
-    }
-
-    static QString Celda(int fila, int columna)
-    {
-        return forma()->GridSQL->model()->index(fila, columna).data().toString();
-    }
-
     /// Connects over the faulty network, as long as nothing is wrong with it.
     void ConectaPorLaRed()
     {

@@ -23,9 +23,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace pruebas {
 namespace {
 
-constexpr int Es = 0;
-constexpr int En = 1;
-
 QStringList MenusVisibles()
 {
     const auto* m = &*::mdiPrincipal;

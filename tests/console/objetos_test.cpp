@@ -21,9 +21,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace pruebas {
 namespace {
 
-constexpr int Es = 0;
-constexpr int En = 1;
-
 const QString ConsultaBases = u"Select name from master.dbo.sysdatabases order by name"_s;
 
 QString ConsultaTablas(const QString& base)

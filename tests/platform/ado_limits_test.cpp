@@ -48,14 +48,6 @@ protected:
         connection.Open(server.connectionString());
     }
 
-    void answer(std::function<void(ResultSink&)> script)
-    {
-        server.engine.dialogue.setScript(
-            [script = std::move(script)](std::string_view, ResultSink& sink, const std::atomic<bool>&) {
-                script(sink);
-            });
-    }
-
     Recordset open(const QString& text = u"select"_s)
     {
         Recordset recordset;
@@ -70,7 +62,7 @@ protected:
 TEST_F(AdoLimits, TenThousandResultsOfOneBatch)
 {
     constexpr int results = 10'000;
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         for (int index = 0; index < results; ++index)
             integers(sink, index % 3);
     });
@@ -92,7 +84,7 @@ TEST_F(AdoLimits, AThousandColumns)
 {
     constexpr int columns = 1000;
     constexpr int rows = 30;
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         std::vector<ColumnInfo> infos;
         for (int column = 0; column < columns; ++column)
             infos.push_back({"c" + std::to_string(column), {TypeId::NVarChar, 4000, 0, 0}});
@@ -120,7 +112,7 @@ TEST_F(AdoLimits, FiftyMegabytesInOneCell)
     std::string content(size, 'a');
     for (std::size_t at = 0; at < size; at += 997)
         content[at] = static_cast<char>('b' + at % 20);
-    answer([&](ResultSink& sink) {
+    server.answer([&](ResultSink& sink) {
         const std::vector<ColumnInfo> infos{{"t", {TypeId::Text, 16, 0, 0}}, {"n", integer()}};
         sink.columns(infos);
         sink.row(std::vector<Value>{text(content), number(7)});
@@ -135,7 +127,7 @@ TEST_F(AdoLimits, FiftyMegabytesInOneCell)
 TEST_F(AdoLimits, AMillionRows)
 {
     constexpr std::int64_t rows = 1'000'000;
-    answer([](ResultSink& sink) { integers(sink, rows); });
+    server.answer([](ResultSink& sink) { integers(sink, rows); });
     Recordset recordset = open();
     ASSERT_EQ(recordset.RecordCount(), rows);
     qint64 sum = 0;
@@ -155,7 +147,7 @@ TEST_F(AdoLimits, TenMegabytesOfStatementAndNone)
         EXPECT_TRUE(!error || error->description().size() > 15) << error->what();
         EXPECT_EQ(connection.State(), 1);
     }
-    answer([](ResultSink& sink) { integers(sink, 2); });
+    server.answer([](ResultSink& sink) { integers(sink, 2); });
     EXPECT_EQ(open().RecordCount(), 2);
 }
 
@@ -183,7 +175,7 @@ TEST_F(AdoLimits, HalfACharacterDoesNotCostTheRows)
             }
         }
     });
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         const std::vector<ColumnInfo> infos{{"t", {TypeId::NVarChar, 40, 0, 0}}};
         sink.columns(infos);
         sink.row(std::vector<Value>{text("a\uC83Db")});
@@ -200,7 +192,7 @@ TEST_F(AdoLimits, HalfACharacterDoesNotCostTheRows)
 
 TEST_F(AdoLimits, AnotherConnectionInTheMiddleOfABatch)
 {
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         integers(sink, 1);
         integers(sink, 2);
         integers(sink, 3);

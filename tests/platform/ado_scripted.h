@@ -179,6 +179,13 @@ struct Server
             .arg(port);
     }
     [[nodiscard]] QString connectionString() const { return connectionString(listener.port()); }
+
+    /// Gives every batch the answer that `script` writes, whatever its text.
+    void answer(std::function<void(practice::ResultSink&)> script)
+    {
+        engine.dialogue.setScript([script = std::move(script)](std::string_view, practice::ResultSink& sink,
+                                                               const std::atomic<bool>&) { script(sink); });
+    }
 };
 
 /// The error that a call raises; none when it does not.

@@ -26,14 +26,6 @@ protected:
         connection.Open(server.connectionString());
     }
 
-    void answer(std::function<void(ResultSink&)> script)
-    {
-        server.engine.dialogue.setScript(
-            [script = std::move(script)](std::string_view, ResultSink& sink, const std::atomic<bool>&) {
-                script(sink);
-            });
-    }
-
     Recordset open(const QString& text = u"select"_s)
     {
         Recordset recordset;
@@ -64,7 +56,7 @@ TEST_F(AdoWire, ReadsEveryType)
     values.back().variantType = practice::test::samples()[9].type;
     columns.push_back({"timestamp", {TypeId::Timestamp, 8, 0, 0}});
     values.push_back({practice::Bytes{0, 0, 0, 0, 0, 0, 0x07, 0xD1}, {}});
-    answer([&](ResultSink& sink) {
+    server.answer([&](ResultSink& sink) {
         sink.columns(columns);
         sink.row(values);
         sink.row(std::vector<Value>(columns.size()));
@@ -119,7 +111,7 @@ TEST_F(AdoWire, ReadsLongValuesWhole)
             value += value.size() % 3 == 0 ? "😀" : "ñ€";
         return value;
     };
-    answer([&](ResultSink& sink) {
+    server.answer([&](ResultSink& sink) {
         sink.columns(columns);
         for (const int length : lengths)
             sink.row(std::vector<Value>{number(length),
@@ -144,7 +136,7 @@ TEST_F(AdoWire, ReadsLongValuesWhole)
 TEST_F(AdoWire, CountsRowsAtAnyNumberOfThem)
 {
     for (const int rows : {0, 1, 511, 512, 513, 1024, 5000, 20'000}) {
-        answer([&](ResultSink& sink) { integers(sink, rows); });
+        server.answer([&](ResultSink& sink) { integers(sink, rows); });
         Recordset recordset = open();
         ASSERT_EQ(recordset.RecordCount(), rows);
         EXPECT_EQ(recordset.RecordsAffected(), rows);
@@ -210,7 +202,7 @@ TEST_F(AdoWire, SendsEveryTextAsTyped)
 
 TEST_F(AdoWire, StepsThroughTheResultsOfABatch)
 {
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         message(sink, 0, 0, "[before]");
         sink.done({});
         integers(sink, 2);
@@ -267,7 +259,7 @@ TEST_F(AdoWire, RaisesTheFirstErrorAndRunsTheRest)
 
     // In the middle of rows, at any number of them.
     for (const int rows : {0, 3, 512, 700}) {
-        answer([rows](ResultSink& sink) {
+        server.answer([rows](ResultSink& sink) {
             const std::vector<ColumnInfo> columns{{"n", integer()}};
             sink.columns(columns);
             for (int row = 0; row < rows; ++row)
@@ -282,7 +274,7 @@ TEST_F(AdoWire, RaisesTheFirstErrorAndRunsTheRest)
 
 TEST_F(AdoWire, TellsWhatAStatementAffectedAndSaid)
 {
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         counted(sink, 3);
         message(sink, 0, 0, "uno");
         integers(sink, 2);
@@ -293,7 +285,7 @@ TEST_F(AdoWire, TellsWhatAStatementAffectedAndSaid)
     connection.Execute(u"x"_s, &affected, -1);
     EXPECT_EQ(affected, 0);
     EXPECT_EQ(connection.Messages(), QStringList({u"uno"_s, u"dos"_s}));
-    answer([](ResultSink& sink) { sink.done({}); });
+    server.answer([](ResultSink& sink) { sink.done({}); });
     connection.Execute(u"x"_s, &affected, -1);
     EXPECT_EQ(affected, -1);
     EXPECT_EQ(connection.Messages(), QStringList());
@@ -323,13 +315,13 @@ TEST_F(AdoWire, EndsAStatementAtItsTimeLimit)
         EXPECT_EQ(numberOf([&] { connection.Execute(text); }), ado::number::TimeOut) << text.toStdString();
         EXPECT_EQ(connection.State(), 1);
     }
-    answer([](ResultSink& sink) { integers(sink, 1); });
+    server.answer([](ResultSink& sink) { integers(sink, 1); });
     EXPECT_EQ(open().RecordCount(), 1);
 }
 
 TEST_F(AdoWire, RecordsetsOutliveTheirConnection)
 {
-    answer([](ResultSink& sink) {
+    server.answer([](ResultSink& sink) {
         integers(sink, 2);
         integers(sink, 3);
     });
