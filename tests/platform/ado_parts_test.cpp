@@ -128,7 +128,7 @@ TEST(Drivers, GetTheirOwnConnectionString)
     const ServerAddress port{u"srv"_s, u""_s, 1500};
     EXPECT_EQ(utf8(odbcConnectionString({u"FreeTDS"_s, Driver::Family::FreeTds}, port, request)),
               "DRIVER={FreeTDS};SERVER={srv};PORT=1500;Database={a b};UID={sa};PWD={x}y;{};APP={Quermo};"
-              "TDS_Version=7.4;ClientCharset=UTF-8;Encryption=request;");
+              "TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16384;Encryption=request;");
     const ServerAddress instance{u"srv"_s, u"I"_s, 0};
     EXPECT_EQ(utf8(odbcConnectionString({u"D"_s, Driver::Family::Microsoft}, instance, request)),
               "DRIVER={D};SERVER={tcp:srv\\I};Database={a b};UID={sa};PWD={x}}y;{};APP={Quermo};"

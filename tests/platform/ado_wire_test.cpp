@@ -39,30 +39,31 @@ protected:
     ado::Connection connection;
 };
 
+/// Columns of every type with a value each.
+std::vector<std::pair<ColumnInfo, Value>> everyType()
+{
+    std::vector<std::pair<ColumnInfo, Value>> cells;
+    for (const auto& sample : practice::test::samples())
+        cells.push_back({{sample.name, sample.type}, practice::test::valueOf(sample)});
+    cells.push_back({{"varbinary", {TypeId::VarBinary, 10, 0, 0}}, {practice::Bytes{0x00, 0xFF, 0x10}, {}}});
+    cells.push_back({{"image", {TypeId::Image, 16, 0, 0}}, {practice::Bytes{0x01, 0x02}, {}}});
+    cells.push_back({{"variant", {TypeId::SqlVariant, 8016, 0, 0}},
+                     practice::test::valueOf(practice::test::samples()[9])});
+    cells.back().second.variantType = practice::test::samples()[9].type;
+    cells.push_back(
+        {{"timestamp", {TypeId::Timestamp, 8, 0, 0}}, {practice::Bytes{0, 0, 0, 0, 0, 0, 0x07, 0xD1}, {}}});
+    return cells;
+}
+
+bool isLong(const std::pair<ColumnInfo, Value>& cell)
+{
+    const auto& type = cell.first.type;
+    return type.length == practice::maxLength || type.id == TypeId::Text || type.id == TypeId::NText ||
+           type.id == TypeId::Image || type.id == TypeId::SqlVariant;
+}
+
 TEST_F(AdoWire, ReadsEveryType)
 {
-    std::vector<ColumnInfo> columns;
-    std::vector<Value> values;
-    for (const auto& sample : practice::test::samples()) {
-        columns.push_back({sample.name, sample.type});
-        values.push_back(practice::test::valueOf(sample));
-    }
-    columns.push_back({"varbinary", {TypeId::VarBinary, 10, 0, 0}});
-    values.push_back({practice::Bytes{0x00, 0xFF, 0x10}, {}});
-    columns.push_back({"image", {TypeId::Image, 16, 0, 0}});
-    values.push_back({practice::Bytes{0x01, 0x02}, {}});
-    columns.push_back({"variant", {TypeId::SqlVariant, 8016, 0, 0}});
-    values.push_back(practice::test::valueOf(practice::test::samples()[9]));
-    values.back().variantType = practice::test::samples()[9].type;
-    columns.push_back({"timestamp", {TypeId::Timestamp, 8, 0, 0}});
-    values.push_back({practice::Bytes{0, 0, 0, 0, 0, 0, 0x07, 0xD1}, {}});
-    server.answer([&](ResultSink& sink) {
-        sink.columns(columns);
-        sink.row(values);
-        sink.row(std::vector<Value>(columns.size()));
-        sink.row(values);
-        counted(sink, 3);
-    });
     std::map<std::string, std::string> expected{
         {"bit", "True"},
         {"real", "1,5"},
@@ -82,19 +83,40 @@ TEST_F(AdoWire, ReadsEveryType)
     for (const auto& sample : practice::test::samples())
         expected.try_emplace(sample.name, sample.text == nullptr ? "" : sample.text);
 
-    const Recordset recordset = open();
-    ASSERT_EQ(recordset.RecordCount(), 3);
-    ASSERT_EQ(recordset.FieldCount(), static_cast<int>(columns.size()));
-    for (int column = 0; column < recordset.FieldCount(); ++column) {
-        const std::string name = recordset.FieldName(column).toStdString();
-        EXPECT_EQ(recordset.cellText(0, column).toStdString(), expected.at(name)) << name;
-        EXPECT_EQ(recordset.cellText(2, column), recordset.cellText(0, column)) << name;
-        EXPECT_TRUE(recordset.isNull(1, column)) << name;
-        EXPECT_EQ(recordset.isNull(0, column), name == "null") << name;
-        EXPECT_EQ(recordset.Value(qint64{1}, column), basic::Variant::null()) << name;
+    auto cells = everyType();
+    // Columns behind a long one are read one by one, those before it many rows at a time.
+    for (const bool longFirst : {false, true}) {
+        std::ranges::stable_partition(cells, [&](const auto& cell) { return isLong(cell) == longFirst; });
+        std::vector<ColumnInfo> columns;
+        std::vector<Value> values;
+        for (const auto& [column, value] : cells) {
+            columns.push_back(column);
+            values.push_back(value);
+        }
+        server.answer([=](ResultSink& sink) {
+            sink.columns(columns);
+            sink.row(values);
+            sink.row(std::vector<Value>(columns.size()));
+            sink.row(values);
+            counted(sink, 3);
+        });
+        const Recordset recordset = open();
+        ASSERT_EQ(recordset.RecordCount(), 3);
+        ASSERT_EQ(recordset.FieldCount(), static_cast<int>(columns.size()));
+        for (int column = 0; column < recordset.FieldCount(); ++column) {
+            const std::string name = recordset.FieldName(column).toStdString();
+            EXPECT_EQ(recordset.cellText(0, column).toStdString(), expected.at(name)) << name;
+            EXPECT_EQ(recordset.cellText(2, column), recordset.cellText(0, column)) << name;
+            EXPECT_TRUE(recordset.isNull(1, column)) << name;
+            EXPECT_EQ(recordset.isNull(0, column), name == "null") << name;
+            EXPECT_EQ(recordset.Value(qint64{1}, column), basic::Variant::null()) << name;
+        }
+        EXPECT_EQ(recordset.Value(u"BigInt"_s), basic::Variant(std::numeric_limits<qint64>::min()));
+        EXPECT_EQ(recordset.Value(u"datetime"_s),
+                  basic::Variant(basic::Moment{QDate(1753, 1, 1), 863'999'970'000}));
+        EXPECT_EQ(recordset.Value(u"smalldatetime"_s),
+                  basic::Variant(basic::Moment{QDate(2079, 6, 6), 863'400'000'000}));
     }
-    EXPECT_EQ(recordset.Value(u"BigInt"_s), basic::Variant(std::numeric_limits<qint64>::min()));
-    EXPECT_EQ(recordset.FieldType(0), ado::FieldKind::Boolean);
 }
 
 TEST_F(AdoWire, ReadsLongValuesWhole)

@@ -44,6 +44,15 @@ bool isAscii(const char* data, std::size_t size)
     return (seen & highBits) == 0;
 }
 
+/// All units are looked at, since most texts fit and the loop is a few wide instructions then.
+bool fitsLatin1(const char16_t* units, std::size_t count)
+{
+    unsigned seen = 0;
+    for (std::size_t index = 0; index < count; ++index)
+        seen |= units[index];
+    return seen <= 0xFF;
+}
+
 QString scaledText(Int128 value, int scale)
 {
     const bool negative = value < 0;
@@ -337,14 +346,20 @@ void ColumnBuilder::addFixed(const void* values, std::size_t count)
     m_rows += count;
 }
 
-void ColumnBuilder::addCell(std::uint8_t encoding, const char* data, std::size_t size)
+char* ColumnBuilder::addCell(std::uint8_t encoding, std::size_t size)
 {
     beginCell();
     std::uint64_t header = ((static_cast<std::uint64_t>(size) << encodingBits) | encoding) + 1;
     for (; header >= 0x80; header >>= 7)
         m_data.push_back(static_cast<char>(header | 0x80U));
     m_data.push_back(static_cast<char>(header));
-    m_data.insert(m_data.end(), data, data + size);
+    m_data.resize(m_data.size() + size);
+    return m_data.data() + m_data.size() - size;
+}
+
+void ColumnBuilder::addCell(std::uint8_t encoding, const char* data, std::size_t size)
+{
+    std::copy_n(data, size, addCell(encoding, size));
 }
 
 void ColumnBuilder::addUtf8(const char* data, std::size_t size)
@@ -357,10 +372,12 @@ void ColumnBuilder::addUtf8(const char* data, std::size_t size)
 
 void ColumnBuilder::addUtf16(QStringView text)
 {
-    const bool fitsLatin1 = std::ranges::all_of(text, [](QChar unit) { return unit.unicode() <= 0xFF; });
-    if (fitsLatin1) {
-        const QByteArray bytes = text.toLatin1();
-        addCell(latin1, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    const char16_t* const units = text.utf16();
+    const auto count = static_cast<std::size_t>(text.size());
+    if (fitsLatin1(units, count)) {
+        char* const bytes = addCell(latin1, count);
+        for (std::size_t index = 0; index < count; ++index)
+            bytes[index] = static_cast<char>(units[index]);
         return;
     }
     const QByteArray bytes = text.isValidUtf16() ? text.toUtf8() : QByteArray();

@@ -100,6 +100,8 @@ public:
 
 private:
     void beginCell();
+    /// The room for `size` bytes of a new cell.
+    char* addCell(std::uint8_t encoding, std::size_t size);
     void addCell(std::uint8_t encoding, const char* data, std::size_t size);
 
     Storage m_storage;

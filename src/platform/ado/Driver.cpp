@@ -101,7 +101,8 @@ QString odbcConnectionString(const Driver& driver, const ServerAddress& address,
     add("PWD"_L1, request.password);
     add("APP"_L1, u"Quermo"_s);
     if (isFreeTds)
-        return result + "TDS_Version=7.4;ClientCharset=UTF-8;Encryption="_L1 +
+        // Packets of the largest size that may be encrypted: a long result takes a quarter of the calls.
+        return result + "TDS_Version=7.4;ClientCharset=UTF-8;PacketSize=16384;Encryption="_L1 +
                (request.encrypt ? "require;"_L1 : "request;"_L1);
     return result + "TrustServerCertificate=yes;Encrypt="_L1 + (request.encrypt ? "yes;"_L1 : "no;"_L1);
 }

@@ -20,7 +20,9 @@ constexpr SQLULEN longestBound = 8000;       ///< the longest declared length of
 constexpr std::size_t longGuess = 32'768;    ///< holds most long values in one call
 constexpr std::size_t bytesPerCharacter = 3; ///< of UTF-8 for one UTF-16 unit, or one byte of a code page
 constexpr std::size_t formattedWidth = 64;   ///< the text of a number or a time
-constexpr int shortestTime = 4;              ///< digits of a second with which a day fits 32 bits
+constexpr SQLULEN smallDateTimeCharacters =
+    16;                         ///< tells a smalldatetime from a datetime, which can bear one name
+constexpr int shortestTime = 4; ///< digits of a second with which a day fits 32 bits
 
 FieldReader native(Storage storage, FieldKind kind, SQLSMALLINT cType)
 {
@@ -32,31 +34,51 @@ FieldReader formatted(Storage storage, FieldKind kind, int scale, field::Add add
     return {{{}, storage, kind, scale}, SQL_C_CHAR, formattedWidth, false, 1, add};
 }
 
-FieldReader decimal(SQLULEN precision, int scale)
-{
-    const Storage storage = precision <= field::scaled32Digits   ? Storage::Scaled32
-                            : precision <= field::scaled64Digits ? Storage::Scaled64
-                                                                 : Storage::Scaled128;
-    return formatted(storage, FieldKind::Decimal, scale, field::addScaled);
-}
-
-FieldReader timestamp(SQLHSTMT statement, SQLUSMALLINT number, int scale)
+/// SQL Server's name of a column's type: two types can be one type of the standard.
+QString typeName(SQLHSTMT statement, SQLUSMALLINT number)
 {
     QString name(32, u'\0');
     SQLSMALLINT bytes = 0;
     SQLColAttributeW(statement, number, SQL_DESC_TYPE_NAME, name.data(),
                      static_cast<SQLSMALLINT>(name.size() * 2), &bytes, nullptr);
     name.truncate(bytes / 2);
+    return name;
+}
+
+/// A value as FreeTDS holds it in memory, which spares the driver's conversion.
+FieldReader raw(Column column, std::size_t width, field::Add add)
+{
+    return {std::move(column), SQL_C_BINARY, width, false, 0, add};
+}
+
+FieldReader decimal(const QString& type, SQLULEN precision, int scale, Driver::Family family)
+{
+    const Storage storage = precision <= field::scaled32Digits   ? Storage::Scaled32
+                            : precision <= field::scaled64Digits ? Storage::Scaled64
+                                                                 : Storage::Scaled128;
+    const bool isMoney = type.endsWith("money"_L1);
+    if (family == Driver::Family::FreeTds && !isMoney)
+        return raw({{}, storage, FieldKind::Decimal, scale}, sizeof(SQL_NUMERIC_STRUCT), field::addNumeric);
+    return formatted(storage, FieldKind::Decimal, scale, field::addScaled);
+}
+
+FieldReader timestamp(const QString& type, SQLULEN characters, int scale, Driver::Family family)
+{
+    const bool isDateTime2 = type.startsWith("datetime2"_L1);
+    const bool isSmall = characters == smallDateTimeCharacters;
+    if (family == Driver::Family::FreeTds && !isDateTime2 && !isSmall)
+        return raw({{}, Storage::Moment, FieldKind::Date, scale}, 2 * sizeof(std::int32_t),
+                   field::addDateTime);
     FieldReader reader{{{}, Storage::Moment, FieldKind::Date, scale},
                        SQL_C_TYPE_TIMESTAMP,
                        sizeof(SQL_TIMESTAMP_STRUCT),
                        false,
                        0,
                        field::addTicks};
-    if (name.startsWith("smalldatetime"_L1)) {
+    if (isSmall) {
         reader.column.storage = Storage::Minutes;
         reader.add = field::addMinutes;
-    } else if (name.startsWith("datetime2"_L1)) {
+    } else if (isDateTime2) {
         reader.column.storage = Storage::IsoMoment;
         reader.column.kind = FieldKind::Text;
     }
@@ -79,6 +101,14 @@ FieldReader textual(SQLULEN length, Driver::Family family)
     return reader;
 }
 
+/// nchar and nvarchar. FreeTDS turns text into UTF-8 through iconv, which costs as much as all else.
+FieldReader national(SQLULEN length, Driver::Family family)
+{
+    FieldReader reader = textual(length, family);
+    if (family != Driver::Family::FreeTds || reader.isLong)
+        return reader;
+    return raw(reader.column, length * sizeof(char16_t), field::addUtf16);
+}
 FieldReader binary(SQLULEN length)
 {
     const bool isLong = length == 0 || length > longestBound;
@@ -111,9 +141,9 @@ FieldReader readerOf(SQLHSTMT statement, SQLUSMALLINT number, SQLSMALLINT type, 
         return native(Storage::Double, FieldKind::Float, SQL_C_DOUBLE);
     case SQL_DECIMAL:
     case SQL_NUMERIC:
-        return decimal(length, scale);
+        return decimal(typeName(statement, number), length, scale, family);
     case SQL_TYPE_TIMESTAMP:
-        return timestamp(statement, number, scale);
+        return timestamp(typeName(statement, number), length, scale, family);
     case SQL_TYPE_DATE:
         return {{{}, Storage::Day, FieldKind::Date, 0},
                 SQL_C_TYPE_DATE,
@@ -140,6 +170,9 @@ FieldReader readerOf(SQLHSTMT statement, SQLUSMALLINT number, SQLSMALLINT type, 
     case typeXml:
     case typeVariant:
         return textual(0, family);
+    case SQL_WCHAR:
+    case SQL_WVARCHAR:
+        return national(length, family);
     default:
         return textual(length, family);
     }

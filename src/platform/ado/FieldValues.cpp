@@ -14,8 +14,12 @@ namespace ado::field {
 namespace {
 
 constexpr qint64 ticksPerSecond = 10'000'000;
-constexpr qint64 ticksPerDay = 86'400 * ticksPerSecond;
+constexpr qint64 secondsPerDay = 86'400;
+constexpr qint64 ticksPerDay = secondsPerDay * ticksPerSecond;
+constexpr qint64 partsPerSecond = 300;       ///< in which datetime counts
 constexpr qint64 firstJulianDay = 1'721'426; ///< 1 January of the year 1
+constexpr qint64 dayOf1900 = 693'595;        ///< 1 January 1900, in days since the year 1
+constexpr qint64 lastDay = 3'652'058;        ///< 31 December 9999, the same
 constexpr int longestOffset = 14;            ///< hours from UTC
 
 [[noreturn]] void refuseValue(const Column& column)
@@ -137,11 +141,29 @@ private:
     const char* m_end;
 };
 
+void addDecimal(ColumnBuilder& builder, const Column& column, Int128 value)
+{
+    if (column.storage == Storage::Scaled32)
+        addStored(builder, static_cast<std::int32_t>(value));
+    else if (column.storage == Storage::Scaled64)
+        addStored(builder, static_cast<std::int64_t>(value));
+    else
+        addStored(builder, value);
+}
+
 int digitsOf(Storage storage)
 {
     return storage == Storage::Scaled32   ? scaled32Digits
            : storage == Storage::Scaled64 ? scaled64Digits
                                           : mostDecimalDigits;
+}
+
+unsigned __int128 powerOfTen(int exponent)
+{
+    unsigned __int128 power = 1;
+    for (; exponent > 0; --exponent)
+        power *= 10;
+    return power;
 }
 
 /// "hh:mm:ss.fffffff" in units of the scale.
@@ -194,13 +216,32 @@ void addScaled(ColumnBuilder& builder, const Column& column, const char* data, s
     DigitReader reader(column, data, length);
     const bool negative = reader.take('-');
     const Int128 size = reader.scaled(column.scale, digitsOf(column.storage));
-    const Int128 value = negative ? -size : size;
-    if (column.storage == Storage::Scaled32)
-        addStored(builder, static_cast<std::int32_t>(value));
-    else if (column.storage == Storage::Scaled64)
-        addStored(builder, static_cast<std::int64_t>(value));
-    else
-        addStored(builder, value);
+    addDecimal(builder, column, negative ? -size : size);
+}
+
+void addNumeric(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length)
+{
+    if (length != sizeof(SQL_NUMERIC_STRUCT))
+        refuseValue(column);
+    const auto numeric = load<SQL_NUMERIC_STRUCT>(data);
+    const auto size = load<unsigned __int128>(data + offsetof(SQL_NUMERIC_STRUCT, val));
+    if (numeric.scale != column.scale || size >= powerOfTen(digitsOf(column.storage)))
+        refuseValue(column);
+    const auto value = static_cast<Int128>(size);
+    addDecimal(builder, column, numeric.sign == 0 ? -value : value);
+}
+
+void addDateTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length)
+{
+    if (length != 2 * sizeof(std::int32_t))
+        refuseValue(column);
+    const qint64 days = dayOf1900 + load<std::int32_t>(data);
+    const qint64 parts = load<std::uint32_t>(data + sizeof(std::int32_t));
+    if (days < 0 || days > lastDay || parts >= secondsPerDay * partsPerSecond)
+        refuseValue(column);
+    // The server shows whole milliseconds: .000, .003, .007.
+    const qint64 milliseconds = (parts * 10 + 1) / 3;
+    addStored(builder, days * ticksPerDay + milliseconds * (ticksPerSecond / 1000));
 }
 
 void addTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length)
@@ -246,8 +287,10 @@ void addUtf8(ColumnBuilder& builder, const Column&, const char* data, std::size_
     builder.addUtf8(data, length);
 }
 
-void addUtf16(ColumnBuilder& builder, const Column&, const char* data, std::size_t length)
+void addUtf16(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length)
 {
+    if (length % 2 != 0)
+        refuseValue(column);
     builder.addUtf16(
         QStringView(reinterpret_cast<const char16_t*>(data), static_cast<qsizetype>(length / 2)));
 }

@@ -18,6 +18,10 @@ void addDay(ColumnBuilder& builder, const Column& column, const char* data, std:
 void addGuid(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 /// Decimals and money as text, for a scale of at most `mostDecimalDigits`.
 void addScaled(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
+/// Decimals as SQL_NUMERIC_STRUCT, in the column's scale.
+void addNumeric(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
+/// datetime as SQL Server sends it: 32 bits of days since 1900, 32 bits of 1/300 seconds.
+void addDateTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 /// "hh:mm:ss.fffffff", for a scale of at most `mostSecondDigits`.
 void addTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 /// "yyyy-mm-dd hh:mm:ss.fffffff +hh:mm"
