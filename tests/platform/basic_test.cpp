@@ -144,6 +144,27 @@ TEST(VariantText, IsWhatConcatenationGives)
     }
 }
 
+TEST(MomentFormat, WritesWhatEachLocaleWrites)
+{
+    const auto locales =
+        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory);
+    ASSERT_GT(locales.size(), 400);
+    const QTime times[] = {QTime(0, 0, 1), QTime(9, 5, 7), QTime(12, 0, 0), QTime(23, 59, 59)};
+    for (const QLocale& locale : locales) {
+        QString dayFormat = locale.dateFormat(QLocale::ShortFormat);
+        if (!dayFormat.contains(u"yyyy"_s))
+            dayFormat.replace(u"yy"_s, u"yyyy"_s);
+        QString timeFormat = locale.timeFormat(QLocale::LongFormat).remove(u't').remove(u"()"_s).trimmed();
+        for (const QDate& day : {QDate(1, 1, 1), QDate(1999, 12, 31), QDate(2024, 2, 9), QDate(9999, 10, 10)})
+            for (const QTime& time : times) {
+                const basic::Moment moment{day, time.msecsSinceStartOfDay() * 10'000LL};
+                EXPECT_EQ(basic::text(Variant(moment), locale),
+                          locale.toString(day, dayFormat) + u' ' + locale.toString(time, timeFormat))
+                    << utf8(locale.name());
+            }
+    }
+}
+
 TEST(BoundedArray, KeepsItsBounds)
 {
     basic::BoundedArray2<QString> names;

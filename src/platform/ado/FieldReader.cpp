@@ -20,9 +20,10 @@ constexpr SQLULEN longestBound = 8000;       ///< the longest declared length of
 constexpr std::size_t longGuess = 32'768;    ///< holds most long values in one call
 constexpr std::size_t bytesPerCharacter = 3; ///< of UTF-8 for one UTF-16 unit, or one byte of a code page
 constexpr std::size_t formattedWidth = 64;   ///< the text of a number or a time
-constexpr SQLULEN smallDateTimeCharacters =
-    16;                         ///< tells a smalldatetime from a datetime, which can bear one name
-constexpr int shortestTime = 4; ///< digits of a second with which a day fits 32 bits
+constexpr int shortestTime = 4;              ///< digits of a second with which a day fits 32 bits
+
+/// Of its text form; tells a smalldatetime from a datetime, since FreeTDS can call both datetime.
+constexpr SQLULEN smallDateTimeCharacters = 16;
 
 FieldReader native(Storage storage, FieldKind kind, SQLSMALLINT cType)
 {
@@ -109,6 +110,7 @@ FieldReader national(SQLULEN length, Driver::Family family)
         return reader;
     return raw(reader.column, length * sizeof(char16_t), field::addUtf16);
 }
+
 FieldReader binary(SQLULEN length)
 {
     const bool isLong = length == 0 || length > longestBound;

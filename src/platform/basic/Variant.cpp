@@ -1,5 +1,6 @@
 #include "platform/basic/Variant.h"
 
+#include "platform/basic/MomentFormat.h"
 #include "platform/basic/Numbers.h"
 #include <QLocale>
 
@@ -9,32 +10,14 @@ namespace basic {
 
 namespace {
 
-constexpr qint64 ticksPerMillisecond = 10'000;
-
-/// The locale's short date, with the century that some locales leave out.
-QString dayText(const QDate& day, const QLocale& locale)
+/// Values of a column are written one after the other in one locale, whose formats take far longer to
+/// work out than a date to write.
+const MomentFormat& formatOf(const QLocale& locale)
 {
-    QString format = locale.dateFormat(QLocale::ShortFormat);
-    if (!format.contains("yyyy"_L1))
-        format.replace("yy"_L1, "yyyy"_L1);
-    return locale.toString(day, format);
-}
-
-/// The locale's time with seconds, without the time zone that the long form ends or begins with.
-QString timeText(qint64 ticks, const QLocale& locale)
-{
-    const QTime time = QTime::fromMSecsSinceStartOfDay(static_cast<int>(ticks / ticksPerMillisecond));
-    QString format = locale.timeFormat(QLocale::LongFormat);
-    format.remove(u't');
-    return locale.toString(time, format.remove("()"_L1).trimmed());
-}
-
-QString momentText(const Moment& moment, const QLocale& locale)
-{
-    if (moment.day == Moment::zeroDay())
-        return timeText(moment.ticks, locale);
-    const QString day = dayText(moment.day, locale);
-    return moment.ticks == 0 ? day : day + u' ' + timeText(moment.ticks, locale);
+    thread_local MomentFormat format(locale);
+    if (format.locale() != locale)
+        format = MomentFormat(locale);
+    return format;
 }
 
 struct Writer
@@ -45,7 +28,7 @@ struct Writer
     QString operator()(qint64 value) const { return text(value); }
     QString operator()(double value) const { return text(value, locale); }
     QString operator()(const QString& value) const { return value; }
-    QString operator()(const Moment& value) const { return momentText(value, locale); }
+    QString operator()(const Moment& value) const { return formatOf(locale).text(value); }
     QString operator()(const Decimal& value) const
     {
         return QString(value.digits).replace(u'.', locale.decimalPoint());
