@@ -26,6 +26,7 @@ frmAdministrador::frmAdministrador() : ImageList1(new controls::ImageList(this))
     ImageList1->setObjectName(u"ImageList1"_s);
     splPaneles->setSizes({270, 550});
     trvBD->setImageList(ImageList1);
+    trvBD->setFiller([this](const controls::TreeView::Node* nodo) { AñadeCarpetas(nodo); });
     connect(trvBD, &controls::TreeView::Click, this, &frmAdministrador::trvBD_Click);
     connect(trvBD, &controls::TreeView::MouseDown, this, &frmAdministrador::trvBD_MouseDown);
     connect(ltvTablas, &controls::ListView::MouseDown, this, &frmAdministrador::ltvTablas_MouseDown);
@@ -89,19 +90,23 @@ void frmAdministrador::AñadeBases(ado::Recordset& bases)
 {
     trvBD->Add(u"S"_s, u"B"_s, *EnIdioma(u"Bases de Datos"_s, u"Databases"_s), u"CarpetaCerrada"_s)
         ->setExpanded(true);
-    for (; !bases.Eof(); bases.MoveNext())
-        AñadeBase(TextoCampo(bases, u"Name"_s).trimmed());
+    Carpetas = {
+        {{u"DT"_s, *EnIdioma(u"Tablas"_s, u"Tables"_s), u"Tabla"_s},
+         {u"DV"_s, *EnIdioma(u"Vistas"_s, u"Views"_s), u"Vista"_s},
+         {u"DP"_s, *EnIdioma(u"Procedimientos almacenados"_s, u"Procedures Stores"_s), u"Procedimientos"_s},
+         {u"DU"_s, *EnIdioma(u"Usuarios"_s, u"Users"_s), u"Usuario"_s}}};
+    for (; !bases.Eof(); bases.MoveNext()) {
+        const QString nombre = TextoCampo(bases, u"Name"_s).trimmed();
+        trvBD->Add(u"B"_s, u"BD"_s + nombre, nombre, u"BaseDatos"_s)->fillLater();
+    }
 }
 
-void frmAdministrador::AñadeBase(const QString& nombre)
-{
-    const QString clave = u"BD"_s + nombre;
-    trvBD->Add(u"B"_s, clave, nombre, u"BaseDatos"_s);
-    trvBD->Add(clave, u"DT"_s + nombre, *EnIdioma(u"Tablas"_s, u"Tables"_s), u"Tabla"_s);
-    trvBD->Add(clave, u"DV"_s + nombre, *EnIdioma(u"Vistas"_s, u"Views"_s), u"Vista"_s);
-    trvBD->Add(clave, u"DP"_s + nombre, *EnIdioma(u"Procedimientos almacenados"_s, u"Procedures Stores"_s),
-               u"Procedimientos"_s);
-    trvBD->Add(clave, u"DU"_s + nombre, *EnIdioma(u"Usuarios"_s, u"Users"_s), u"Usuario"_s);
+void frmAdministrador::AñadeCarpetas(const controls::TreeView::Node* base)
+try {
+    for (const Carpeta& carpeta : Carpetas)
+        trvBD->Add(base->Key(), carpeta.Prefijo + base->Text(), carpeta.Texto, carpeta.Imagen);
+} catch (...) {
+    InformaError(u"AñadeCarpetas"_s);
 }
 
 void frmAdministrador::AñadeSeguridad()

@@ -7,6 +7,8 @@
 #include "platform/controls/Slot.h"
 #include "ui_frmAdministrador.h"
 
+#include <array>
+
 namespace formularios {
 
 class frmAdministrador : public controls::Form, public Ui::frmAdministrador
@@ -46,10 +48,21 @@ protected:
     void Form_Unload(bool& cancel) override;
 
 private:
+    /// A folder of every database, in the language that the tree was built in.
+    struct Carpeta
+    {
+        QString Prefijo;
+        QString Texto;
+        QString Imagen;
+    };
+
     controls::ImageList* ImageList1;
+    std::array<Carpeta, 4> Carpetas;
 
     void AñadeBases(ado::Recordset& bases);
-    void AñadeBase(const QString& nombre);
+    /// Runs when a database is first opened: with thousands of them their folders would be most of the
+    /// tree, and of the time to build it.
+    void AñadeCarpetas(const controls::TreeView::Node* base);
     void AñadeSeguridad();
     void MuestraCarpeta(const controls::TreeView::Node* nodo);
     void PonCabecerasObjetos();

@@ -67,7 +67,7 @@ TEST_F(Administrador, TheTreeHoldsEveryDatabaseWithItsFourFolders)
 {
     Prepara(Es);
     EXPECT_EQ(Transcripcion(), Lineas({ConsultaBases}));
-    const auto* arbol = ::frmAdministrador->trvBD;
+    auto* arbol = ::frmAdministrador->trvBD;
     EXPECT_EQ(arbol->Find(u"S"_s)->Text(), ServidorDePrueba());
     EXPECT_EQ(Rama(arbol->Find(u"B"_s)), u"B=Bases de Datos"_s);
     EXPECT_EQ(Rama(arbol->Find(u"BDBanco"_s)), u"BDBanco=Banco"_s);
@@ -231,7 +231,7 @@ TEST_F(Administrador, ARightClickSelectsAndPopsTheMenuUp)
     QTest::qWait(1);
     Transcripcion();
     QTest::mouseClick(arbol->viewport(), Qt::RightButton, {},
-                      arbol->visualRect(arbol->Find(u"DTBanco"_s)).center());
+                      arbol->itemRect(arbol->Find(u"DTBanco"_s)).center());
     EXPECT_EQ(arbol->SelectedItem()->Key(), u"DTBanco"_s);
     EXPECT_TRUE(QTest::qWaitFor([] { return ::mdiPrincipal->mnuBaseDatos->isVisible(); }));
     ::mdiPrincipal->mnuBaseDatos->close();

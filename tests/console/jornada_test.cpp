@@ -91,11 +91,13 @@ private:
     {
         if (!::frmAdministrador.exists())
             return;
-        const auto nodos =
-            ::frmAdministrador->trvBD->findItems(QString(), Qt::MatchContains | Qt::MatchRecursive);
-        if (nodos.isEmpty())
+        auto* arbol = ::frmAdministrador->trvBD;
+        if (arbol->Count() == 0)
             return;
-        ::frmAdministrador->trvBD->setCurrentItem(UnoDe(nodos));
+        arbol->EnsureVisible(arbol->Find(u"S"_s));
+        const auto nodos = arbol->model()->match(arbol->model()->index(0, 0), Qt::DisplayRole, QString(), -1,
+                                                 Qt::MatchContains | Qt::MatchRecursive);
+        arbol->setCurrentIndex(UnoDe(nodos));
         ::frmAdministrador->trvBD_Click();
     }
 
@@ -105,8 +107,8 @@ private:
             return;
         auto* lista = ::frmAdministrador->ltvTablas;
         auto* elemento = lista->Item(static_cast<int>(Azar(static_cast<std::size_t>(lista->ListCount()))));
-        lista->scrollToItem(elemento);
-        const QPoint punto = lista->visualItemRect(elemento).center();
+        lista->EnsureVisible(elemento);
+        const QPoint punto = lista->itemRect(elemento).center();
         ::frmAdministrador->ltvTablas_MouseDown(2, 0, punto.x(), punto.y());
         ::mdiPrincipal->mnuBaseDatos->close();
         QAction* const entradas[] = {::mdiPrincipal->mnuDiseño, ::mdiPrincipal->mnuVerRegistros,

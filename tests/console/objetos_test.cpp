@@ -88,8 +88,8 @@ protected:
         auto* elemento = Elemento(texto);
         ASSERT_NE(elemento, nullptr) << "not in the list: " << texto.toStdString();
         auto* lista = ::frmAdministrador->ltvTablas;
-        lista->scrollToItem(elemento);
-        const QPoint punto = lista->visualItemRect(elemento).center();
+        lista->EnsureVisible(elemento);
+        const QPoint punto = lista->itemRect(elemento).center();
         ::frmAdministrador->ltvTablas_MouseDown(2, 0, punto.x(), punto.y());
         ::mdiPrincipal->mnuBaseDatos->close();
     }
@@ -338,7 +338,7 @@ TEST_F(Objetos, NothingSelectedIsAnErrorAndNoStatement)
 {
     Prepara(Es);
     Pulsa(u"DT"_s + u"tempdb"_s);
-    ::frmAdministrador->ltvTablas->clear();
+    ::frmAdministrador->ltvTablas->Clear();
     for (QAction* entrada :
          {::mdiPrincipal->mnuDiseño, ::mdiPrincipal->mnuEliminar, ::mdiPrincipal->mnuVerRegistros}) {
         Transcripcion();

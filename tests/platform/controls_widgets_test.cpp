@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -61,6 +62,43 @@ TEST(Trees, KeysAreUniqueAndFollowTheirRelative)
     EXPECT_EQ(tree.Find("S"), nullptr);
 }
 
+TEST(Trees, ChildrenWaitUntilTheyAreLookedFor)
+{
+    TreeView tree;
+    QStringList filled;
+    tree.setFiller([&](const TreeView::Node* node) {
+        filled += node->Key();
+        tree.Add(node->Key(), "T" + node->Text(), "tables", "")->setExpanded(true);
+        tree.Add("T" + node->Text(), "C" + node->Text(), "columns", "");
+    });
+    tree.Add("", "S", "server", "")->setExpanded(true);
+    for (const char* name : {"1", "2", "3"})
+        tree.Add("S", QString("B") + name, name, "")->fillLater();
+    tree.resize(300, 200);
+    tree.show();
+    EXPECT_FALSE(tree.itemRect(tree.Find("B3")).isEmpty());
+    EXPECT_EQ(filled, QStringList());
+
+    tree.Find("B2")->setExpanded(true);
+    EXPECT_EQ(filled, QStringList("B2"));
+    EXPECT_GT(tree.itemRect(tree.Find("C2")).top(), tree.itemRect(tree.Find("T2")).top());
+    EXPECT_GT(tree.itemRect(tree.Find("B3")).top(), tree.itemRect(tree.Find("C2")).top());
+
+    tree.Select(tree.Find("C2"));
+    tree.Add("S", "B4", "4", "")->fillLater();
+    EXPECT_EQ(tree.SelectedItem(), tree.Find("C2"));
+    EXPECT_FALSE(tree.itemRect(tree.Find("C2")).isEmpty()) << "the open nodes stay open";
+    EXPECT_EQ(tree.Find("T4")->Parent(), tree.Find("B4"));
+    EXPECT_EQ(filled, QStringList({"B2", "B1", "B3", "B4"}));
+    EXPECT_EQ(tree.Count(), 13);
+    const QAbstractItemModelTester tester(tree.model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
+    tree.EnsureVisible(tree.Add("B1", "T1b", "late", ""));
+    tree.Clear();
+    EXPECT_EQ(tree.SelectedItem(), nullptr);
+    EXPECT_EQ(tree.Count(), 0);
+}
+
 TEST(Trees, EveryPictureCanBeDrawn)
 {
     const ImageList images;
@@ -78,7 +116,7 @@ TEST(Trees, PointerAndKeyboardTellWhatWasClicked)
     tree.show();
     QSignalSpy clicks(&tree, &TreeView::Click);
     QSignalSpy presses(&tree, &TreeView::MouseDown);
-    const QPoint at = tree.visualRect(child).center();
+    const QPoint at = tree.itemRect(child).center();
 
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
     EXPECT_EQ(tree.SelectedItem(), child);
@@ -86,7 +124,7 @@ TEST(Trees, PointerAndKeyboardTellWhatWasClicked)
     ASSERT_EQ(presses.count(), 1);
     EXPECT_EQ(presses.takeFirst().first().toInt(), leftButton);
 
-    QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, tree.visualRect(tree.Find("S")).center());
+    QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, tree.itemRect(tree.Find("S")).center());
     EXPECT_EQ(tree.SelectedItem(), child) << "the handler selects, not the control";
     EXPECT_EQ(clicks.count(), 1);
     EXPECT_EQ(presses.takeFirst().first().toInt(), rightButton);
@@ -132,6 +170,8 @@ TEST(Lists, TheMenuKeyAsksForTheSelectedItemEvenOutOfSight)
 TEST(Lists, ItemsHaveKeysAndSubItems)
 {
     ListView list;
+    const QAbstractItemModelTester tester(list.model(),
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
     list.setColumnHeader(4, "four");
     EXPECT_EQ(list.columnHeader(4), "four");
     auto* item = list.Add("T0", "zero");
@@ -147,7 +187,14 @@ TEST(Lists, ItemsHaveKeysAndSubItems)
     EXPECT_EQ(list.SelectedItem()->Key(), "T0");
     list.Clear();
     EXPECT_EQ(list.SelectedItem(), nullptr);
-    EXPECT_EQ(list.Add("T0", "new")->Text(), "new");
+    item = list.Add("T0", "new");
+    EXPECT_EQ(item->Text(), "new");
+    QSignalSpy changes(list.model(), &QAbstractItemModel::dataChanged);
+    item->setSubItems(1, "before it is shown");
+    list.EnsureVisible(item);
+    item->setSubItems(1, "owner");
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(list.indexAt(list.itemRect(item).center()).siblingAtColumn(1).data(), "owner");
 }
 
 TEST(Combos, EverySelectionFiresTheClick)

@@ -82,7 +82,7 @@ MomentFormat::Pattern MomentFormat::parsed(const QString& format) const
         if (letter == u'\'')
             return pattern;
         if (!letter.isLetter()) {
-            pieces.push_back({Part::Literal, 0, letter});
+            pieces.push_back({Part::Literal, 0, {QString(letter)}});
             ++at;
             continue;
         }
@@ -107,9 +107,11 @@ void MomentFormat::write(QString& text, const std::vector<Piece>& pieces, const 
 {
     for (const Piece& piece : pieces) {
         if (piece.part == Part::Literal)
-            text += piece.text;
+            text += piece.texts.front();
+        else if (piece.part == Part::MonthName)
+            text += piece.texts.value(numbers.at(Part::Month) - 1);
         else if (piece.part == Part::HalfDay)
-            text += numbers.at(Part::Hour) < noon ? piece.text : piece.afternoon;
+            text += piece.texts[numbers.at(Part::Hour) < noon ? 0 : 1];
         else
             addNumber(text, numbers.at(piece.part), piece.digits);
     }
@@ -143,11 +145,19 @@ bool MomentFormat::addField(std::vector<Piece>& pieces, QStringView field) const
             pieces.push_back({known.part, known.digits});
             return true;
         }
+    if (field == u"MMM" || field == u"MMMM") {
+        const auto length = field.size() == 3 ? QLocale::ShortFormat : QLocale::LongFormat;
+        pieces.push_back({Part::MonthName});
+        for (int month = 1; month <= 12; ++month)
+            pieces.back().texts += m_locale.monthName(month, length);
+        return true;
+    }
     if (field.first().toLower() != u'a' || field.size() > 2)
         return false;
     const QString letters = field.toString();
-    pieces.push_back({Part::HalfDay, 0, m_locale.toString(QTime(1, 0), letters),
-                      m_locale.toString(QTime(13, 0), letters)});
+    pieces.push_back({Part::HalfDay,
+                      0,
+                      {m_locale.toString(QTime(1, 0), letters), m_locale.toString(QTime(13, 0), letters)}});
     return true;
 }
 

@@ -29,21 +29,21 @@ private:
         Hour12, ///< of 12
         Minute,
         Second,
+        MonthName,
         HalfDay,
         Literal
     };
-    using Numbers = std::array<int, HalfDay>; ///< of the parts before HalfDay
+    using Numbers = std::array<int, MonthName>; ///< of the parts before MonthName
     struct Piece
     {
         Part part;
         int digits = 0;         ///< at least so many
-        QString text = {};      ///< of a literal, and of the hours before noon
-        QString afternoon = {}; ///< of the hours behind noon
+        QStringList texts = {}; ///< the literal; the names of the months; before noon and after
     };
     struct Pattern
     {
         QString format;            ///< as QLocale takes it
-        std::vector<Piece> pieces; ///< the same; empty when it holds what is not written here, such as names
+        std::vector<Piece> pieces; ///< the same; empty when it holds what is not written here
     };
 
     [[nodiscard]] Pattern parsed(const QString& format) const;

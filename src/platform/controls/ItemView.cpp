@@ -7,10 +7,42 @@
 
 namespace controls {
 
-ItemView::ItemView(QWidget* parent) : QTreeWidget(parent)
+ItemView::ItemView(QWidget* parent) : QTreeView(parent)
 {
+    setModel(&m_items);
     setUniformRowHeights(true);
     setSelectionMode(QAbstractItemView::SingleSelection);
+}
+
+Item* ItemView::SelectedItem() const
+{
+    return ItemModel::itemOf(selectionModel()->selectedRows().value(0));
+}
+
+void ItemView::Select(const Item* item)
+{
+    m_items.announce();
+    if (item)
+        setCurrentIndex(m_items.indexOf(item));
+    else
+        selectionModel()->clear();
+}
+
+Item* ItemView::HitTest(const QPoint& point) const
+{
+    return ItemModel::itemOf(indexAt(point));
+}
+
+void ItemView::EnsureVisible(const Item* item)
+{
+    m_items.announce();
+    scrollTo(m_items.indexOf(item));
+}
+
+QRect ItemView::itemRect(const Item* item)
+{
+    m_items.announce();
+    return visualRect(m_items.indexOf(item));
 }
 
 void ItemView::mousePressEvent(QMouseEvent* event)
@@ -23,17 +55,18 @@ void ItemView::mousePressEvent(QMouseEvent* event)
     }
     if (event->button() == Qt::LeftButton)
         emit MouseDown(leftButton, shiftState(event->modifiers()), at.x(), at.y());
-    QTreeWidget::mousePressEvent(event);
+    QTreeView::mousePressEvent(event);
 }
 
 void ItemView::keyPressEvent(QKeyEvent* event)
 {
-    if (!asksForMenu(*event) || !selected()) {
-        QTreeWidget::keyPressEvent(event);
+    const Item* const item = SelectedItem();
+    if (!item || !asksForMenu(*event)) {
+        QTreeView::keyPressEvent(event);
         return;
     }
-    scrollToItem(selected());
-    const QPoint at = (visualItemRect(selected()) & viewport()->rect()).center();
+    EnsureVisible(item);
+    const QPoint at = (itemRect(item) & viewport()->rect()).center();
     emit MouseDown(rightButton, 0, at.x(), at.y());
 }
 

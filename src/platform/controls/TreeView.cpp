@@ -11,49 +11,25 @@
 
 namespace controls {
 
-TreeView::Node::Node(QString key, const QString& text, const QIcon& icon) : m_key(std::move(key))
-{
-    setText(0, text);
-    setIcon(0, icon);
-}
-
 TreeView::TreeView(QWidget* parent) : ItemView(parent)
 {
-    setColumnCount(1);
     header()->hide();
-}
-
-void TreeView::Clear()
-{
-    m_nodes.clear();
-    clear();
+    connect(&items(), &ItemModel::openAsked, this, &QTreeView::setExpanded);
 }
 
 TreeView::Node* TreeView::Add(const QString& relative, const QString& key, const QString& text,
                               const QString& image)
 {
-    if (m_nodes.contains(key))
-        basic::raise(basic::error::KeyNotUnique);
-    Node* above = relative.isEmpty() ? nullptr : Find(relative);
+    Node* const above = relative.isEmpty() ? nullptr : Find(relative);
     if (!above && !relative.isEmpty())
         basic::raise(basic::error::ElementNotFound);
-    auto* node = new Node(key, text, m_images ? m_images->icon(image) : QIcon());
-    if (above)
-        above->addChild(node);
-    else
-        addTopLevelItem(node);
-    m_nodes.insert(key, node);
-    return node;
+    return items().add(above, key, text, m_images ? m_images->icon(image) : QIcon());
 }
 
-void TreeView::Select(Node* node)
+int TreeView::Count()
 {
-    setCurrentItem(node);
-}
-
-TreeView::Node* TreeView::HitTest(const QPoint& point) const
-{
-    return static_cast<Node*>(itemAt(point));
+    items().fillAll();
+    return items().itemCount();
 }
 
 void TreeView::mousePressEvent(QMouseEvent* event)
@@ -72,7 +48,7 @@ void TreeView::mouseReleaseEvent(QMouseEvent* event)
 
 void TreeView::keyPressEvent(QKeyEvent* event)
 {
-    const auto* before = SelectedItem();
+    const Node* const before = SelectedItem();
     ItemView::keyPressEvent(event);
     if (SelectedItem() && SelectedItem() != before)
         emit Click();
