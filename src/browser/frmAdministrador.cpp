@@ -24,7 +24,7 @@ frmAdministrador::frmAdministrador() : ImageList1(new controls::ImageList(this))
 {
     setupUi(this);
     ImageList1->setObjectName(u"ImageList1"_s);
-    splPaneles->setSizes({270, 550});
+    splPaneles->setSizes({300, 550});
     trvBD->setImageList(ImageList1);
     trvBD->setFiller([this](const controls::TreeView::Node* nodo) { AñadeCarpetas(nodo); });
     connect(trvBD, &controls::TreeView::Click, this, &frmAdministrador::trvBD_Click);

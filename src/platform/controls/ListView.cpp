@@ -8,16 +8,17 @@ namespace controls {
 
 namespace {
 
-constexpr int startWidths[] = {210, 110, 90, 165}; // pixels at 96 dpi
+constexpr int columns = 4;
+constexpr int startWidths[] = {210, 110, 90}; // pixels at 96 dpi; the last column takes what is left
 
 } // namespace
 
 ListView::ListView(QWidget* parent) : ItemView(parent)
 {
-    for (int column = 0; column < static_cast<int>(std::size(startWidths)); ++column) {
-        setColumnHeader(column + 1, QString());
+    for (int position = 1; position <= columns; ++position)
+        setColumnHeader(position, QString());
+    for (int column = 0; column < static_cast<int>(std::size(startWidths)); ++column)
         setColumnWidth(column, startWidths[column]);
-    }
     items().setRowHeight(fontMetrics().height() + 4);
     setRootIsDecorated(false);
     setAlternatingRowColors(true);
