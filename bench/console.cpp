@@ -1,29 +1,14 @@
 // The console's times as ratios, each to something plain that is measured beside it in the same run.
 // Prints one line each with the target. Arguments name the parts to run (recordset, browser, query,
 // start); "--start" shows the main window and ends.
-#include "app/Main.h"
-#include "browser/frmAdministrador.h"
-#include "core/Global.h"
-#include "core/LeeIdioma.h"
-#include "core/frmConectar.h"
-#include "core/mdiPrincipal.h"
-#include "core/mdlRegistro.h"
-#include "platform/ado/Connection.h"
-#include "platform/ado/Recordset.h"
+#include "console_bench.h"
 #include "platform/controls/MessageBox.h"
-#include "platform/controls/Theme.h"
-#include "query/frmAnalizadorConsultas.h"
 #include "rows_server.h"
 
-#include <QApplication>
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
-#include <cstdio>
-#include <ctime>
 #include <linux/tcp.h>
 #include <netinet/in.h>
 #include <sql.h>
@@ -35,62 +20,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int repetitions = 5;
+using namespace bench;
+
 constexpr std::int64_t manyRows = 1'000'000;
-
-template <class Work>
-double seconds(Work work)
-{
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
-/// Of this thread alone: what the server, which runs in this process, does beside it does not count.
-template <class Work>
-double processorSeconds(Work work)
-{
-    const auto now = [] {
-        timespec time = {};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-    };
-    const double begin = now();
-    work();
-    return now() - begin;
-}
-
-struct Pair
-{
-    double ours;
-    double plain;
-};
-
-/// Medians of both, measured in turns.
-template <class Ours, class Plain>
-Pair compare(Ours ours, Plain plain, int times = repetitions, bool processorOnly = false)
-{
-    const auto measure = [=](const auto& work) {
-        return processorOnly ? processorSeconds(work) : seconds(work);
-    };
-    std::vector<double> left;
-    std::vector<double> right;
-    for (int time = 0; time < times; ++time) {
-        right.push_back(measure(plain));
-        left.push_back(measure(ours));
-    }
-    std::ranges::sort(left);
-    std::ranges::sort(right);
-    return {left[left.size() / 2], right[right.size() / 2]};
-}
-
-/// `ratio` is that which the target is about.
-void report(const char* what, double ratio, const char* target, Pair pair)
-{
-    std::printf("%-52s %6.2f  (target %s; %.4f s against %.4f s)\n", what, ratio, target, pair.ours,
-                pair.plain);
-    std::fflush(stdout);
-}
 
 /// Reads a result as the simplest program would: each column bound as text, one row a call.
 class PlainReader
@@ -159,13 +91,6 @@ std::uint64_t bytesFrom(int port)
     return bytes;
 }
 
-ado::Recordset opened(ado::Connection& connection, const QString& text)
-{
-    ado::Recordset recordset;
-    recordset.Open(text, connection, -1, -1, 1);
-    return recordset;
-}
-
 void recordsets(bench::RowsServer& server, ado::Connection& connection)
 {
     PlainReader plain(server.port());
@@ -185,15 +110,10 @@ void recordsets(bench::RowsServer& server, ado::Connection& connection)
                 wire / manyRows);
 }
 
-void painted(QWidget* widget)
-{
-    widget->repaint();
-    QApplication::processEvents();
-}
-
 void queryWindow(ado::Connection& connection, std::int64_t rows, int times)
 {
     const QString text = QString::number(rows);
+    ::frmAnalizadorConsultas->SetFocus();
     ::frmAnalizadorConsultas->txtSQL->setText(text);
     const Pair pair = compare(
         [&] {
@@ -204,26 +124,6 @@ void queryWindow(ado::Connection& connection, std::int64_t rows, int times)
     const std::string what = "F5 to painted grid against recordset, " + std::to_string(rows) + " rows";
     report(what.c_str(), pair.ours / pair.plain, "<= 1.1", pair);
     std::printf("%-52s %6.2f  us a row\n", "", pair.ours * 1e6 / static_cast<double>(rows));
-}
-
-void browser(ado::Connection& connection)
-{
-    const Pair tree = compare(
-        [] {
-            ::frmAdministrador->CapturaBD_SQL();
-            painted(::frmAdministrador->trvBD->viewport());
-        },
-        [&] { opened(connection, u"Select name from master.dbo.sysdatabases order by name"_s); });
-    report("tree of 5,000 databases against its query", tree.ours / tree.plain, "<= 2", tree);
-
-    ::PrefijoBD = u"Database0.."_s;
-    const Pair list = compare(
-        [] {
-            ::frmAdministrador->MuestraTablas(u"Database0"_s);
-            painted(::frmAdministrador->ltvTablas->viewport());
-        },
-        [&] { opened(connection, u"Select from sysobjects"_s); });
-    report("list of 20,000 tables against its query", list.ours / list.plain, "<= 2", list);
 }
 
 void start(const QString& self)
@@ -237,33 +137,6 @@ void start(const QString& self)
     const Pair pair = compare(run(self, {u"--start"_s}),
                               run(QCoreApplication::applicationDirPath() + u"/bench_empty_window"_s, {}), 11);
     report("start to painted window against an empty one", pair.ours / pair.plain, "<= 1.5", pair);
-}
-
-void showMainWindow()
-{
-    CrearClave(HKEY_CURRENT_USER, ClaveRegistro);
-    EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(1), ValorNumero);
-    controls::applyTheme();
-    Main();
-    painted(&*::mdiPrincipal);
-}
-
-void connectConsole(int port)
-{
-    ::mdiPrincipal->mnuConectar->trigger();
-    ::frmConectar->txtServidor->setText(u"127.0.0.1,"_s + QString::number(port));
-    ::frmConectar->txtClave->setText(u"x"_s);
-    ::frmConectar->cmdConectar->click();
-    ::mdiPrincipal->mnuAdministrador->trigger();
-    ::mdiPrincipal->mnuAnalizadorConsultas->trigger();
-    QApplication::processEvents();
-}
-
-/// Parts that the command line names; all when it names none.
-bool isWanted(const QString& part)
-{
-    const QStringList parts = QCoreApplication::arguments().sliced(1);
-    return parts.isEmpty() || parts.contains(part);
 }
 
 } // namespace
@@ -288,7 +161,7 @@ try {
         if (isWanted(u"recordset"_s))
             recordsets(server, connection);
         showMainWindow();
-        connectConsole(server.port());
+        connectConsole(server.port(), u"x"_s);
         if (isWanted(u"browser"_s))
             browser(connection);
         for (const std::int64_t rows : {10'000, 100'000, 1'000'000, 10'000'000})

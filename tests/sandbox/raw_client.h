@@ -53,6 +53,7 @@ inline Bytes loginPacket(std::string_view password = "contraseña", std::uint32_
 {
     Bytes fixed;
     Bytes texts;
+    fixed.reserve(94);
     append(fixed, std::uint32_t{0}); // the length, filled in below
     append(fixed, std::uint32_t{0x74000004});
     append(fixed, packetSize);

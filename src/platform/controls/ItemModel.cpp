@@ -27,16 +27,19 @@ ItemModel::ItemModel(QObject* parent) : QAbstractItemModel(parent) {}
 
 Item* ItemModel::add(Item* above, const QString& key, const QString& text, const QIcon& icon)
 {
-    Item*& place = m_keys[key];
-    if (place)
+    Item* const item = &m_items.emplace_back();
+    item->m_key = key;
+    Item*& place = m_keys[item->m_key];
+    if (place) {
+        m_items.pop_back();
         basic::raise(basic::error::KeyNotUnique);
-    Item* const item = place = &m_items.emplace_back();
+    }
+    place = item;
     Item* const parent = above ? above : &m_root;
     item->m_model = this;
     item->m_parent = parent;
     item->m_row = static_cast<int>(parent->m_children.size());
     item->m_number = itemCount() - 1;
-    item->m_key = key;
     item->m_text = text;
     item->m_icon = icon;
     if (isAnnounced(*parent) && !m_unheard.contains(parent))
@@ -58,7 +61,9 @@ Item* ItemModel::find(const QString& key)
 void ItemModel::clear()
 {
     beginResetModel();
+    const auto count = m_keys.size();
     m_keys.clear();
+    m_keys.reserve(count); // the view is mostly filled again with as many
     m_items.clear();
     m_root.m_children.clear();
     m_unheard.clear();

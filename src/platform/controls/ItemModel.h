@@ -108,11 +108,11 @@ private:
 
     Item m_root;
     std::deque<Item> m_items;
-    QHash<QString, Item*> m_keys;
-    int m_announced = 0;            ///< items that the views know
-    QHash<Item*, int> m_unheard;    ///< items with new children, and the first of these
-    std::vector<Item*> m_toOpen;    ///< new items to be opened
-    bool m_announcementDue = false; ///< on the way through the event loop
+    QHash<QStringView, Item*> m_keys; ///< views of the items' own keys
+    int m_announced = 0;              ///< items that the views know
+    QHash<Item*, int> m_unheard;      ///< items with new children, and the first of these
+    std::vector<Item*> m_toOpen;      ///< new items to be opened
+    bool m_announcementDue = false;   ///< on the way through the event loop
     std::function<void(Item*)> m_filler;
     QStringList m_headers;
     int m_rowHeight = 0;

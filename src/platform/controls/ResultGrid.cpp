@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 
 namespace controls {
 
@@ -28,6 +29,32 @@ constexpr int wideResult = 50; // columns
 constexpr int widestColumn = 320;
 constexpr int narrowestColumn = 48;
 constexpr int cellPadding = 16;
+
+/// Widths of texts from those of their characters, which takes a fraction of laying a text out.
+class TextWidths
+{
+public:
+    explicit TextWidths(const QFontMetrics& metrics) : m_metrics(metrics)
+    {
+        for (std::size_t letter = 0; letter < m_widths.size(); ++letter)
+            m_widths[letter] = metrics.horizontalAdvance(QChar(static_cast<char16_t>(letter)));
+    }
+
+    [[nodiscard]] int of(const QString& text) const
+    {
+        int width = 0;
+        for (const QChar letter : text) {
+            if (letter.unicode() >= m_widths.size())
+                return m_metrics.horizontalAdvance(text);
+            width += m_widths[letter.unicode()];
+        }
+        return width;
+    }
+
+private:
+    QFontMetrics m_metrics;
+    std::array<int, 256> m_widths{};
+};
 
 QString quoted(QString text)
 {
@@ -96,12 +123,11 @@ void ResultGrid::fitColumns()
     const auto* rows = model();
     const int limit = rows->columnCount() > wideResult ? measuredRowsOfWide : measuredRows;
     const int sample = std::min(rows->rowCount(), limit);
-    const QFontMetrics metrics = fontMetrics();
+    const TextWidths widths(fontMetrics());
     for (int column = 0; column < rows->columnCount(); ++column) {
         int width = horizontalHeader()->sectionSizeHint(column);
         for (int row = 0; row < sample && width < widestColumn; ++row)
-            width = std::max(width, metrics.horizontalAdvance(rows->index(row, column).data().toString()) +
-                                        cellPadding);
+            width = std::max(width, widths.of(rows->index(row, column).data().toString()) + cellPadding);
         setColumnWidth(column, std::clamp(width, narrowestColumn, widestColumn));
     }
 }
