@@ -86,11 +86,13 @@ TEST_F(AdoLimits, AThousandColumns)
     constexpr int rows = 30;
     server.answer([](ResultSink& sink) {
         std::vector<ColumnInfo> infos;
+        infos.reserve(columns);
         for (int column = 0; column < columns; ++column)
             infos.push_back({"c" + std::to_string(column), {TypeId::NVarChar, 4000, 0, 0}});
         sink.columns(infos);
         for (int row = 0; row < rows; ++row) {
             std::vector<Value> values;
+            values.reserve(columns);
             for (int column = 0; column < columns; ++column)
                 values.push_back(text(std::to_string(row * column)));
             sink.row(values);

@@ -137,7 +137,7 @@ std::vector<Fault> faults()
     for (const auto& [kind, count] : kinds) {
         for (int index = 0; index < count; ++index, ++seed) {
             std::mt19937 random(seed);
-            Fault fault{kind, 0, Fault::Direction::ToClient, {}, seed};
+            Fault fault{.kind = kind, .seed = seed};
             if (kind == Fault::Kind::Delay)
                 fault.pace = std::chrono::milliseconds(300);
             const std::size_t ends[] = {loginBytes, loginBytes + 3000, answerBytes};

@@ -7,6 +7,7 @@
 #include "platform/ado/Transcript.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -86,7 +87,8 @@ TEST_F(AdoWire, ReadsEveryType)
     auto cells = everyType();
     // Columns behind a long one are read one by one, those before it many rows at a time.
     for (const bool longFirst : {false, true}) {
-        std::ranges::stable_partition(cells, [&](const auto& cell) { return isLong(cell) == longFirst; });
+        std::stable_partition(cells.begin(), cells.end(),
+                              [&](const auto& cell) { return isLong(cell) == longFirst; });
         std::vector<ColumnInfo> columns;
         std::vector<Value> values;
         for (const auto& [column, value] : cells) {

@@ -33,8 +33,8 @@ struct Fault
     };
 
     Kind kind = Kind::None;
-    std::size_t offset = 0;
     Direction direction = Direction::ToClient;
+    std::size_t offset = 0;
     std::chrono::microseconds pace{0};
     std::uint32_t seed = 0; ///< decides which bit, which bytes
 

@@ -23,7 +23,10 @@ void Item::setExpanded(bool open)
     m_model->open(this, open);
 }
 
-ItemModel::ItemModel(QObject* parent) : QAbstractItemModel(parent) {}
+ItemModel::ItemModel(QObject* parent) : QAbstractItemModel(parent)
+{
+    connect(this, &ItemModel::added, this, &ItemModel::announce, Qt::QueuedConnection);
+}
 
 Item* ItemModel::add(Item* above, const QString& key, const QString& text, const QIcon& icon)
 {
@@ -46,7 +49,7 @@ Item* ItemModel::add(Item* above, const QString& key, const QString& text, const
         m_unheard.insert(parent, item->m_row);
     parent->m_children.push_back(item);
     if (!std::exchange(m_announcementDue, true))
-        QMetaObject::invokeMethod(this, &ItemModel::announce, Qt::QueuedConnection);
+        emit added();
     return item;
 }
 

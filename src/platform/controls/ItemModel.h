@@ -95,6 +95,8 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 signals:
+    /// The first item since the last announcement was added.
+    void added();
     void openAsked(const QModelIndex& index, bool open);
 
 private:
