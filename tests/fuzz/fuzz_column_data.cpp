@@ -49,6 +49,10 @@ constexpr std::array forms = std::to_array<Form>({
     {Storage::Text, ado::field::addUtf8, 0},
     {Storage::Text, ado::field::addUtf16, 0},
     {Storage::Binary, ado::field::addBinary, 0},
+    {Storage::Scaled32, ado::field::addNumeric, sizeof(SQL_NUMERIC_STRUCT), ado::field::scaled32Digits},
+    {Storage::Scaled64, ado::field::addNumeric, sizeof(SQL_NUMERIC_STRUCT), ado::field::scaled64Digits},
+    {Storage::Scaled128, ado::field::addNumeric, sizeof(SQL_NUMERIC_STRUCT), ado::field::mostDecimalDigits},
+    {Storage::Moment, ado::field::addDateTime, 8},
 });
 
 /// What went in, for the storages whose values can be compared as they are.
@@ -60,6 +64,11 @@ void checkValue(const ado::ColumnBlock& block, const ado::Column& column, const 
     const auto size = static_cast<qsizetype>(cell.size());
     if (form.add == ado::field::addBinary)
         fuzz::check(*value.as<QByteArray>() == QByteArray(cell.data(), size));
+    if (form.add == ado::field::addUtf16)
+        fuzz::check(*value.as<QString>() ==
+                    QStringView(reinterpret_cast<const char16_t*>(cell.data()), size / 2));
+    if (const auto* const moment = value.as<basic::Moment>())
+        fuzz::check(moment->day.isValid() && moment->ticks >= 0 && moment->ticks < 864'000'000'000);
     if (form.add == ado::field::addUtf8)
         fuzz::check(*value.as<QString>() == QString::fromUtf8(cell.data(), size));
     if (column.storage == Storage::Text)
@@ -78,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const Form& form = forms.at(data[0] % forms.size());
     const std::size_t step = form.width > 0 ? form.width : data[2] + std::size_t{1};
-    const bool isDecimal = form.add == ado::field::addScaled;
+    const bool isDecimal = form.add == ado::field::addScaled || form.add == ado::field::addNumeric;
     const ado::Column column{u"c"_s, form.storage, isDecimal ? FieldKind::Decimal : FieldKind::Text,
                              data[1] % (form.mostScale + 1)};
     const std::span<const char> bytes(reinterpret_cast<const char*>(data) + 3, size - 3);
