@@ -20,6 +20,7 @@ constexpr qint64 partsPerSecond = 300;       ///< in which datetime counts
 constexpr qint64 firstJulianDay = 1'721'426; ///< 1 January of the year 1
 constexpr qint64 dayOf1900 = 693'595;        ///< 1 January 1900, in days since the year 1
 constexpr qint64 lastDay = 3'652'058;        ///< 31 December 9999, the same
+constexpr qint64 mostSmallDays = 65'535;     ///< behind 1900, of a smalldatetime
 constexpr int longestOffset = 14;            ///< hours from UTC
 
 [[noreturn]] void refuseValue(const Column& column)
@@ -188,6 +189,9 @@ void addTicks(ColumnBuilder& builder, const Column& column, const char* data, st
 void addMinutes(ColumnBuilder& builder, const Column& column, const char* data, std::size_t)
 {
     const qint64 ticks = ticksOf(column, load<SQL_TIMESTAMP_STRUCT>(data));
+    const qint64 days = ticks / ticksPerDay - dayOf1900;
+    if (days < 0 || days > mostSmallDays)
+        refuseValue(column);
     addStored(builder, static_cast<std::int32_t>(ticks / ticksPerSecond / 60));
 }
 
