@@ -37,6 +37,16 @@ if(QUERMO_FUZZ)
   target_link_options(quermo_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# Lets a target's sources begin from headers that are compiled once: "PRIVATE <header>..." names them,
+# "REUSE_FROM target" takes another target's. Only the build under the sanitizers does so, where
+# reading headers is half of the work; the others compile each file by itself, so that an include that
+# is missing shows there.
+function(quermo_precompile name)
+  if(QUERMO_PRECOMPILE)
+    target_precompile_headers(${name} ${ARGN})
+  endif()
+endfunction()
+
 # A static library of the project: its headers are included by their path from the root of their
 # tree ("platform/ado/Connection.h", "engine/session.h").
 function(quermo_library name)
