@@ -82,6 +82,18 @@ TEST_F(Administrador, TheTreeHoldsEveryDatabaseWithItsFourFolders)
     EXPECT_TRUE(::mdiPrincipal->mnuBaseDatos->menuAction()->isVisible());
 }
 
+TEST_F(Administrador, FoldersKeepTheLanguageThatTheTreeWasBuiltIn)
+{
+    Prepara(Es);
+    Idioma = En;
+    auto* arbol = ::frmAdministrador->trvBD;
+    arbol->Find(u"BDBanco"_s)->setExpanded(true);
+    EXPECT_EQ(arbol->Find(u"DTBanco"_s)->Text(), u"Tablas"_s);
+    EXPECT_EQ(arbol->Find(u"DUBanco"_s)->Text(), u"Usuarios"_s);
+    ::frmAdministrador->CapturaBD_SQL();
+    EXPECT_EQ(arbol->Find(u"DTBanco"_s)->Text(), u"Tables"_s);
+}
+
 TEST_F(Administrador, TheTreeSpeaksEnglishAndStaysEmptyInAForeignLanguage)
 {
     Prepara(En);

@@ -2,13 +2,17 @@
 #include "platform/ado/Diagnostics.h"
 #include "platform/ado/Driver.h"
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/ado/FieldValues.h"
+#include "platform/ado/Odbc.h"
 #include "platform/ado/ServerAddress.h"
 #include "platform/ado/StatementText.h"
 #include "platform/ado/Table.h"
 #include "platform/ado/Watchdog.h"
 #include "platform/basic/RuntimeError.h"
 
+#include <QLocale>
 #include <atomic>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -288,6 +292,97 @@ TEST(Tables, TakeLittleMoreThanTheWire)
     }
     table.seal();
     EXPECT_LT(table.memoryUsed(), wire * 3 / 2);
+}
+
+/// The text of one value that a driver gave; the number of the error when it is refused.
+template <class Given>
+std::string readBack(Storage storage, field::Add add, const Given& given, int scale = 0,
+                     std::size_t length = sizeof(Given))
+{
+    const Column column{u"c"_s, storage, FieldKind::Decimal, scale};
+    ColumnBuilder builder(storage);
+    const int number = numberOf([&] { add(builder, column, reinterpret_cast<const char*>(&given), length); });
+    if (number != 0)
+        return number == number::DriverFailure ? "refused" : "another error";
+    const basic::Variant value = builder.seal().value(column, 0);
+    return utf8(basic::text(value, QLocale(QLocale::Spanish)));
+}
+
+SQL_NUMERIC_STRUCT numeric(std::uint64_t high, std::uint64_t low, bool isPositive, SQLSCHAR scale)
+{
+    SQL_NUMERIC_STRUCT value{38, scale, static_cast<SQLCHAR>(isPositive ? 1 : 0), {}};
+    std::memcpy(value.val, &low, sizeof low);
+    std::memcpy(value.val + sizeof low, &high, sizeof high);
+    return value;
+}
+
+TEST(FieldValues, DecimalsKeepEveryDigitAndNoMore)
+{
+    using field::addNumeric;
+    constexpr std::uint64_t nines18 = 999'999'999'999'999'999;
+    constexpr std::uint64_t nines38High = 0x4B3B4CA85A86C47A;
+    constexpr std::uint64_t nines38Low = 0x098A223FFFFFFFFF;
+    const std::tuple<Storage, SQL_NUMERIC_STRUCT, const char*> cases[] = {
+        {Storage::Scaled32, numeric(0, 0, true, 2), "0,00"},
+        {Storage::Scaled32, numeric(0, 5, false, 2), "-0,05"},
+        {Storage::Scaled32, numeric(0, 999'999'999, false, 2), "-9999999,99"},
+        {Storage::Scaled32, numeric(0, 1'000'000'000, true, 2), "refused"},
+        {Storage::Scaled32, numeric(1, 0, true, 2), "refused"},
+        {Storage::Scaled32, numeric(0, 1, true, 3), "refused"}, // not the scale that was declared
+        {Storage::Scaled64, numeric(0, nines18, true, 2), "9999999999999999,99"},
+        {Storage::Scaled64, numeric(0, nines18 + 1, true, 2), "refused"},
+        {Storage::Scaled128, numeric(nines38High, nines38Low, false, 2),
+         "-999999999999999999999999999999999999,99"},
+        {Storage::Scaled128, numeric(nines38High, nines38Low + 1, false, 2), "refused"},
+        {Storage::Scaled128, numeric(~0ULL, ~0ULL, true, 2), "refused"},
+    };
+    for (const auto& [storage, given, expected] : cases)
+        EXPECT_EQ(readBack(storage, addNumeric, given, 2), expected);
+    EXPECT_EQ(readBack(Storage::Scaled32, addNumeric, numeric(0, 1, true, 2), 2, 18), "refused");
+}
+
+TEST(FieldValues, DatesOutsideTheirTypeAreNoDates)
+{
+    struct DateTime
+    {
+        std::int32_t days;
+        std::uint32_t parts;
+    };
+    const std::pair<DateTime, const char*> dates[] = {
+        {{0, 0}, "1/1/1900"},
+        {{-53'690, 25'919'999}, "1/1/1753 23:59:59"},
+        {{2'958'463, 25'919'999}, "31/12/9999 23:59:59"},
+        {{2'958'464, 0}, "refused"},
+        {{-693'596, 0}, "refused"},
+        {{0, 25'920'000}, "refused"},
+        {{0, 0xFFFFFFFF}, "refused"},
+    };
+    for (const auto& [given, expected] : dates)
+        EXPECT_EQ(readBack(Storage::Moment, field::addDateTime, given), expected);
+    EXPECT_EQ(readBack(Storage::Moment, field::addDateTime, DateTime{0, 0}, 0, 4), "refused");
+
+    const std::pair<SQL_TIMESTAMP_STRUCT, const char*> small[] = {
+        {{1900, 1, 1, 0, 1, 0, 0}, "1/1/1900 0:01:00"}, {{2079, 6, 6, 23, 59, 0, 0}, "6/6/2079 23:59:00"},
+        {{2079, 6, 7, 0, 0, 0, 0}, "refused"},          {{1899, 12, 31, 0, 0, 0, 0}, "refused"},
+        {{2020, 2, 30, 0, 0, 0, 0}, "refused"},         {{2020, 2, 29, 24, 0, 0, 0}, "refused"},
+    };
+    for (const auto& [given, expected] : small)
+        EXPECT_EQ(readBack(Storage::Minutes, field::addMinutes, given), expected);
+}
+
+TEST(FieldValues, NationalTextIsKeptUnitByUnit)
+{
+    const std::pair<std::u16string, std::size_t> texts[] = {
+        {u"plain", 5}, {u"año ÿ", 5},   {u"año Ā", 7}, {u"日本語", 3 * 2},
+        {u"😀", 4},     {u"a\xD83D", 4}, {u"", 0}};
+    for (const auto& [units, bytes] : texts) {
+        ColumnBuilder builder(Storage::Text);
+        const Column column{u"c"_s, Storage::Text, FieldKind::Text, 0};
+        field::addUtf16(builder, column, reinterpret_cast<const char*>(units.data()), units.size() * 2);
+        EXPECT_EQ(builder.bytes(), bytes + 1) << "in the shortest encoding, behind a header of a byte";
+        EXPECT_EQ(builder.seal().text(column, 0, 0).toStdU16String(), units);
+    }
+    EXPECT_EQ(readBack(Storage::Text, field::addUtf16, u"ab", 0, 3), "refused");
 }
 
 TEST(Watchdog, ActsOnlyDuringACallAndKnowsItsLimits)

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDialog>
+#include <QHeaderView>
 #include <QPlainTextEdit>
 #include <QTest>
 #include <QTimer>
@@ -62,6 +63,22 @@ TEST(ResultGrids, ACopyIsWhatASpreadsheetReads)
     grid.setCurrentIndex(grid.model()->index(1, 0));
     QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), "say \"b\"\tc") << "a cell alone goes as it is";
+}
+
+TEST(ResultGrids, ColumnsAreAsWideAsTheirTexts)
+{
+    ResultGrid grid;
+    show(
+        grid,
+        "select 'WWWWWWWWWW' as a, 'iiiiiiiiii' as b, N'日本語日本語' as c, N'ÑÑÑÑÑÑ' as d, "
+        "'x' as a_heading_longer_than_its_column union all select 'W', 'iiiiiiiiiiiiiiiiiiii', N'', N'', ''");
+    const auto* rows = grid.model();
+    for (int column = 0; column < rows->columnCount(); ++column)
+        for (int row = 0; row < rows->rowCount(); ++row)
+            EXPECT_GT(grid.columnWidth(column),
+                      grid.fontMetrics().horizontalAdvance(rows->index(row, column).data().toString()) + 4);
+    EXPECT_GT(grid.columnWidth(0), grid.columnWidth(1));
+    EXPECT_GE(grid.columnWidth(4), grid.horizontalHeader()->sectionSizeHint(4));
 }
 
 TEST(ResultGrids, ALongCellIsCutInItsRowAndWholeInTheViewer)
