@@ -168,7 +168,10 @@ try {
             browser(connection);
         for (const std::int64_t rows : {10'000, 100'000, 1'000'000, 10'000'000})
             if (isWanted(u"query"_s))
-                queryWindow(connection, rows, rows > manyRows ? 1 : repetitions);
+                queryWindow(connection, rows,
+                            rows > manyRows   ? 1
+                            : rows < manyRows ? manyRepetitions
+                                              : repetitions);
         ::frmAnalizadorConsultas->Unload();
         ::frmAdministrador->Unload();
         ::ConexionSQL = ado::Connection();

@@ -14,7 +14,12 @@ void Item::setSubItems(int index, const QString& text)
         basic::raise(basic::error::Subscript);
     if (m_subItems.size() < index)
         m_subItems.resize(std::max<qsizetype>(index, m_model->headers().size() - 1));
-    m_subItems[index - 1] = text;
+    // Owners, kinds and dates mostly repeat from row to row: one text serves them all.
+    const Item* const before =
+        m_row > 0 ? m_parent->m_children[static_cast<std::size_t>(m_row - 1)] : nullptr;
+    const bool isRepeated =
+        before && before->m_subItems.size() >= index && before->m_subItems[index - 1] == text;
+    m_subItems[index - 1] = isRepeated ? before->m_subItems[index - 1] : text;
     m_model->changed(this, index);
 }
 

@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QIcon>
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <deque>
 #include <functional>
@@ -35,6 +36,8 @@ public:
 private:
     friend class ItemModel;
 
+    static constexpr qsizetype usualSubItems = 3;
+
     ItemModel* m_model = nullptr;
     Item* m_parent = nullptr; ///< the model's root at the top; null for the root itself
     int m_row = 0;            ///< among the parent's children
@@ -42,7 +45,7 @@ private:
     bool m_fillsLater = false;
     QString m_key;
     QString m_text;
-    QStringList m_subItems;
+    QVarLengthArray<QString, usualSubItems> m_subItems;
     QIcon m_icon;
     std::vector<Item*> m_children;
 };
