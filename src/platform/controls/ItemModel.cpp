@@ -4,6 +4,7 @@
 
 #include <QSize>
 
+#include <algorithm>
 #include <utility>
 
 namespace controls {
