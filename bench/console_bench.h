@@ -27,7 +27,8 @@ namespace bench {
 using namespace Qt::StringLiterals;
 
 inline constexpr int repetitions = 5;
-inline constexpr int manyRepetitions = 25; // of what takes milliseconds
+inline constexpr int manyRepetitions = 25; ///< of what takes milliseconds
+
 template <class Work>
 double seconds(Work work)
 {

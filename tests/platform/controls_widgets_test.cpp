@@ -15,6 +15,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -172,8 +173,12 @@ TEST(Lists, ItemsHaveKeysAndSubItems)
     ListView list;
     const QAbstractItemModelTester tester(list.model(),
                                           QAbstractItemModelTester::FailureReportingMode::Fatal);
+    EXPECT_EQ(list.header()->count(), 4);
     list.setColumnHeader(4, "four");
     EXPECT_EQ(list.columnHeader(4), "four");
+    list.setColumnHeader(6, "six");
+    EXPECT_EQ(list.header()->count(), 6);
+    EXPECT_EQ(list.columnHeader(5), "");
     auto* item = list.Add("T0", "zero");
     item->setSubItems(3, "three");
     list.Add("T1", "one");

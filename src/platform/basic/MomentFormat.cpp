@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -120,31 +121,16 @@ void MomentFormat::write(QString& text, const std::vector<Piece>& pieces, const 
 /// False for a field that only QLocale can write.
 bool MomentFormat::addField(std::vector<Piece>& pieces, QStringView field) const
 {
-    const struct
-    {
-        QStringView letters;
-        Part part;
-        int digits;
-    } fields[] = {
-        {u"d", Part::Day, 1},
-        {u"dd", Part::Day, 2},
-        {u"M", Part::Month, 1},
-        {u"MM", Part::Month, 2},
-        {u"H", Part::Hour, 1},
-        {u"HH", Part::Hour, 2},
-        {u"h", Part::Hour12, 1},
-        {u"hh", Part::Hour12, 2},
-        {u"m", Part::Minute, 1},
-        {u"mm", Part::Minute, 2},
-        {u"s", Part::Second, 1},
-        {u"ss", Part::Second, 2},
-        {u"yyyy", Part::Year, yearDigits},
+    const std::pair<char16_t, Part> numbers[] = {
+        {u'd', Part::Day},    {u'M', Part::Month},  {u'y', Part::Year},   {u'H', Part::Hour},
+        {u'h', Part::Hour12}, {u'm', Part::Minute}, {u's', Part::Second},
     };
-    for (const auto& known : fields)
-        if (field == known.letters) {
-            pieces.push_back({known.part, known.digits});
-            return true;
-        }
+    const auto known = std::ranges::find(numbers, field.front().unicode(), &std::pair<char16_t, Part>::first);
+    const bool isWhole = field.front() == u'y' ? field.size() == yearDigits : field.size() <= 2;
+    if (known != std::end(numbers) && isWhole) {
+        pieces.push_back({known->second, static_cast<int>(field.size())});
+        return true;
+    }
     if (field == u"MMM" || field == u"MMMM") {
         const auto length = field.size() == 3 ? QLocale::ShortFormat : QLocale::LongFormat;
         pieces.push_back({Part::MonthName});

@@ -29,7 +29,7 @@ void Item::setExpanded(bool open)
     m_model->open(this, open);
 }
 
-ItemModel::ItemModel(QObject* parent) : QAbstractItemModel(parent)
+ItemModel::ItemModel(QObject* parent) : QAbstractItemModel(parent), m_headers(QString())
 {
     connect(this, &ItemModel::added, this, &ItemModel::announce, Qt::QueuedConnection);
 }
@@ -127,8 +127,8 @@ void ItemModel::changed(const Item* item, int column)
 
 void ItemModel::setHeader(int column, const QString& text)
 {
-    if (column >= m_headers.size()) {
-        beginInsertColumns({}, static_cast<int>(m_headers.size()), column);
+    if (column >= columnCount()) {
+        beginInsertColumns({}, columnCount(), column);
         m_headers.resize(column + 1);
         endInsertColumns();
     }
@@ -176,7 +176,7 @@ int ItemModel::rowCount(const QModelIndex& parent) const
 
 int ItemModel::columnCount(const QModelIndex&) const
 {
-    return static_cast<int>(std::max<qsizetype>(1, m_headers.size()));
+    return static_cast<int>(m_headers.size());
 }
 
 bool ItemModel::hasChildren(const QModelIndex& parent) const

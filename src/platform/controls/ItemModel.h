@@ -77,6 +77,7 @@ public:
     /// From 0.
     [[nodiscard]] Item* topItem(int row) const { return m_root.m_children[static_cast<std::size_t>(row)]; }
 
+    /// Columns count from 0; a new one adds those before it too.
     void setHeader(int column, const QString& text);
     [[nodiscard]] const QStringList& headers() const { return m_headers; }
     /// Height of every row, in pixels.
@@ -119,7 +120,7 @@ private:
     std::vector<Item*> m_toOpen;      ///< new items to be opened
     bool m_announcementDue = false;   ///< on the way through the event loop
     std::function<void(Item*)> m_filler;
-    QStringList m_headers;
+    QStringList m_headers; ///< one for each column, of which there is at least one
     int m_rowHeight = 0;
 };
 
