@@ -3,7 +3,7 @@
 #include "core/Global.h"
 #include "core/Idioma.h"
 #include "platform/basic/RuntimeError.h"
-#include "platform/basic/Variant.h"
+#include "platform/basic/VariantText.h"
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/Keys.h"
 #include "platform/controls/Pointer.h"

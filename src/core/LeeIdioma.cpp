@@ -5,7 +5,7 @@
 #include "core/frmIdioma.h"
 #include "core/mdlRegistro.h"
 #include "platform/basic/Numbers.h"
-#include "platform/basic/Variant.h"
+#include "platform/basic/VariantText.h"
 #include "platform/controls/Language.h"
 
 using namespace Qt::Literals::StringLiterals;

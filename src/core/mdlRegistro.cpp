@@ -2,6 +2,7 @@
 
 #include "platform/basic/Numbers.h"
 #include "platform/basic/RuntimeError.h"
+#include "platform/basic/VariantText.h"
 
 #include <QSettings>
 #include <QVariant>

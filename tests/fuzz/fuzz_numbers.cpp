@@ -3,6 +3,7 @@
 
 #include "platform/basic/Numbers.h"
 #include "platform/basic/RuntimeError.h"
+#include "platform/basic/VariantText.h"
 
 #include <QLocale>
 #include <array>

@@ -9,6 +9,7 @@
 #include "platform/ado/Table.h"
 #include "platform/ado/Watchdog.h"
 #include "platform/basic/RuntimeError.h"
+#include "platform/basic/VariantText.h"
 
 #include <QLocale>
 #include <atomic>

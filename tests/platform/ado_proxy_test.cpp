@@ -3,6 +3,7 @@
 #include "platform/ado/Connection.h"
 #include "platform/ado/Recordset.h"
 #include "platform/basic/RuntimeError.h"
+#include "platform/basic/VariantText.h"
 #include "support/FaultProxy.h"
 #include "support/PracticeServer.h"
 

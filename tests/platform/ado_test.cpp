@@ -5,6 +5,7 @@
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/Recordset.h"
 #include "platform/basic/RuntimeError.h"
+#include "platform/basic/VariantText.h"
 #include "support/PracticeServer.h"
 
 #include <chrono>

@@ -1,7 +1,7 @@
 #include "platform/basic/BoundedArray.h"
 #include "platform/basic/Numbers.h"
 #include "platform/basic/RuntimeError.h"
-#include "platform/basic/Variant.h"
+#include "platform/basic/VariantText.h"
 
 #include <QLocale>
 #include <gtest/gtest.h>

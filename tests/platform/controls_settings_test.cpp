@@ -1,6 +1,7 @@
 // The user's settings: what was written is read back with its type, and nothing that stands in the file
 // hurts.
 #include "core/mdlRegistro.h"
+#include "platform/basic/VariantText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
 #include "platform/ado/Column.h"
+#include "platform/basic/VariantText.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,3 +1,4 @@
+// Arrays with a fixed lower and upper bound, which raise the runtime's subscript error beyond them.
 #pragma once
 
 #include "platform/basic/RuntimeError.h"

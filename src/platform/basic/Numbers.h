@@ -1,3 +1,4 @@
+// Numbers from texts and values, and back.
 #pragma once
 
 #include "platform/basic/Variant.h"

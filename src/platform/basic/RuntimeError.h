@@ -1,3 +1,4 @@
+// The one exception of the console: a number and a sentence.
 #pragma once
 
 #include <QString>

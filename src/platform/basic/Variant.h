@@ -1,3 +1,4 @@
+// One value of a database field: nothing, a number, a text, a date, or bytes.
 #pragma once
 
 #include <QByteArray>
@@ -5,8 +6,6 @@
 #include <QString>
 #include <concepts>
 #include <variant>
-
-class QLocale;
 
 namespace basic {
 
@@ -57,7 +56,12 @@ public:
     template <class T>
     Variant(T*) = delete; // a pointer would silently become a boolean
 
-    static Variant null();
+    static Variant null()
+    {
+        Variant result;
+        result.m_value = NullValue{};
+        return result;
+    }
 
     [[nodiscard]] Kind kind() const { return static_cast<Kind>(m_value.index()); }
     [[nodiscard]] bool isEmpty() const { return kind() == Kind::Empty; }
@@ -88,11 +92,5 @@ private:
     std::variant<std::monostate, NullValue, bool, qint64, double, Decimal, QString, Moment, QByteArray>
         m_value;
 };
-
-/// What concatenating "" with the value gives: nothing for Empty and Null, "True" or "False", numbers
-/// with the locale's decimal sign and no grouping, dates in the locale's short form with a four-digit
-/// year (the day left out when it is the zero date, the time when it is midnight), binary as 0x hex.
-QString text(const Variant& value);
-QString text(const Variant& value, const QLocale& locale);
 
 } // namespace basic

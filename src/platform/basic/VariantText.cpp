@@ -1,4 +1,4 @@
-#include "platform/basic/Variant.h"
+#include "platform/basic/VariantText.h"
 
 #include "platform/basic/MomentFormat.h"
 #include "platform/basic/Numbers.h"
@@ -45,13 +45,6 @@ struct Writer
 };
 
 } // namespace
-
-Variant Variant::null()
-{
-    Variant result;
-    result.m_value = NullValue{};
-    return result;
-}
 
 QString text(const Variant& value)
 {
