@@ -1,7 +1,7 @@
 // What the practice server adds to the store below it. Each benchmark runs the same work both ways in
 // one go and prints the ratio, so that the machine's speed cancels out.
-#include "engine/session.h"
-#include "engine/store.h"
+#include "engine/api/session.h"
+#include "engine/store/store.h"
 #include "tds/byte_reader.h"
 #include "tds/server.h"
 

@@ -1,6 +1,6 @@
 #include "sample/sample.h"
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "sample/sample_scripts.h"
 
 #include <stdexcept>

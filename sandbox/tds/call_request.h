@@ -1,7 +1,7 @@
 // Requests that are not plain text: procedure calls and transaction control.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "tds/byte_reader.h"
 #include "tds/protocol.h"
 

@@ -1,7 +1,7 @@
 // One client, from its first packet to its last. Runs in a thread of its own.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "tds/attention_watch.h"
 #include "tds/call_request.h"
 #include "tds/login_message.h"

@@ -1,7 +1,7 @@
 // The two messages that open a connection.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "tds/packet_writer.h"
 #include "tds/protocol.h"
 

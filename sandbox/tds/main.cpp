@@ -1,5 +1,5 @@
 // The practice server's program: options, life and death. All else is in the libraries.
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "sample/sample.h"
 #include "tds/data_directory.h"
 #include "tds/server.h"

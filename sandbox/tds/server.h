@@ -1,7 +1,7 @@
 // Listens for clients and gives each its thread.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "tds/attention_watch.h"
 #include "tds/connection.h"
 #include "tds/statement_log.h"

@@ -1,5 +1,7 @@
 #include "tds/statement_log.h"
 
+#include "types/conversion.h"
+
 #include <stdexcept>
 
 namespace practice::tds {

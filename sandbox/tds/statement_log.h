@@ -1,7 +1,7 @@
 // A record of what clients sent, for tests that compare it and people who want to see it.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 
 #include <filesystem>
 #include <fstream>

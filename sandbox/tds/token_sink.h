@@ -1,7 +1,7 @@
 // Turns what the engine tells into tokens.
 #pragma once
 
-#include "engine/result_sink.h"
+#include "engine/api/result_sink.h"
 #include "tds/packet_writer.h"
 #include "tds/protocol.h"
 #include "tds/value_writer.h"

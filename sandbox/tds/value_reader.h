@@ -1,7 +1,7 @@
 // Types and values as clients send them with a call.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "tds/byte_reader.h"
 
 #include <optional>

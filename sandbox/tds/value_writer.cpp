@@ -1,5 +1,6 @@
 #include "tds/value_writer.h"
 
+#include "types/conversion.h"
 #include "types/date_time.h"
 #include "types/number_text.h"
 #include "types/text_encoding.h"

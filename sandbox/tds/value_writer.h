@@ -1,7 +1,7 @@
 // How each type and value looks on the wire.
 #pragma once
 
-#include "engine/result_sink.h"
+#include "engine/api/result_sink.h"
 #include "tds/packet_writer.h"
 #include "tds/protocol.h"
 

@@ -1,4 +1,4 @@
-// Which conversions there are, and the parts that `convert` is made of.
+// Conversions between types: which there are, and the parts that `convert` is made of.
 #pragma once
 
 #include "types/value.h"
@@ -17,6 +17,21 @@ enum class ConversionRule : std::uint8_t
 };
 
 [[nodiscard]] ConversionRule conversionRule(TypeId from, TypeId to);
+
+/// Raised by conversions; the engine turns it into the message of the statement.
+struct ConversionError
+{
+    int number; ///< SQL Server's: 245, 8114, 8115, 8152, 241, 242, 220, 8169, 257, 529 ...
+    std::string text;
+};
+
+/// Converts as CAST and CONVERT do. `style` is CONVERT's third argument (0 when absent), used
+/// between date or money or float or binary types and text.
+/// @throws ConversionError with SQL Server's number and wording.
+[[nodiscard]] Value convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0);
+
+/// The text that a CONVERT to varchar without style gives ("Jan  2 2024  3:04AM" for datetime).
+[[nodiscard]] std::string toText(const Value& value, const SqlType& type);
 
 /// Converts as an assignment to a column does: the rule must be implicit, and text or bytes that
 /// do not fit raise 8152 instead of being cut (blanks at the end and zero bytes may go).

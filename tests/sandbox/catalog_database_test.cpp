@@ -1,5 +1,5 @@
 // Databases with their files, filegroups and options; devices.
-#include "engine/database_files.h"
+#include "engine/catalog/database_files.h"
 #include "engine_cases.h"
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 // System tables and procedures that read them: they agree with what was defined.
-#include "engine/catalog.h"
+#include "engine/catalog/catalog.h"
 #include "engine_cases.h"
 #include "sample/sample.h"
 

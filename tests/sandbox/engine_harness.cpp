@@ -1,5 +1,7 @@
 #include "engine_harness.h"
 
+#include "types/conversion.h"
+
 #include <cstdlib>
 
 namespace practice::test {

@@ -1,7 +1,7 @@
 // A server over a store of its own, and what a session answers as lines of text.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
 
 #include <filesystem>
 #include <memory>

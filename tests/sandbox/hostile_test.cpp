@@ -1,6 +1,6 @@
 // What nobody should send: the engine behind its wire refuses it by number, stays within memory, and
 // answers the next one.
-#include "engine/session.h"
+#include "engine/api/session.h"
 #include "engine_harness.h"
 #include "raw_client.h"
 #include "tds/server.h"

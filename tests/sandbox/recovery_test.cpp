@@ -1,6 +1,6 @@
 // The server dies without warning, again and again over one store: what a client was told is done is
 // there afterwards, nothing half done is, and the catalog, the data and the files agree.
-#include "engine/store.h"
+#include "engine/store/store.h"
 #include "platform/ado/Connection.h"
 #include "platform/ado/Recordset.h"
 #include "platform/basic/RuntimeError.h"

@@ -2,7 +2,8 @@
 // without an engine.
 #pragma once
 
-#include "engine/session.h"
+#include "engine/api/session.h"
+#include "types/conversion.h"
 #include "types/text_encoding.h"
 
 #include <atomic>

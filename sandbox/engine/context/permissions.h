@@ -1,0 +1,18 @@
+// What the session's user may do: with rows and procedures, with what others own, with the server.
+#pragma once
+
+#include "engine/context/session_context.h"
+
+namespace practice {
+
+/// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"
+/// @throws SqlError 229
+void requirePermission(SessionContext& session, const Object& object, const char* action);
+
+/// True when the session's user may change what belongs to `ownerId` in the database.
+[[nodiscard]] bool mayChange(SessionContext& session, int databaseId, int ownerId);
+/// db_owner of that database, or sysadmin.
+[[nodiscard]] bool isDatabaseOwner(SessionContext& session, int databaseId);
+[[nodiscard]] bool hasServerRole(SessionContext& session, unsigned roles);
+
+} // namespace practice

@@ -1,0 +1,91 @@
+#include "engine/execution/select_into.h"
+
+#include "engine/execution/step_query.h"
+#include "engine/messages/errors.h"
+#include "tsql/parser.h"
+
+namespace practice {
+
+namespace {
+
+constexpr std::uint16_t selectIntoCommand = 0xC1;
+
+std::string columnDefinition(const QueryColumn& column)
+{
+    SqlType type = column.type;
+    if (type.id == TypeId::Null)
+        type = intType();
+    std::string text =
+        renderName(column.name) + " " + (type.id == TypeId::Timestamp ? "timestamp" : describe(type));
+    if (isCharacter(type.id) && !column.collation.empty())
+        text += " COLLATE " + column.collation;
+    if (column.identity)
+        text += " IDENTITY(1,1)";
+    return text + (column.nullable && !column.identity ? " NULL" : " NOT NULL");
+}
+
+std::string tableDefinition(const QueryPlan& plan, const ast::ObjectName& target)
+{
+    std::string text;
+    for (const QueryColumn& column : plan.columns) {
+        if (column.name.empty())
+            raise(1038);
+        text +=
+            (text.empty() ? "CREATE TABLE " + renderName(target) + " (" : ", ") + columnDefinition(column);
+    }
+    return text + ")";
+}
+
+/// Puts the rows in as they are, in storage form.
+std::uint64_t fill(SessionState& session, const ObjectPtr& table, const std::vector<std::vector<Value>>& rows)
+{
+    std::string columns;
+    std::string places;
+    for (const Column& column : table->columns) {
+        columns += (columns.empty() ? "" : ",") + storageColumn(column.id);
+        places += places.empty() ? "?" : ",?";
+    }
+    Statement insert(session.connection(), "INSERT INTO " + storageTable(table->databaseId, table->id) +
+                                               " (" + columns + ") VALUES (" + places + ")");
+    for (const auto& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i)
+            bindStorage(insert.handle(), static_cast<int>(i + 1), row[i], table->columns[i].type);
+        insert.run();
+    }
+    if (const Column* identity = table->identityColumn(); identity != nullptr && !rows.empty()) {
+        Statement highest(session.connection(), "SELECT max(" + storageColumn(identity->id) + ") FROM " +
+                                                    storageTable(table->databaseId, table->id));
+        if (highest.step())
+            session.catalog().setLastIdentity(table->databaseId, table->id, highest.integer(0));
+    }
+    return rows.size();
+}
+
+} // namespace
+
+void selectInto(SessionState& session, QueryPlan& plan, const ast::ObjectName& target)
+{
+    const std::string definition = tableDefinition(plan, target);
+    session.startImplicitTransaction();
+    const std::uint64_t rows = session.atomically([&session, &plan, &target, &definition] {
+        // Read first: the statement must not be running while the schema changes.
+        std::vector<std::vector<Value>> read;
+        stepQuery(session, plan, [&read](const std::vector<Value>& values) { read.push_back(values); });
+        const bool quiet = std::exchange(session.options().noCount, true);
+        try {
+            (void)session.queryText(definition);
+        } catch (...) {
+            session.options().noCount = quiet;
+            throw;
+        }
+        session.options().noCount = quiet;
+        Translator translator(session.bindContext());
+        return fill(session, translator.object(target), read);
+    });
+    if (target.object.starts_with('#') && !target.object.starts_with("##"))
+        session.frame().temporaryTables.push_back(target.object);
+    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.done(rows, selectIntoCommand);
+}
+
+} // namespace practice

@@ -1,0 +1,145 @@
+#include "engine/execution/change_target.h"
+#include "engine/execution/statements.h"
+#include "engine/messages/errors.h"
+
+#include <array>
+
+namespace practice {
+
+namespace {
+
+struct Switch
+{
+    std::string_view name;
+    bool SessionOptions::*member;
+};
+
+constexpr std::array switches = {
+    Switch{"ANSI_NULLS", &SessionOptions::ansiNulls},
+    Switch{"ANSI_NULL_DFLT_ON", &SessionOptions::ansiNullDefault},
+    Switch{"ANSI_PADDING", &SessionOptions::ansiPadding},
+    Switch{"ANSI_WARNINGS", &SessionOptions::ansiWarnings},
+    Switch{"ARITHABORT", &SessionOptions::arithAbort},
+    Switch{"CONCAT_NULL_YIELDS_NULL", &SessionOptions::concatNullYieldsNull},
+    Switch{"FMTONLY", &SessionOptions::formatOnly},
+    Switch{"IMPLICIT_TRANSACTIONS", &SessionOptions::implicitTransactions},
+    Switch{"NOCOUNT", &SessionOptions::noCount},
+    Switch{"NOEXEC", &SessionOptions::noExec},
+    Switch{"PARSEONLY", &SessionOptions::parseOnly},
+    Switch{"QUOTED_IDENTIFIER", &SessionOptions::quotedIdentifier},
+    Switch{"XACT_ABORT", &SessionOptions::xactAbort},
+};
+
+void setSwitch(SessionState& session, const std::string& name, bool on)
+{
+    SessionOptions& options = session.options();
+    for (const Switch& known : switches) {
+        if (known.name == name)
+            options.*known.member = on;
+    }
+    if (name == "ANSI_NULL_DFLT_OFF" && on)
+        options.ansiNullDefault = false;
+    if (name == "ANSI_DEFAULTS") {
+        options.ansiNulls = options.ansiNullDefault = options.ansiPadding = options.ansiWarnings = on;
+        options.quotedIdentifier = options.implicitTransactions = on;
+    }
+}
+
+void setIdentityInsert(SessionState& session, const ast::SetOptionStatement& statement)
+{
+    Translator translator(session.bindContext());
+    ObjectPtr table;
+    try {
+        table = translator.object(statement.table);
+    } catch (const SqlError&) {
+        raise(1088, {writtenName(statement.table)});
+    }
+    if (table->identityColumn() == nullptr)
+        raise(8106, {writtenName(statement.table)});
+    std::string& held = session.options().identityInsert;
+    const std::string key = identityInsertKey(*table);
+    if (!statement.on.value_or(false)) {
+        if (held == key)
+            held.clear();
+        return;
+    }
+    if (!held.empty() && held != key) {
+        const auto point = held.find('.');
+        const ObjectPtr other = session.catalog().object(std::stoi(held), std::stoi(held.substr(point + 1)));
+        if (other)
+            raise(8107, {other->name, writtenName(statement.table)});
+    }
+    held = key;
+}
+
+std::string wordOf(SessionState& session, const ast::Expression& value)
+{
+    if (const auto* literal = ast::tryAs<ast::Literal>(&value))
+        return literal->text;
+    const Value text = session.evaluate(value, nVarCharType(128));
+    return text.isNull() ? std::string() : std::get<std::string>(text.data);
+}
+
+int numberOf(SessionState& session, const ast::Expression& value)
+{
+    const Value number = session.evaluate(value, intType());
+    return number.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(number.data));
+}
+
+int isolationLevel(const std::string& name)
+{
+    constexpr std::array<std::string_view, 5> levels = {"read uncommitted", "read committed",
+                                                        "repeatable read", "serializable", "snapshot"};
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        if (levels[i] == lowerCase(name))
+            return static_cast<int>(i) + 1;
+    }
+    return 2;
+}
+
+void setValue(SessionState& session, const std::string& name, const ast::Expression& value)
+{
+    SessionOptions& options = session.options();
+    if (name == "ROWCOUNT") {
+        const int rows = numberOf(session, value);
+        if (rows < 0)
+            raise(507);
+        options.rowCount = rows;
+    } else if (name == "TEXTSIZE") {
+        options.textSize = numberOf(session, value);
+    } else if (name == "LOCK_TIMEOUT") {
+        const auto* unary = ast::tryAs<ast::Unary>(&value);
+        session.store().setLockTimeout(unary != nullptr ? -1 : numberOf(session, value));
+    } else if (name == "DATEFIRST") {
+        const int first = numberOf(session, value);
+        if (first < 1 || first > 7)
+            raise(2744, {std::to_string(first)});
+        options.dateFirst = first;
+    } else if (name == "DATEFORMAT") {
+        options.dateFormat = lowerCase(wordOf(session, value));
+    } else if (name == "LANGUAGE") {
+        const std::string language = wordOf(session, value);
+        const std::string before = std::exchange(options.language, language);
+        session.sink().environment(EnvironmentChange::Language, language, before);
+        session.inform(5703, {language});
+    } else if (name == "TRANSACTION ISOLATION LEVEL") {
+        options.isolationLevel = isolationLevel(wordOf(session, value));
+    }
+}
+
+} // namespace
+
+void executeSetOption(SessionState& session, const ast::SetOptionStatement& statement)
+{
+    for (const std::string& name : statement.options) {
+        if (name == "IDENTITY_INSERT")
+            setIdentityInsert(session, statement);
+        else if (statement.on)
+            setSwitch(session, name, *statement.on);
+        else if (statement.value)
+            setValue(session, name, *statement.value);
+    }
+    session.done(std::nullopt, 0);
+}
+
+} // namespace practice

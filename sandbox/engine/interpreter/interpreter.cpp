@@ -1,0 +1,508 @@
+#include "engine/interpreter/interpreter.h"
+
+#include "engine/execution/statements.h"
+#include "engine/messages/errors.h"
+#include "types/conversion.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <sqlite3.h>
+
+namespace practice {
+
+namespace {
+
+using Kind = ast::StatementKind;
+
+constexpr int deepestNesting = 32;
+
+/// Faults of binding end the module that they stand in; what ends the batch ends its transaction too.
+bool endsTransaction(int number)
+{
+    static constexpr std::array numbers = {235,  241,  242,  244,  245,  248, 295,
+                                           1205, 3609, 8114, 8169, 9420, 9436};
+    return std::binary_search(numbers.begin(), numbers.end(), number);
+}
+
+Message messageOf(const StoreError& failure)
+{
+    if ((failure.code & 0xff) == SQLITE_FULL)
+        return makeMessage(9002, {"master", "LOG_BACKUP"});
+    Message message = makeMessage(8630);
+    message.text += " " + failure.text;
+    return message;
+}
+
+/// Errors of running, as opposed to those of binding, end a change of rows with message 3621. A table
+/// that is altered or indexed changes its rows too, but what it checks in them is its own affair.
+bool terminates(const ast::Statement& statement, const SqlError& error)
+{
+    static constexpr std::array ofData = {220, 232, 512,  515,  517,  530,  535,  544,
+                                          547, 550, 2601, 2627, 3623, 8115, 8134, 8152};
+    static constexpr std::array ofTables = {220, 232, 515, 1505, 8115, 8152};
+    const int number = error.cause == 0 ? error.message.number : error.cause;
+    switch (statement.kind) {
+    case Kind::Insert:
+    case Kind::Update:
+    case Kind::Delete:
+        return std::binary_search(ofData.begin(), ofData.end(), number);
+    case Kind::AlterTable:
+    case Kind::CreateIndex:
+        return std::binary_search(ofTables.begin(), ofTables.end(), number);
+    default:
+        return false;
+    }
+}
+
+/// Lets go of the statement's view of the store however it ends.
+class StatementEnd
+{
+public:
+    explicit StatementEnd(SessionState& session) : session_(session) {}
+    ~StatementEnd() { session_.endStatement(); }
+    StatementEnd(const StatementEnd&) = delete;
+    StatementEnd& operator=(const StatementEnd&) = delete;
+
+private:
+    SessionState& session_;
+};
+
+} // namespace
+
+void Interpreter::runBatch(const std::string& text)
+{
+    auto frame = std::make_unique<Frame>();
+    session_.pushFrame(std::move(frame));
+    try {
+        session_.frame().compiled = session_.compile(text);
+        if (prepare(session_.frame().compiled->batch.statements))
+            run(session_.frame().compiled->batch.statements);
+    } catch (const SqlError& error) {
+        // The batch could not be read, or a fault came from outside any statement.
+        session_.sink().message(error.message);
+        session_.lastError = error.message.number;
+        session_.done(std::nullopt, 0, true);
+    } catch (const BatchAborted&) {
+        // reported already
+    } catch (const ScopeAborted&) {
+        // reported already
+    } catch (...) {
+        session_.popFrame();
+        throw;
+    }
+    const std::unique_ptr<Frame> ended = session_.popFrame();
+    session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
+    if (session_.doomed) {
+        session_.rollbackAll();
+        session_.sendMessage(makeMessage(3998));
+        session_.done(std::nullopt, 0, true);
+    }
+}
+
+void Interpreter::runNested(const std::string& text)
+{
+    auto frame = std::make_unique<Frame>();
+    frame->compiled = session_.compile(text);
+    frame->completion = Completion::Kind::InProcedure;
+    frame->tryDepth = 1; // so that errors come back to the caller
+    if (session_.hasFrame()) {
+        frame->procedure = session_.frame().procedure;
+        frame->database = session_.frame().database;
+    }
+    session_.pushFrame(std::move(frame));
+    try {
+        run(session_.frame().compiled->batch.statements);
+    } catch (...) {
+        session_.popFrame();
+        throw;
+    }
+    session_.popFrame();
+}
+
+void Interpreter::runInner(const std::string& text, Frame& prepared, const std::string& family)
+{
+    if (session_.nestLevel() >= deepestNesting)
+        raise(217, {std::to_string(deepestNesting)});
+    const SessionOptions options = session_.options();
+    auto frame = std::make_unique<Frame>(std::exchange(prepared, Frame{}));
+    frame->compiled = session_.compile(text, family);
+    frame->completion = Completion::Kind::InProcedure;
+    if (session_.hasFrame())
+        frame->database = session_.frame().database;
+    session_.pushFrame(std::move(frame));
+    session_.enterModule();
+    const auto leave = [this, &options, &prepared] {
+        std::unique_ptr<Frame> ended = session_.popFrame();
+        session_.dropTemporaryTables(ended->temporaryTables);
+        prepared = std::move(*ended);
+        session_.leaveModule();
+        session_.options() = options;
+    };
+    try {
+        if (prepare(session_.frame().compiled->batch.statements))
+            run(session_.frame().compiled->batch.statements);
+    } catch (const ScopeAborted&) {
+        leave();
+        return;
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+}
+
+Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
+{
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+        const Flow flow = statement(*statements[i]);
+        if (flow == Flow::Next)
+            continue;
+        if (flow != Flow::Goto)
+            return flow;
+        const auto target = std::find_if(statements.begin(), statements.end(), [this](const auto& candidate) {
+            const auto* label = ast::tryAs<ast::LabelStatement>(candidate.get());
+            return label != nullptr && sameName(label->label, label_);
+        });
+        if (target == statements.end())
+            return flow;
+        i = static_cast<std::size_t>(target - statements.begin());
+    }
+    return Flow::Next;
+}
+
+void Interpreter::report(const Message& message, bool terminated)
+{
+    session_.sendMessage(message);
+    session_.lastError = message.number;
+    session_.lastRowCount = 0;
+    if (terminated)
+        session_.sendMessage(makeMessage(3621));
+    session_.done(std::nullopt, 0, true);
+    const bool aborted = abortsBatch(message.number);
+    const bool all = endsTransaction(message.number) ||
+                     (session_.options().xactAbort && !aborted && message.number != 50000);
+    if (all && session_.transactionCount() > 0)
+        session_.rollbackAll();
+    if (all)
+        throw BatchAborted{};
+    if (aborted)
+        throw ScopeAborted{};
+}
+
+template <typename Work>
+void Interpreter::guarded(const ast::Statement& statement, Work work)
+{
+    const auto failed = [this, &statement](SqlError error) {
+        Message& message = error.message;
+        if (message.procedure.empty())
+            message.procedure = session_.frame().procedure;
+        message.line = session_.frame().line;
+        if (session_.catchesErrors())
+            throw SqlError(std::move(error));
+        report(message, terminates(statement, error));
+        if (statement.kind == Kind::Throw)
+            throw BatchAborted{};
+    };
+    const StatementEnd end(session_);
+    session_.statementError = 0;
+    try {
+        work();
+        session_.lastError = session_.errorOfStatement();
+    } catch (const SqlError& error) {
+        failed(error);
+    } catch (const StoreError& failure) {
+        failed({messageOf(failure)});
+    }
+}
+
+Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
+{
+    if (session_.store().cancelled())
+        throw Cancelled{};
+    session_.frame().line = static_cast<int>(statement.source.line);
+    session_.limitPlans();
+    session_.beginStatement();
+    const bool structured =
+        statement.kind == Kind::If || statement.kind == Kind::While || statement.kind == Kind::Block ||
+        statement.kind == Kind::TryCatch || statement.kind == Kind::Return || statement.kind == Kind::Break ||
+        statement.kind == Kind::Continue || statement.kind == Kind::Goto || statement.kind == Kind::Label;
+    if (structured)
+        return controlled(statement);
+    guarded(statement, [this, &statement] { simple(statement); });
+    return Flow::Next;
+}
+
+Interpreter::Flow Interpreter::controlled(const ast::Statement& statement)
+{
+    switch (statement.kind) {
+    case Kind::If: {
+        const auto& node = ast::as<ast::IfStatement>(statement);
+        std::optional<bool> outcome;
+        guarded(statement, [this, &node, &outcome] { outcome = session_.isTrue(*node.condition); });
+        if (!outcome)
+            return Flow::Next;
+        if (*outcome)
+            return this->statement(*node.then);
+        return node.otherwise ? this->statement(*node.otherwise) : Flow::Next;
+    }
+    case Kind::While:
+        return loop(ast::as<ast::WhileStatement>(statement));
+    case Kind::Block:
+        return run(ast::as<ast::BlockStatement>(statement).statements);
+    case Kind::TryCatch:
+        return tryCatch(ast::as<ast::TryCatchStatement>(statement));
+    case Kind::Return:
+        return returned(ast::as<ast::ReturnStatement>(statement));
+    case Kind::Break:
+        return Flow::Break;
+    case Kind::Continue:
+        return Flow::Continue;
+    case Kind::Goto:
+        label_ = ast::as<ast::GotoStatement>(statement).label;
+        return Flow::Goto;
+    default:
+        return Flow::Next;
+    }
+}
+
+Interpreter::Flow Interpreter::loop(const ast::WhileStatement& node)
+{
+    for (;;) {
+        if (session_.store().cancelled())
+            throw Cancelled{};
+        session_.beginStatement();
+        std::optional<bool> outcome;
+        guarded(node, [this, &node, &outcome] { outcome = session_.isTrue(*node.condition); });
+        if (!outcome.value_or(false))
+            return Flow::Next;
+        const Flow flow = statement(*node.body);
+        if (flow == Flow::Break)
+            return Flow::Next;
+        if (flow == Flow::Return || flow == Flow::Goto)
+            return flow;
+    }
+}
+
+Interpreter::Flow Interpreter::tryCatch(const ast::TryCatchStatement& node)
+{
+    Frame& frame = session_.frame();
+    ++frame.tryDepth;
+    try {
+        const Flow flow = run(node.tryPart);
+        --frame.tryDepth;
+        return flow;
+    } catch (const SqlError& error) {
+        --frame.tryDepth;
+        if (error.message.severity >= 20)
+            throw;
+        const bool dooms = session_.options().xactAbort || endsTransaction(error.message.number);
+        session_.doomed = session_.doomed || (dooms && session_.transactionCount() > 0);
+        session_.lastError = error.message.number;
+        frame.caught.push_back(error.message);
+    } catch (...) {
+        --frame.tryDepth;
+        throw;
+    }
+    try {
+        const Flow flow = run(node.catchPart);
+        frame.caught.pop_back();
+        return flow;
+    } catch (...) {
+        frame.caught.pop_back();
+        throw;
+    }
+}
+
+Interpreter::Flow Interpreter::returned(const ast::ReturnStatement& node)
+{
+    if (node.value) {
+        guarded(node, [this, &node] {
+            if (session_.frame().procedureId == 0)
+                raise(178);
+            const Value value = session_.evaluate(*node.value, intType());
+            status_ = value.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(value.data));
+        });
+    }
+    return Flow::Return;
+}
+
+void Interpreter::simple(const ast::Statement& node)
+{
+    switch (node.kind) {
+    case Kind::Select:
+        return executeSelect(session_, ast::as<ast::SelectStatement>(node));
+    case Kind::Insert: {
+        const auto& insert = ast::as<ast::InsertStatement>(node);
+        return insert.sourceKind == ast::InsertSource::Execute ? insertRowsOf(insert)
+                                                               : executeInsert(session_, insert);
+    }
+    case Kind::Update:
+        return executeUpdate(session_, ast::as<ast::UpdateStatement>(node));
+    case Kind::Delete:
+        return executeDelete(session_, ast::as<ast::DeleteStatement>(node));
+    case Kind::Truncate:
+        return executeTruncate(session_, ast::as<ast::TruncateStatement>(node));
+    case Kind::Use:
+        session_.useDatabase(ast::as<ast::UseStatement>(node).database);
+        return session_.done(std::nullopt, 0);
+    case Kind::Declare:
+        return declare(ast::as<ast::DeclareStatement>(node));
+    case Kind::SetVariable:
+        return setVariable(ast::as<ast::SetVariableStatement>(node));
+    case Kind::SetOption:
+        return executeSetOption(session_, ast::as<ast::SetOptionStatement>(node));
+    case Kind::Transaction:
+        return transaction(ast::as<ast::TransactionStatement>(node));
+    case Kind::WaitFor:
+        return waitFor(ast::as<ast::WaitForStatement>(node));
+    case Kind::Print:
+        return executePrint(session_, ast::as<ast::PrintStatement>(node));
+    case Kind::Raiserror:
+        return executeRaiserror(session_, ast::as<ast::RaiserrorStatement>(node));
+    case Kind::Throw:
+        return throwMessage(ast::as<ast::ThrowStatement>(node));
+    case Kind::Execute:
+        return execute(ast::as<ast::ExecuteStatement>(node));
+    case Kind::ExecuteString:
+        return executeString(ast::as<ast::ExecuteStringStatement>(node));
+    case Kind::DeclareCursor:
+        return declareCursor(session_, ast::as<ast::DeclareCursorStatement>(node));
+    case Kind::Cursor:
+        return executeCursor(session_, ast::as<ast::CursorStatement>(node));
+    case Kind::Fetch:
+        return executeFetch(session_, ast::as<ast::FetchStatement>(node));
+    case Kind::Dbcc:
+        return executeDbcc(session_, ast::as<ast::DbccStatement>(node));
+    case Kind::Kill:
+        return kill(ast::as<ast::KillStatement>(node));
+    case Kind::Checkpoint:
+    case Kind::Reconfigure:
+        return session_.done(std::nullopt, 0);
+    case Kind::Shutdown:
+    case Kind::ExecuteAs:
+    case Kind::Revert:
+        raise(15247);
+    default:
+        return definition(node);
+    }
+}
+
+void Interpreter::definition(const ast::Statement& node)
+{
+    session_.startImplicitTransaction();
+    // Databases come and go outside any transaction, and a backup writes files.
+    const auto rows = session_.atomically([this, &node] { return executeDdl(session_, node); });
+    if (const auto* create = ast::tryAs<ast::CreateTableStatement>(&node);
+        create != nullptr && create->name.object.starts_with('#') && !create->name.object.starts_with("##"))
+        session_.frame().temporaryTables.push_back(create->name.object);
+    session_.done(rows, 0, session_.statementError != 0);
+}
+
+void Interpreter::declare(const ast::DeclareStatement& node)
+{
+    for (const ast::Declaration& declaration : node.declarations) {
+        if (declaration.kind == ast::DeclarationKind::Table) {
+            session_.createTableVariable(declaration);
+        } else if (declaration.kind == ast::DeclarationKind::Scalar) {
+            session_.declare(declaration.name, declaredType(session_, declaration.type));
+            if (declaration.initial) {
+                const Variable value = session_.evaluate(*declaration.initial);
+                session_.assign(declaration.name, value.value, value.type);
+            }
+        }
+    }
+}
+
+void Interpreter::setVariable(const ast::SetVariableStatement& node)
+{
+    const Variable& target = session_.variable(node.variable);
+    Variable value = session_.evaluate(*node.value);
+    if (node.op != ast::AssignmentOperator::Set)
+        value = session_.combined(target, node.op, value);
+    requireConversion(value.type, target.type, Conversion::Implicit);
+    session_.assign(node.variable, value.value, value.type);
+    session_.lastRowCount = 1;
+}
+
+void Interpreter::transaction(const ast::TransactionStatement& node)
+{
+    std::string name = node.name;
+    if (name.starts_with('@')) {
+        const Value& value = session_.variable(name).value;
+        name = value.isNull() ? "" : std::get<std::string>(value.data);
+    }
+    switch (node.action) {
+    case ast::TransactionAction::Begin:
+        session_.beginTransaction(name);
+        break;
+    case ast::TransactionAction::Commit:
+        session_.commitTransaction();
+        break;
+    case ast::TransactionAction::Rollback:
+        session_.rollbackTransaction(name);
+        break;
+    case ast::TransactionAction::Save:
+        session_.saveTransaction(name);
+        break;
+    }
+    constexpr std::uint16_t commands[] = {0xD4, 0xD5, 0xD2, 0xD4};
+    session_.done(std::nullopt, commands[static_cast<std::size_t>(node.action)]);
+}
+
+void Interpreter::waitFor(const ast::WaitForStatement& node)
+{
+    const Value given = session_.evaluate(*node.time, varCharType(30));
+    const std::string text = given.isNull() ? "" : std::get<std::string>(given.data);
+    const SqlType timeType{TypeId::Time, 5, 0, 3};
+    Value time;
+    try {
+        time = convert(given, varCharType(30), timeType);
+    } catch (const ConversionError&) {
+        raise(148, {text});
+    }
+    constexpr std::int64_t ticksPerMillisecond = 10'000;
+    constexpr std::int64_t millisecondsPerDay = 86'400'000;
+    std::int64_t left = time.isNull() ? 0 : std::get<DateTimeValue>(time.data).ticks / ticksPerMillisecond;
+    if (!node.delay) {
+        left -= session_.now(false).ticks / ticksPerMillisecond;
+        left += left < 0 ? millisecondsPerDay : 0;
+    }
+    constexpr std::int64_t slice = 10;
+    session_.endStatement();
+    for (; left > 0; left -= slice) {
+        if (session_.store().cancelled())
+            throw Cancelled{};
+        sqlite3_sleep(static_cast<int>(std::min(left, slice)));
+    }
+    session_.done(std::nullopt, 0);
+}
+
+void Interpreter::throwMessage(const ast::ThrowStatement& node)
+{
+    if (!node.number) {
+        if (session_.frame().caught.empty())
+            raise(10704);
+        throw SqlError{session_.frame().caught.back()};
+    }
+    Message message;
+    message.number =
+        static_cast<int>(std::get<std::int64_t>(session_.evaluate(*node.number, intType()).data));
+    const Value text = session_.evaluate(*node.message, nVarCharType(2048));
+    message.text = text.isNull() ? "" : std::get<std::string>(text.data);
+    const Value state = session_.evaluate(*node.state, intType());
+    message.state = state.isNull() ? 1 : static_cast<int>(std::get<std::int64_t>(state.data));
+    throw SqlError{std::move(message)};
+}
+
+void Interpreter::kill(const ast::KillStatement& node)
+{
+    const Value value = session_.evaluate(*node.spid, intType());
+    const std::int64_t spid = value.isNull() ? 0 : std::get<std::int64_t>(value.data);
+    if (spid == session_.spid())
+        raise(6104);
+    raise(6106, {std::to_string(spid)});
+}
+
+} // namespace practice

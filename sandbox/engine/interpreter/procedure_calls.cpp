@@ -1,0 +1,454 @@
+#include "engine/api/collecting_sink.h"
+#include "engine/binder/parsed_texts.h"
+#include "engine/context/permissions.h"
+#include "engine/execution/statements.h"
+#include "engine/functions/sql_functions.h"
+#include "engine/interpreter/interpreter.h"
+#include "engine/messages/errors.h"
+#include "tsql/parser.h"
+#include "types/conversion.h"
+
+#include <algorithm>
+
+namespace practice {
+
+namespace {
+
+constexpr int deepestNesting = 32;
+constexpr std::uint16_t executeCommand = 0xE0;
+
+const ast::CreateProcedureStatement& definitionOf(const CompiledBatch& compiled, const std::string& name)
+{
+    const auto& statements = compiled.batch.statements;
+    const auto* definition =
+        statements.empty() ? nullptr : ast::tryAs<ast::CreateProcedureStatement>(statements.front().get());
+    if (definition == nullptr)
+        raise(2812, {name});
+    return *definition;
+}
+
+/// Which of the arguments is meant for a parameter: by name, else by place.
+Parameter* argumentFor(std::vector<Parameter>& arguments, const std::string& name, std::size_t place)
+{
+    for (Parameter& argument : arguments) {
+        if (!argument.name.empty() && sameName(argument.name, name))
+            return &argument;
+    }
+    const bool positional = place < arguments.size() && arguments[place].name.empty();
+    return positional ? &arguments[place] : nullptr;
+}
+
+void requireKnownArguments(const std::string& procedure,
+                           const std::vector<ast::ParameterDefinition>& parameters,
+                           const std::vector<Parameter>& arguments)
+{
+    if (parameters.empty() && !arguments.empty())
+        raise(8146, {procedure});
+    if (arguments.size() > parameters.size())
+        raise(8144, {procedure});
+    for (const Parameter& argument : arguments) {
+        const bool known = argument.name.empty() ||
+                           std::any_of(parameters.begin(), parameters.end(), [&argument](const auto& p) {
+                               return sameName(p.name, argument.name);
+                           });
+        if (!known)
+            raise(8145, {argument.name, procedure});
+    }
+}
+
+Value textOf(const Parameter& parameter)
+{
+    return convert(parameter.value, parameter.type, nVarCharType(maxLength));
+}
+
+std::string plainText(const Parameter& parameter)
+{
+    const Value value = textOf(parameter);
+    return value.isNull() ? std::string() : std::get<std::string>(value.data);
+}
+
+struct Declared
+{
+    std::string name;
+    SqlType type;
+    bool output = false;
+};
+
+/// The declarations of sp_executesql, "@a int, @b varchar(10) output", are a procedure's parameters.
+std::vector<Declared> declaredParameters(SessionState& session, const std::string& declarations)
+{
+    std::vector<Declared> declared;
+    if (declarations.find_first_not_of(" \t\r\n") == std::string::npos)
+        return declared;
+    const auto compiled = session.compile("CREATE PROCEDURE p " + declarations + "\nAS RETURN");
+    for (const ast::ParameterDefinition& parameter : definitionOf(*compiled, "p").parameters)
+        declared.push_back({parameter.name, declaredType(session, parameter.type), parameter.output});
+    return declared;
+}
+
+Parameter handleParameter(int handle)
+{
+    return {"", intType(), Value{std::int64_t{handle}, {}}, true, false};
+}
+
+int handleOf(const std::vector<Parameter>& arguments)
+{
+    if (arguments.empty() || arguments.front().value.isNull())
+        raise(8179, {"0"});
+    const Value value = convert(arguments.front().value, arguments.front().type, intType());
+    return static_cast<int>(std::get<std::int64_t>(value.data));
+}
+
+} // namespace
+
+void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::string& written,
+                                      std::vector<Parameter>& arguments)
+{
+    auto frame = std::make_unique<Frame>();
+    frame->compiled = std::make_shared<CompiledBatch>();
+    frame->completion = Completion::Kind::Procedure;
+    session_.pushFrame(std::move(frame));
+    const auto leave = [this] {
+        const std::unique_ptr<Frame> ended = session_.popFrame();
+        session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
+        session_.endStatement();
+    };
+    try {
+        session_.beginStatement();
+        if (name.empty())
+            raise(2812, {written});
+        session_.sink().returnStatus(callProcedure(name, arguments));
+    } catch (const BatchAborted&) {
+        // reported already
+    } catch (const ScopeAborted&) {
+        // reported already
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+}
+
+int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments)
+{
+    bool known = false;
+    const bool maybeSystem =
+        lowerCase(name.object).starts_with("sp_") || lowerCase(name.object).starts_with("xp_");
+    if (maybeSystem) {
+        const int status = systemProcedure(name, arguments, known);
+        if (known)
+            return status;
+    }
+    Catalog& catalog = session_.catalog();
+    const DatabasePtr database =
+        name.database.empty() ? session_.database() : catalog.database(name.database);
+    ObjectPtr found;
+    if (database)
+        found = catalog.object(database->id, name.schema, name.object, session_.user().id);
+    // Procedures called sp_ are looked for in master too.
+    if (!found && maybeSystem)
+        found = catalog.object(1, name.schema, name.object);
+    if (!found || found->kind != ObjectKind::Procedure)
+        raise(2812, {writtenName(name)});
+    if (session_.frame().procedureId == 0)
+        requirePermission(session_, *found, "EXECUTE");
+    return runModule(found, arguments);
+}
+
+int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& arguments)
+{
+    if (session_.nestLevel() >= deepestNesting)
+        raise(217, {std::to_string(deepestNesting)});
+    const CompiledBatchPtr compiled = session_.compile(procedure->text);
+    const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
+    auto frame = std::make_unique<Frame>();
+    frame->compiled = compiled;
+    frame->procedure = procedure->name;
+    frame->procedureId = procedure->id;
+    frame->completion = Completion::Kind::InProcedure;
+    frame->database = session_.catalog().database(procedure->databaseId);
+    // Defaults and conversions are the procedure's own affair: its frame stands already.
+    session_.pushFrame(std::move(frame));
+    session_.enterModule();
+    const SessionOptions options = session_.options();
+    const auto leave = [this, &options] {
+        std::unique_ptr<Frame> ended = session_.popFrame();
+        for (const auto& [variable, stored] : ended->tableVariables)
+            ended->temporaryTables.push_back(stored);
+        session_.leaveModule();
+        session_.dropTemporaryTables(ended->temporaryTables);
+        const std::string identityInsert = session_.options().identityInsert;
+        session_.options() = options;
+        session_.options().identityInsert = identityInsert;
+    };
+    status_ = 0;
+    try {
+        requireKnownArguments(procedure->name, definition.parameters, arguments);
+        passArguments(procedure->name, definition.parameters, arguments);
+        if (prepare(definition.body))
+            run(definition.body);
+        for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
+            Parameter* argument = argumentFor(arguments, definition.parameters[i].name, i);
+            if (argument == nullptr || !argument->output)
+                continue;
+            const Variable& variable = session_.variable(definition.parameters[i].name);
+            argument->value = variable.value;
+            argument->type = variable.type;
+        }
+    } catch (const ScopeAborted&) {
+        leave();
+        return -6;
+    } catch (SqlError& error) {
+        if (error.message.procedure.empty())
+            error.message.procedure = procedure->name;
+        leave();
+        throw;
+    } catch (...) {
+        leave();
+        throw;
+    }
+    leave();
+    return status_;
+}
+
+void Interpreter::passArguments(const std::string& procedure,
+                                const std::vector<ast::ParameterDefinition>& parameters,
+                                std::vector<Parameter>& arguments)
+{
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const ast::ParameterDefinition& parameter = parameters[i];
+        session_.declare(parameter.name, declaredType(session_, parameter.type));
+        const Parameter* argument = argumentFor(arguments, parameter.name, i);
+        if (argument != nullptr && !argument->isDefault) {
+            if (argument->output && !parameter.output)
+                raise(8162, {parameter.name});
+            const SqlType target = session_.variable(parameter.name).type;
+            try {
+                requireConversion(argument->type, target, Conversion::Implicit);
+                session_.assign(parameter.name, argument->value, argument->type);
+            } catch (const SqlError&) {
+                raise(8114, {typeName(argument->type.id), typeName(target.id)});
+            }
+            continue;
+        }
+        if (!parameter.defaultValue)
+            raise(201, {procedure, parameter.name});
+        const Variable value = constantArgument(*parameter.defaultValue);
+        session_.assign(parameter.name, value.value, value.type);
+    }
+}
+
+Variable Interpreter::constantArgument(const ast::Expression& expression)
+{
+    if (const auto* literal = ast::tryAs<ast::Literal>(&expression); literal != nullptr && literal->bareWord)
+        return {varCharType(std::max<int>(1, static_cast<int>(literal->text.size()))),
+                Value{literal->text, {}}};
+    return session_.evaluate(expression);
+}
+
+void Interpreter::execute(const ast::ExecuteStatement& node)
+{
+    std::vector<Parameter> arguments;
+    for (const ast::Argument& argument : node.arguments) {
+        Parameter parameter;
+        parameter.name = argument.name;
+        parameter.output = argument.output;
+        parameter.isDefault = argument.value->kind == ast::ExpressionKind::Default;
+        if (argument.output && argument.value->kind != ast::ExpressionKind::Variable)
+            raise(179);
+        if (!parameter.isDefault) {
+            Variable value = constantArgument(*argument.value);
+            parameter.type = value.type;
+            parameter.value = std::move(value.value);
+        }
+        if (!arguments.empty() && !arguments.back().name.empty() && parameter.name.empty())
+            raise(119, {std::to_string(arguments.size() + 1)});
+        arguments.push_back(std::move(parameter));
+    }
+    ast::ObjectName name = node.procedure;
+    if (!node.variable.empty()) {
+        const Variable& variable = session_.variable(node.variable);
+        name = parseObjectName(variable.value.isNull() ? "" : std::get<std::string>(variable.value.data));
+        if (name.empty())
+            raise(2812, {variable.value.isNull() ? "" : std::get<std::string>(variable.value.data)});
+    }
+    const int transactions = session_.transactionCount();
+    const int status = callProcedure(name, arguments);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (!arguments[i].output)
+            continue;
+        const auto& variable = ast::as<ast::Variable>(*node.arguments[i].value);
+        session_.assign(variable.name, arguments[i].value, arguments[i].type);
+    }
+    if (!node.returnVariable.empty())
+        session_.assign(node.returnVariable, Value{std::int64_t{status}, {}}, intType());
+    if (session_.transactionCount() != transactions && session_.transactionCount() != 0)
+        session_.sendMessage(
+            makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())}));
+    if (session_.frame().completion == Completion::Kind::Statement)
+        session_.sink().returnStatus(status);
+    Completion completion;
+    completion.kind = session_.frame().completion == Completion::Kind::Statement
+                          ? Completion::Kind::Procedure
+                          : Completion::Kind::InProcedure;
+    completion.command = executeCommand;
+    completion.inTransaction = session_.transactionCount() > 0;
+    session_.sink().done(completion);
+}
+
+void Interpreter::executeString(const ast::ExecuteStringStatement& node)
+{
+    const Value text = session_.evaluate(*node.text, nVarCharType(maxLength));
+    if (text.isNull())
+        return;
+    const DatabasePtr before = session_.database();
+    Frame frame;
+    runInner(std::get<std::string>(text.data), frame);
+    session_.returnTo(before);
+}
+
+int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known)
+{
+    known = true;
+    const std::string procedure = lowerCase(name.object);
+    if (procedure == "sp_executesql")
+        return executeSql(arguments);
+    if (procedure == "sp_prepare" || procedure == "sp_prepexec")
+        return prepareText(arguments, procedure == "sp_prepexec");
+    if (procedure == "sp_execute") {
+        const int handle = handleOf(arguments);
+        const auto prepared = session_.preparedTexts.find(handle);
+        if (prepared == session_.preparedTexts.end())
+            raise(8179, {std::to_string(handle)});
+        std::vector<Parameter> values(arguments.begin() + 1, arguments.end());
+        const auto [declarations, text] = prepared->second;
+        runPrepared(declarations, text, values);
+        std::move(values.begin(), values.end(), arguments.begin() + 1);
+        return 0;
+    }
+    if (procedure == "sp_unprepare") {
+        const int handle = handleOf(arguments);
+        if (session_.preparedTexts.erase(handle) == 0)
+            raise(8179, {std::to_string(handle)});
+        return 0;
+    }
+    // A database prefix makes the procedure work on that database.
+    const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
+    const DatabasePtr before =
+        std::exchange(session_.frame().database, wanted ? wanted : session_.frame().database);
+    const Completion::Kind completion =
+        std::exchange(session_.frame().completion, Completion::Kind::InProcedure);
+    const auto restore = [this, &before, completion] {
+        session_.frame().database = before;
+        session_.frame().completion = completion;
+    };
+    // What it writes outside a transaction is its own to commit, like a statement's.
+    const bool alone = session_.transactionCount() == 0 && !session_.store().inTransaction();
+    std::optional<Savepoint> savepoint;
+    if (session_.store().inTransaction())
+        savepoint.emplace(session_.store());
+    std::optional<int> status;
+    try {
+        status = callSystemProcedure(session_, procedure, arguments);
+        if (savepoint)
+            savepoint->release();
+        else if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
+            session_.store().commit();
+    } catch (...) {
+        restore();
+        if (!savepoint && session_.store().inTransaction())
+            session_.undoFirstWrites();
+        throw;
+    }
+    restore();
+    known = status.has_value();
+    return status.value_or(0);
+}
+
+int Interpreter::executeSql(std::vector<Parameter>& arguments)
+{
+    if (arguments.empty())
+        raise(201, {"sp_executesql", "@statement"});
+    const std::string text = plainText(arguments[0]);
+    const std::string declarations = arguments.size() > 1 ? plainText(arguments[1]) : "";
+    std::vector<Parameter> values(arguments.begin() + std::min<std::ptrdiff_t>(2, std::ssize(arguments)),
+                                  arguments.end());
+    runPrepared(declarations, text, values);
+    if (arguments.size() > 2)
+        std::move(values.begin(), values.end(), arguments.begin() + 2);
+    return 0;
+}
+
+int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
+{
+    if (arguments.size() < 3)
+        raise(201, {execute ? "sp_prepexec" : "sp_prepare", "@stmt"});
+    const int handle = ++session_.lastHandle;
+    const std::string declarations = plainText(arguments[1]);
+    const std::string text = plainText(arguments[2]);
+    session_.preparedTexts[handle] = {declarations, text};
+    const std::string name = arguments[0].name;
+    arguments[0] = handleParameter(handle);
+    arguments[0].name = name;
+    if (!execute) {
+        (void)session_.compile(text);
+        return 0;
+    }
+    std::vector<Parameter> values(arguments.begin() + 3, arguments.end());
+    runPrepared(declarations, text, values);
+    std::move(values.begin(), values.end(), arguments.begin() + 3);
+    return 0;
+}
+
+void Interpreter::runPrepared(const std::string& declarations, const std::string& text,
+                              std::vector<Parameter>& values)
+{
+    const std::vector<Declared> declared = declaredParameters(session_, declarations);
+    if (values.size() > declared.size())
+        raise(8144, {"sp_executesql"});
+    Frame frame;
+    for (std::size_t i = 0; i < declared.size(); ++i) {
+        const Parameter* value = argumentFor(values, declared[i].name, i);
+        if (value == nullptr || value->isDefault) {
+            std::string written = "(";
+            raise(8178, {written.append(declarations).append(")").append(text), declared[i].name});
+        }
+        Variable variable{declared[i].type, value->value};
+        if (!value->value.isNull() && !(value->type == variable.type))
+            variable.value = convert(value->value, value->type, variable.type);
+        frame.variables[lowerCase(declared[i].name)] = std::move(variable);
+    }
+    const DatabasePtr before = session_.database();
+    // The same text may come with other declarations: its plans are kept apart by them.
+    runInner(text, frame, declarations);
+    session_.returnTo(before);
+    for (std::size_t i = 0; i < declared.size(); ++i) {
+        Parameter* value = argumentFor(values, declared[i].name, i);
+        if (value == nullptr || !value->output)
+            continue;
+        const Variable& variable = frame.variables[lowerCase(declared[i].name)];
+        value->type = variable.type;
+        value->value = variable.value;
+    }
+}
+
+void Interpreter::insertRowsOf(const ast::InsertStatement& node)
+{
+    CollectingSink collected;
+    ResultSink& outer = session_.sink();
+    session_.setSink(collected);
+    collected.passMessagesTo(outer);
+    try {
+        if (const auto* call = ast::tryAs<ast::ExecuteStatement>(node.execute.get()))
+            execute(*call);
+        else
+            executeString(ast::as<ast::ExecuteStringStatement>(*node.execute));
+    } catch (...) {
+        session_.setSink(outer);
+        throw;
+    }
+    session_.setSink(outer);
+    insertRows(session_, node, collected.described, collected.rows);
+}
+
+} // namespace practice

@@ -1,0 +1,347 @@
+#include "engine/messages/errors.h"
+#include "engine/session/session_functions.h"
+#include "tsql/parser.h"
+
+#include <algorithm>
+
+namespace practice {
+
+namespace {
+
+void null(const Call& call)
+{
+    sqlite3_result_null(call.context());
+}
+
+ObjectPtr objectNamed(SessionState& session, std::string_view text)
+{
+    const ast::ObjectName name = parseObjectName(text);
+    if (name.empty())
+        return nullptr;
+    Catalog& catalog = session.catalog();
+    if (name.object.starts_with('#'))
+        return catalog.object(tempdbId, "", temporaryName(session, name.object));
+    const DatabasePtr database = name.database.empty() ? session.database() : catalog.database(name.database);
+    return database ? catalog.object(database->id, name.schema, name.object, session.user().id) : nullptr;
+}
+
+ObjectPtr objectNumbered(SessionState& session, std::int64_t id)
+{
+    return session.catalog().object(session.database()->id, static_cast<int>(id));
+}
+
+// object_id(name, type)
+void objectId(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNamed(session, call.text(0));
+    if (!found)
+        return null(call);
+    if (call.count() > 1) {
+        std::string wanted(call.text(1));
+        wanted.erase(wanted.find_last_not_of(' ') + 1);
+        if (!sameName(wanted, xtypeOf(found->kind)))
+            return null(call);
+    }
+    call.result(found->id);
+}
+
+void objectName(SessionState& session, const Call& call)
+{
+    const int database = call.count() > 1 ? static_cast<int>(call.integer(1)) : session.database()->id;
+    const ObjectPtr found = session.catalog().object(database, static_cast<int>(call.integer(0)));
+    return found ? call.result(std::string_view(found->name)) : null(call);
+}
+
+bool isConstraint(ObjectKind kind)
+{
+    return kind == ObjectKind::PrimaryKey || kind == ObjectKind::UniqueConstraint ||
+           kind == ObjectKind::ForeignKey || kind == ObjectKind::Check || kind == ObjectKind::Default;
+}
+
+bool hasClusteredIndex(const Object& table)
+{
+    return std::any_of(table.indexes.begin(), table.indexes.end(),
+                       [](const Index& index) { return index.clustered; });
+}
+
+// objectproperty(id, property)
+void objectProperty(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    if (!found)
+        return null(call);
+    const Object& object = *found;
+    const std::string property = lowerCase(call.text(1));
+    const auto is = [&property](const char* name) { return property == name; };
+    const auto yes = [&call](bool value) { call.result(value ? 1 : 0); };
+    const ObjectKind kind = object.kind;
+    if (is("isusertable"))
+        return yes(kind == ObjectKind::UserTable);
+    if (is("istable"))
+        return yes(kind == ObjectKind::UserTable || kind == ObjectKind::SystemTable);
+    if (is("issystemtable"))
+        return yes(kind == ObjectKind::SystemTable);
+    if (is("isview"))
+        return yes(kind == ObjectKind::View);
+    if (is("isprocedure"))
+        return yes(kind == ObjectKind::Procedure);
+    if (is("istrigger"))
+        return yes(kind == ObjectKind::Trigger);
+    if (is("isconstraint"))
+        return yes(isConstraint(kind));
+    if (is("isprimarykey"))
+        return yes(kind == ObjectKind::PrimaryKey);
+    if (is("isforeignkey"))
+        return yes(kind == ObjectKind::ForeignKey);
+    if (is("isuniquecnst"))
+        return yes(kind == ObjectKind::UniqueConstraint);
+    if (is("ischeckcnst"))
+        return yes(kind == ObjectKind::Check);
+    if (is("isdefaultcnst"))
+        return yes(kind == ObjectKind::Default);
+    if (is("isscalarfunction"))
+        return yes(kind == ObjectKind::ScalarFunction);
+    if (is("ismsshipped"))
+        return yes(object.shipped);
+    if (is("ownerid"))
+        return call.result(object.ownerId);
+    if (is("isansinullson") || is("execisansinullson"))
+        return yes(object.ansiNulls);
+    if (is("isquotedidenton") || is("execisquotedidenton"))
+        return yes(object.quotedIdentifier);
+    if (kind != ObjectKind::UserTable)
+        return null(call);
+    if (is("tablehasidentity"))
+        return yes(object.identityColumn() != nullptr);
+    if (is("tablehasprimarykey"))
+        return yes(object.primaryKey() != nullptr);
+    if (is("tablehasforeignkey"))
+        return yes(!object.foreignKeys.empty());
+    if (is("tablehasforeignref"))
+        return yes(!object.referencedBy.empty());
+    if (is("tablehascheckcnst"))
+        return yes(!object.checks.empty());
+    if (is("tablehasindex"))
+        return yes(!object.indexes.empty());
+    if (is("tablehasclustindex"))
+        return yes(hasClusteredIndex(object));
+    if (is("tablehasuniquecnst"))
+        return yes(std::any_of(object.indexes.begin(), object.indexes.end(),
+                               [](const Index& index) { return index.uniqueConstraint; }));
+    if (is("tablehasdefaultcnst"))
+        return yes(std::any_of(object.columns.begin(), object.columns.end(),
+                               [](const Column& column) { return column.defaultId != 0; }));
+    if (is("tablehastimestamp"))
+        return yes(std::any_of(object.columns.begin(), object.columns.end(),
+                               [](const Column& column) { return column.type.id == TypeId::Timestamp; }));
+    null(call);
+}
+
+int storedLength(const Column& column)
+{
+    const bool twoBytes =
+        isUnicode(column.type.id) && column.type.length != maxLength && !isLegacyLob(column.type.id);
+    return twoBytes ? column.type.length * 2 : column.type.length;
+}
+
+void columnLength(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNamed(session, call.text(0));
+    const Column* column = found ? found->column(std::string(call.text(1))) : nullptr;
+    return column != nullptr ? call.result(storedLength(*column)) : null(call);
+}
+
+void columnName(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    const Column* column = found ? found->column(static_cast<int>(call.integer(1))) : nullptr;
+    return column != nullptr ? call.result(std::string_view(column->name)) : null(call);
+}
+
+// columnproperty(id, column, property)
+void columnProperty(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    const Column* column = found ? found->column(std::string(call.text(1))) : nullptr;
+    if (column == nullptr)
+        return null(call);
+    const std::string property = lowerCase(call.text(2));
+    const auto is = [&property](const char* name) { return property == name; };
+    if (is("allowsnull"))
+        return call.result(column->nullable ? 1 : 0);
+    if (is("isidentity"))
+        return call.result(column->identity ? 1 : 0);
+    if (is("iscomputed"))
+        return call.result(column->computed ? 1 : 0);
+    if (is("isrowguidcol"))
+        return call.result(column->rowGuid ? 1 : 0);
+    if (is("isidnotforrepl"))
+        return call.result(column->identity && column->identity->notForReplication ? 1 : 0);
+    if (is("usesansitrim"))
+        return isCharacter(column->type.id) || isBinary(column->type.id)
+                   ? call.result(column->ansiPadded ? 1 : 0)
+                   : null(call);
+    if (is("precision")) {
+        const bool sized = isCharacter(column->type.id) || isBinary(column->type.id);
+        return call.result(sized ? column->type.length : int{column->type.precision});
+    }
+    if (is("scale"))
+        return isCharacter(column->type.id) ? null(call) : call.result(int{column->type.scale});
+    if (is("columnid") || is("ordinal"))
+        return call.result(column->id);
+    null(call);
+}
+
+// index_col(table, indid, key)
+void indexColumn(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNamed(session, call.text(0));
+    const Index* index = found ? found->index(static_cast<int>(call.integer(1))) : nullptr;
+    const std::int64_t key = call.integer(2);
+    if (index == nullptr || key < 1 || key > static_cast<std::int64_t>(index->keys.size()))
+        return null(call);
+    const Column* column = found->column(index->keys[static_cast<std::size_t>(key - 1)].columnId);
+    call.result(std::string_view(column->name));
+}
+
+// indexproperty(id, index, property)
+void indexProperty(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    const Index* index = found ? found->index(std::string(call.text(1))) : nullptr;
+    if (index == nullptr)
+        return null(call);
+    const std::string property = lowerCase(call.text(2));
+    if (property == "isunique")
+        return call.result(index->unique ? 1 : 0);
+    if (property == "isclustered")
+        return call.result(index->clustered ? 1 : 0);
+    if (property == "indexid")
+        return call.result(index->id);
+    if (property == "indexfillfactor")
+        return call.result(index->fillFactor);
+    if (property == "ispadindex")
+        return call.result(index->padded ? 1 : 0);
+    if (property == "isdisabled")
+        return call.result(index->enabled ? 0 : 1);
+    if (property == "isstatistics" || property == "ishypothetical" || property == "isfulltextkey")
+        return call.result(0);
+    null(call);
+}
+
+// indexkey_property(id, indid, key, property)
+void indexKeyProperty(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    const Index* index = found ? found->index(static_cast<int>(call.integer(1))) : nullptr;
+    const std::int64_t key = call.integer(2);
+    if (index == nullptr || key < 1 || key > static_cast<std::int64_t>(index->keys.size()))
+        return null(call);
+    const IndexKey& part = index->keys[static_cast<std::size_t>(key - 1)];
+    const std::string property = lowerCase(call.text(3));
+    if (property == "columnid")
+        return call.result(part.columnId);
+    return property == "isdescending" ? call.result(part.descending ? 1 : 0) : null(call);
+}
+
+const Column* identityOf(SessionState& session, const Call& call, ObjectPtr& table)
+{
+    table = objectNamed(session, call.text(0));
+    return table ? table->identityColumn() : nullptr;
+}
+
+void identCurrent(SessionState& session, const Call& call)
+{
+    ObjectPtr table;
+    const Column* column = identityOf(session, call, table);
+    if (column == nullptr)
+        return null(call);
+    call.result(
+        session.catalog().lastIdentity(table->databaseId, table->id).value_or(column->identity->seed));
+}
+
+void identSeed(SessionState& session, const Call& call)
+{
+    ObjectPtr table;
+    const Column* column = identityOf(session, call, table);
+    return column != nullptr ? call.result(column->identity->seed) : null(call);
+}
+
+void identIncrement(SessionState& session, const Call& call)
+{
+    ObjectPtr table;
+    const Column* column = identityOf(session, call, table);
+    return column != nullptr ? call.result(column->identity->increment) : null(call);
+}
+
+// typeproperty(type, property)
+void typeProperty(SessionState&, const Call& call)
+{
+    const TypeId id = typeByName(lowerCase(call.text(0)));
+    if (id == TypeId::Null)
+        return null(call);
+    const SqlType type = defaultType(id, true);
+    const std::string property = lowerCase(call.text(1));
+    if (property == "precision") {
+        const bool text = isCharacter(id) || isBinary(id);
+        const int widest = isUnicode(id) ? 4000 : 8000;
+        return call.result(text            ? (isLegacyLob(id) ? type.length : widest)
+                           : isDecimal(id) ? 38
+                                           : int{type.precision});
+    }
+    if (property == "scale")
+        return isDecimal(id) ? call.result(38) : null(call);
+    return property == "allowsnull" ? call.result(1) : null(call);
+}
+
+void typeIdNamed(SessionState& session, const Call& call)
+{
+    Statement query(session.connection(), "SELECT xusertype FROM sys_type WHERE name = ?1");
+    query.bind(1, call.text(0));
+    return query.step() ? call.result(query.integer(0)) : null(call);
+}
+
+void typeNameNumbered(SessionState& session, const Call& call)
+{
+    Statement query(session.connection(), "SELECT name FROM sys_type WHERE xusertype = ?1");
+    query.bind(1, call.integer(0));
+    return query.step() ? call.result(query.text(0)) : null(call);
+}
+
+void statsDate(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    return found && found->index(static_cast<int>(call.integer(1))) != nullptr ? call.result(found->created)
+                                                                               : null(call);
+}
+
+void objectDefinition(SessionState& session, const Call& call)
+{
+    const ObjectPtr found = objectNumbered(session, call.integer(0));
+    return found && !found->text.empty() ? call.result(std::string_view(found->text)) : null(call);
+}
+
+} // namespace
+
+void registerObjectFunctions(SessionState& session)
+{
+    defineSessionFunction(session, "s_object_id", -1, objectId);
+    defineSessionFunction(session, "s_object_name", -1, objectName);
+    defineSessionFunction(session, "s_objectproperty", 2, objectProperty);
+    defineSessionFunction(session, "s_object_definition", 1, objectDefinition);
+    defineSessionFunction(session, "s_col_length", 2, columnLength);
+    defineSessionFunction(session, "s_col_name", 2, columnName);
+    defineSessionFunction(session, "s_columnproperty", 3, columnProperty);
+    defineSessionFunction(session, "s_index_col", 3, indexColumn);
+    defineSessionFunction(session, "s_indexproperty", 3, indexProperty);
+    defineSessionFunction(session, "s_indexkey_property", 4, indexKeyProperty);
+    defineSessionFunction(session, "s_ident_current", 1, identCurrent);
+    defineSessionFunction(session, "s_ident_seed", 1, identSeed);
+    defineSessionFunction(session, "s_ident_incr", 1, identIncrement);
+    defineSessionFunction(session, "s_typeproperty", 2, typeProperty);
+    defineSessionFunction(session, "s_type_id", 1, typeIdNamed);
+    defineSessionFunction(session, "s_type_name", 1, typeNameNumbered);
+    defineSessionFunction(session, "s_stats_date", 2, statsDate);
+}
+
+} // namespace practice

@@ -1,0 +1,450 @@
+#include "engine/session/session_state.h"
+
+#include "engine/api/collecting_sink.h"
+#include "engine/binder/ddl_types.h"
+#include "engine/binder/parsed_texts.h"
+#include "engine/catalog/catalog_functions.h"
+#include "engine/functions/sql_functions.h"
+#include "engine/messages/errors.h"
+#include "types/conversion.h"
+#include "types/date_time.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace practice {
+
+namespace {
+
+std::string suffixOf(int spid)
+{
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "___________%012X", static_cast<unsigned>(spid));
+    return text.data();
+}
+
+/// Conversion of SET and of parameters: what is too long is cut, anything else fails as usual.
+Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to)
+{
+    if (value.isNull() || from == to)
+        return value;
+    try {
+        return convert(value, from, to);
+    } catch (const ConversionError& error) {
+        throw SqlError{messageOf(error)};
+    }
+}
+
+} // namespace
+
+SqlType declaredType(SessionState&, const ast::DataType& type)
+{
+    return resolveDeclaredType(type, 1, "parameter", "");
+}
+
+SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
+                           int spid, LoginRequest client, Login login)
+    : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
+      login_(std::move(login)), store_(dataDirectory / "store.db"), temporarySuffix_(suffixOf(spid))
+{
+    registerSqlFunctions(connection());
+    registerCatalogFunctions(connection());
+    registerSessionFunctions(*this);
+    catalog_ = std::make_unique<Catalog>(connection());
+    snapshot_ = Statement(connection(), "SELECT version FROM cat_version", true);
+}
+
+SessionState::~SessionState()
+{
+    store_.rollback();
+}
+
+DatabasePtr SessionState::database()
+{
+    if (!frames_.empty() && frames_.back()->database)
+        return frames_.back()->database;
+    DatabasePtr found = catalog_->database(databaseId_);
+    // A database may vanish under a session that stands in it.
+    return found ? found : catalog_->database(1);
+}
+
+const Principal& SessionState::user()
+{
+    const int databaseId = database()->id;
+    const std::uint64_t version = catalog_->version();
+    if (userDatabase_ != databaseId || userVersion_ != version) {
+        const auto found = catalog_->userOf(databaseId, login_);
+        user_ = found ? *found : Principal{2, "guest", "", false, false, true};
+        userDatabase_ = databaseId;
+        userVersion_ = version;
+    }
+    return user_;
+}
+
+void SessionState::useDatabase(const std::string& name)
+{
+    catalog_->version();
+    const DatabasePtr found = catalog_->database(name);
+    if (!found)
+        raise(911, {name});
+    if ((found->options & Offline) != 0)
+        raise(942, {found->name});
+    if (!catalog_->userOf(found->id, login_))
+        raise(916, {login_.name, found->name});
+    const std::string before = std::exchange(databaseName_, found->name);
+    databaseId_ = found->id;
+    sink().environment(EnvironmentChange::Database, found->name, before);
+    inform(5701, {found->name});
+}
+
+void SessionState::sendMessage(Message message)
+{
+    if (!frames_.empty()) {
+        message.line = frame().line;
+        if (message.procedure.empty())
+            message.procedure = frame().procedure;
+    }
+    sink().message(message);
+}
+
+std::unique_ptr<Frame> SessionState::popFrame()
+{
+    std::unique_ptr<Frame> top = std::move(frames_.back());
+    frames_.pop_back();
+    return top;
+}
+
+Variable& SessionState::variable(const std::string& name)
+{
+    const auto found = frame().variables.find(lowerCase(name));
+    if (found == frame().variables.end())
+        raise(137, {name});
+    return found->second;
+}
+
+void SessionState::declare(const std::string& name, const SqlType& type)
+{
+    frame().variables[lowerCase(name)] = {type, {}};
+}
+
+void SessionState::assign(const std::string& name, const Value& value, const SqlType& type)
+{
+    Variable& target = variable(name);
+    target.value = convertedForVariable(value, type, target.type);
+}
+
+const Value* SessionState::liveVariable(const std::string& name, SqlType& type)
+{
+    const auto found = frame().variables.find(name);
+    if (found == frame().variables.end())
+        return nullptr;
+    type = found->second.type;
+    return &found->second.value;
+}
+
+BindContext SessionState::bindContext()
+{
+    return {*this,
+            database(),
+            user().id,
+            [this](const std::string& name) -> std::optional<SqlType> {
+                if (frames_.empty())
+                    return std::nullopt;
+                const auto found = frame().variables.find(name);
+                return found == frame().variables.end() ? std::nullopt : std::optional(found->second.type);
+            },
+            [this](const std::string& name) {
+                const auto found = frame().tableVariables.find(name);
+                return found == frame().tableVariables.end() ? std::string()
+                                                             : temporaryName(*this, found->second);
+            },
+            !frames_.empty() && frame().procedureId != 0};
+}
+
+CompiledBatchPtr SessionState::compile(const std::string& text, const std::string& family)
+{
+    const std::string key = family + (options_.quotedIdentifier ? "\n1" : "\n0") + text;
+    if (CompiledBatchPtr known = cache_.find(key))
+        return known;
+    auto compiled = std::make_shared<CompiledBatch>();
+    compiled->text = text;
+    compiled->batch = parsedBatch(text, options_.quotedIdentifier);
+    cache_.insert(key, compiled);
+    return compiled;
+}
+
+void SessionState::limitPlans()
+{
+    constexpr std::size_t mostPlans = 1000;
+    if (frames_.size() == 1 && frame().compiled->plans.size() > mostPlans)
+        frame().compiled->plans.clear();
+}
+
+void SessionState::bindSlots(sqlite3_stmt* statement, const std::vector<ParameterSlot>& slots)
+{
+    int place = 0;
+    for (const ParameterSlot& slot : slots) {
+        ++place;
+        if (slot.kind == ParameterSlot::Kind::Variable)
+            bindStorage(statement, place, variable(slot.name).value, slot.type);
+        else
+            bindStorage(statement, place, globalValue(slot.name), slot.type);
+    }
+}
+
+QueryPlan& SessionState::scalarPlan(const ast::Expression& expression, bool condition)
+{
+    if (auto* known = findPlan<QueryPlan>(&expression))
+        return *known;
+    Translator translator(bindContext());
+    Scope scope;
+    Term term;
+    if (condition)
+        term = resultTerm(translator.condition(expression, scope), intType());
+    else
+        term = translator.expression(expression, scope);
+    auto plan = std::make_unique<QueryPlan>();
+    plan->columns.push_back({"", term.type, term.collation});
+    plan->slots = translator.parameters();
+    plan->statement = Statement(connection(), "SELECT " + term.sql, true);
+    return keepPlan(&expression, std::move(plan));
+}
+
+Variable SessionState::evaluate(const ast::Expression& expression)
+{
+    if (const auto* name = ast::tryAs<ast::Variable>(&expression); name != nullptr && !name->isGlobal())
+        return variable(name->name);
+    QueryPlan& plan = scalarPlan(expression, false);
+    bindSlots(plan.statement.handle(), plan.slots);
+    Variable result{plan.columns.front().type, {}};
+    if (plan.statement.step())
+        decodeColumn(plan.statement.handle(), 0, result.type, result.value);
+    plan.statement.reset();
+    return result;
+}
+
+Value SessionState::evaluate(const ast::Expression& expression, const SqlType& target)
+{
+    const Variable result = evaluate(expression);
+    requireConversion(result.type, target, Conversion::Implicit);
+    return convertedForVariable(result.value, result.type, target);
+}
+
+bool SessionState::isTrue(const ast::Expression& condition)
+{
+    QueryPlan& plan = scalarPlan(condition, true);
+    bindSlots(plan.statement.handle(), plan.slots);
+    const bool result = plan.statement.step() && plan.statement.integer(0) != 0;
+    plan.statement.reset();
+    return result;
+}
+
+void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error)
+{
+    Completion completion;
+    completion.kind = frames_.empty() ? Completion::Kind::Statement : frame().completion;
+    if (!options_.noCount)
+        completion.rows = rows;
+    completion.command = command;
+    completion.error = error;
+    completion.inTransaction = transactionCount_ > 0;
+    sink().done(completion);
+}
+
+void SessionState::beginStatement()
+{
+    clockRead_ = false;
+    if (!store_.inTransaction()) {
+        snapshot_.reset();
+        snapshot_.step();
+    }
+    catalog_->version();
+}
+
+const DateTimeValue& SessionState::now(bool utc)
+{
+    if (!clockRead_) {
+        localNow_ = currentLocalTime();
+        utcNow_ = currentUtcTime();
+        clockRead_ = true;
+    }
+    return utc ? utcNow_ : localNow_;
+}
+
+std::int64_t SessionState::nextTimestamp()
+{
+    execute(connection(), "UPDATE engine_timestamp SET value = value + 1");
+    Statement stamp(connection(), "SELECT value FROM engine_timestamp");
+    return stamp.step() ? stamp.integer(0) : 0;
+}
+
+void SessionState::runText(const std::string& text)
+{
+    runNested_(text);
+}
+
+std::vector<std::vector<Value>> SessionState::queryText(const std::string& text)
+{
+    CollectingSink collected;
+    ResultSink* before = std::exchange(sink_, &collected);
+    try {
+        runText(text);
+    } catch (...) {
+        sink_ = before;
+        throw;
+    }
+    sink_ = before;
+    return std::move(collected.rows);
+}
+
+namespace {
+
+/// The columns of a table under the names that its rows have in the store, without qualifier.
+Scope tableScope(Translator& translator, const Object& table)
+{
+    Scope scope;
+    translator.addStoredTable(std::make_shared<Object>(table), {.exposed = table.name, .shown = table.name},
+                              scope);
+    return scope;
+}
+
+} // namespace
+
+std::string SessionState::translateScalar(const Object* table, const std::string& text, const SqlType& target)
+{
+    Translator translator(bindContext());
+    translator.standsAlone = true;
+    Scope scope = table != nullptr ? tableScope(translator, *table) : Scope();
+    const auto tree = parsedExpression(text);
+    return convertTerm(translator.expression(*tree, scope), target, Conversion::Assignment).sql;
+}
+
+std::string SessionState::translateCondition(const Object& table, const std::string& text)
+{
+    Translator translator(bindContext());
+    translator.standsAlone = true;
+    Scope scope = tableScope(translator, table);
+    const auto tree = parsedCondition(text);
+    return translator.condition(*tree, scope);
+}
+
+SqlType SessionState::typeOfExpression(const Object* table, const std::string& text)
+{
+    Translator translator(bindContext());
+    translator.standsAlone = true;
+    Scope scope = table != nullptr ? tableScope(translator, *table) : Scope();
+    const auto tree = parsedExpression(text);
+    return translator.expression(*tree, scope).type;
+}
+
+std::string SessionState::convertExpression(const std::string& sqlite, const SqlType& from, const SqlType& to)
+{
+    return convertTerm(resultTerm(sqlite, from), to, Conversion::Assignment).sql;
+}
+
+std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& query)
+{
+    Translator translator(bindContext());
+    std::vector<ColumnInfo> columns;
+    for (const QueryColumn& column : translator.statement(query.query).columns)
+        columns.push_back({column.name, column.type, column.nullable, column.identity, column.updatable});
+    return columns;
+}
+
+void SessionState::dropTemporaryTables(std::vector<std::string>& names)
+{
+    CollectingSink ignored;
+    ResultSink* before = std::exchange(sink_, &ignored);
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        try {
+            if (catalog_->object(2, "", temporaryName(*this, *name)))
+                runText("DROP TABLE [" + *name + "]");
+        } catch (const SqlError&) {
+            continue; // a doomed transaction takes it along
+        }
+    }
+    names.clear();
+    sink_ = before;
+}
+
+void SessionState::keepTemporaryTables(std::vector<std::string> names,
+                                       const std::unordered_map<std::string, std::string>& tableVariables)
+{
+    temporaryTables_.insert(temporaryTables_.end(), names.begin(), names.end());
+    std::vector<std::string> ended;
+    for (const auto& [variable, stored] : tableVariables)
+        ended.push_back(stored);
+    dropTemporaryTables(ended);
+}
+
+void SessionState::createTableVariable(const ast::Declaration& declaration)
+{
+    std::uint32_t begin = UINT32_MAX;
+    std::uint32_t end = 0;
+    const auto cover = [&begin, &end](const ast::SourceRange& range) {
+        begin = std::min(begin, range.begin);
+        end = std::max(end, range.end);
+    };
+    for (const ast::ColumnDefinition& column : declaration.table->columns)
+        cover(column.source);
+    for (const ast::TableConstraint& constraint : declaration.table->constraints)
+        cover(constraint.source);
+    const std::string name = "#" + declaration.name.substr(1) + "_" + std::to_string(++tableVariables_);
+    const std::string elements(batchText().substr(begin, end - begin));
+    runText("CREATE TABLE [" + name + "] (" + elements + ")");
+    frame().tableVariables[lowerCase(declaration.name)] = name;
+}
+
+bool SessionState::catchesErrors() const
+{
+    return std::any_of(frames_.begin(), frames_.end(), [](const auto& frame) { return frame->tryDepth > 0; });
+}
+
+Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op, const Variable& right)
+{
+    // The compound assignments stand in the order of the operators that they are made of.
+    const auto binary = static_cast<ast::BinaryOperator>(static_cast<int>(op) - 1);
+    const Term term =
+        arithmetic(binary, constantTerm(left.value, left.type), constantTerm(right.value, right.type));
+    Statement statement(connection(), "SELECT " + term.sql);
+    Variable result{term.type, {}};
+    if (statement.step())
+        decodeColumn(statement.handle(), 0, result.type, result.value);
+    return result;
+}
+
+void SessionState::returnTo(const DatabasePtr& database)
+{
+    if (database->id == databaseId_ || (hasFrame() && frame().database))
+        return;
+    sink().environment(EnvironmentChange::Database, database->name, databaseName_);
+    databaseId_ = database->id;
+    databaseName_ = database->name;
+}
+
+void SessionState::abandon()
+{
+    frames_.clear();
+    nestLevel_ = 0;
+    if (transactionCount_ == 0)
+        store_.rollback();
+}
+
+void SessionState::reset()
+{
+    rollbackAll();
+    dropTemporaryTables(temporaryTables_);
+    while (!frames_.empty())
+        frames_.pop_back();
+    options_ = {};
+    store_.setLockTimeout(-1);
+    lastError = 0;
+    lastRowCount = 0;
+    lastIdentity.reset();
+    scopeIdentity.reset();
+    globalCursors.clear();
+    preparedTexts.clear();
+}
+
+} // namespace practice
