@@ -12,11 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-void Ejecuta_SQL(const QString& texto)
-{
-    ConexionSQL.Execute(texto, nullptr, -1);
-}
-
 void EliminaBase(const QString& nombre)
 {
     BaseDatosActual = nombre;

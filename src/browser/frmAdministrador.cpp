@@ -67,7 +67,6 @@ try {
 void frmAdministrador::Form_Unload(bool& /*cancel*/)
 try {
     controls::setVisible(::mdiPrincipal->mnuBaseDatos, false);
-    ::frmAdministrador.clear();
 } catch (...) {
     InformaError(u"Form_Unload"_s);
 }

@@ -55,16 +55,24 @@ try {
     return false;
 }
 
-bool CreaRecordset(ado::Connection& Conexion, ado::Recordset& Registros, const QString& Texto)
+bool CreaRecordset(ado::Connection& Conexion, ado::Recordset& Registros, const QString& Texto,
+                   std::optional<int> Bloqueo)
 try {
     Registros = ado::Recordset();
     Registros.setCursorType(CursorClaves);
     Registros.setCursorLocation(LadoCliente);
+    if (Bloqueo)
+        Registros.setLockType(*Bloqueo);
     Registros.Open(Texto, Conexion, -1, -1, TextoDeOrden);
     return true;
 } catch (...) {
     InformaError(u"CreaRecordset"_s, u"Error cargando datos."_s);
     return false;
+}
+
+void Ejecuta_SQL(const QString& Texto)
+{
+    ConexionSQL.Execute(Texto, nullptr, -1);
 }
 
 QString BuscaRegistro(ado::Connection& Conexion, const QString& Tabla, const QString& CampoResultado,

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <initializer_list>
+#include <optional>
 
 namespace controls {
 class ComboBox;
@@ -32,8 +33,13 @@ struct Condicion
 /// An earlier connection is let go, not closed. False after the error was shown.
 bool Conecta_SQL(ado::Connection& Conexion, const QString& BaseDatos);
 
-/// Opens a client-side, keyset recordset on the text. False after the error was shown.
-bool CreaRecordset(ado::Connection& Conexion, ado::Recordset& Registros, const QString& Texto);
+/// Opens a client-side, keyset recordset on the text, with the lock type when one is given. False after the
+/// error was shown.
+bool CreaRecordset(ado::Connection& Conexion, ado::Recordset& Registros, const QString& Texto,
+                   std::optional<int> Bloqueo = {});
+
+/// Runs one statement on the session, without records.
+void Ejecuta_SQL(const QString& Texto);
 
 /// The first column of the first row of `Tabla` (behind PrefijoBD) that meets the conditions, "" when
 /// none does. The first text condition compares with "=", the others with "Like"; up to five.

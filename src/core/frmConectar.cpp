@@ -34,11 +34,6 @@ void frmConectar::Form_Activate()
     PonIdioma();
 }
 
-void frmConectar::Form_Unload(bool& /*cancel*/)
-{
-    ::frmConectar.clear();
-}
-
 void frmConectar::PonIdioma()
 try {
     PonTexto(this, u"Conectar"_s, u"Connect"_s);

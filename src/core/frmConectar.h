@@ -18,7 +18,6 @@ public:
 protected:
     void Form_Load() override;
     void Form_Activate() override;
-    void Form_Unload(bool& cancel) override;
 };
 
 } // namespace formularios

@@ -27,7 +27,6 @@ try {
     Idioma = optEspañol->isChecked() ? Español : Ingles;
     if (CrearClave(HKEY_CURRENT_USER, ClaveRegistro))
         EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(Idioma), ValorNumero);
-    ::frmIdioma.clear();
 } catch (...) {
     InformaError(u"Form_Unload"_s);
 }

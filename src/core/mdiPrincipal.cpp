@@ -41,11 +41,6 @@ void mdiPrincipal::MDIForm_Activate()
     PonIdioma();
 }
 
-void mdiPrincipal::MDIForm_Unload(bool& /*cancel*/)
-{
-    ::mdiPrincipal.clear();
-}
-
 void mdiPrincipal::PonIdioma()
 try {
     PonIdiomaArchivo();

@@ -21,7 +21,6 @@ public:
 protected:
     void MDIForm_Load() override;
     void MDIForm_Activate() override;
-    void MDIForm_Unload(bool& cancel) override;
 
 private:
     void PonIdiomaArchivo();

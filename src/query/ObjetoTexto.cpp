@@ -27,10 +27,10 @@ bool CapturaTextoObjeto_SQL(const ClaseObjeto& clase, const QString& nombre, QSt
 
 void ReemplazaObjeto_SQL(const ClaseObjeto& clase, const QString& nombreObjeto, const QString& texto)
 {
-    ConexionSQL.Execute(u"USE "_s + BaseDatosActual, nullptr, -1);
+    Ejecuta_SQL(u"USE "_s + BaseDatosActual);
     if (!nombreObjeto.isEmpty())
-        ConexionSQL.Execute(clase.prefijoBorra + nombreObjeto, nullptr, -1);
-    ConexionSQL.Execute(texto, nullptr, -1);
+        Ejecuta_SQL(clase.prefijoBorra + nombreObjeto);
+    Ejecuta_SQL(texto);
     PrefijoBD = BaseDatosActual + u".."_s;
 }
 

@@ -16,8 +16,6 @@ namespace formularios {
 namespace {
 
 constexpr int TeclaF5 = 116;
-constexpr int CursorClaves = 1;     // keyset
-constexpr int LadoCliente = 3;      // client-side cursor
 constexpr int BloqueoOptimista = 3; // what sets this copy of CreaRecordset apart
 
 } // namespace
@@ -62,11 +60,6 @@ try {
     InformaError(u"Form_Activate"_s);
 }
 
-void frmAnalizadorConsultas::Form_Unload(bool& /*cancel*/)
-{
-    ::frmAnalizadorConsultas.clear();
-}
-
 void frmAnalizadorConsultas::CargaComboBDSQL()
 try {
     cboBD->Clear();
@@ -85,15 +78,8 @@ try {
 
 void frmAnalizadorConsultas::CreaRecordset(ado::Connection& Conexion, ado::Recordset& Registros,
                                            const QString& Texto, bool& Correcto)
-try {
-    Registros = ado::Recordset();
-    Registros.setCursorType(CursorClaves);
-    Registros.setCursorLocation(LadoCliente);
-    Registros.setLockType(BloqueoOptimista);
-    Registros.Open(Texto, Conexion, -1, -1, 1);
-    Correcto = true;
-} catch (...) {
-    InformaError(u"CreaRecordset"_s, u"Error cargando datos."_s);
+{
+    Correcto = ::CreaRecordset(Conexion, Registros, Texto, BloqueoOptimista);
 }
 
 void frmAnalizadorConsultas::cboBD_Click()
@@ -103,7 +89,7 @@ try {
     const QString base = cboBD->List(cboBD->ListIndex());
     if (base.isEmpty())
         return;
-    ConexionSQL.Execute(u"Use "_s + base, nullptr, -1);
+    Ejecuta_SQL(u"Use "_s + base);
 } catch (...) {
     InformaError(u"cboBD_Click"_s);
 }

@@ -32,7 +32,6 @@ public:
 protected:
     void Form_Load() override;
     void Form_Activate() override;
-    void Form_Unload(bool& cancel) override;
 
 private:
     /// What a run brought beside its rows.

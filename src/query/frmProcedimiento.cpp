@@ -45,11 +45,6 @@ try {
     InformaError(u"Form_Activate"_s);
 }
 
-void frmProcedimiento::Form_Unload(bool& /*cancel*/)
-{
-    ::frmProcedimiento.clear();
-}
-
 void frmProcedimiento::PonIdioma()
 try {
     PonIdiomaEditor(this, cmdAceptar, cmdCancelar);

@@ -23,7 +23,6 @@ public:
 protected:
     void Form_Load() override;
     void Form_Activate() override;
-    void Form_Unload(bool& cancel) override;
 
 private:
     QString NombreObjeto; ///< the loaded object; empty for a new one

@@ -44,11 +44,6 @@ try {
     InformaError(u"Form_Activate"_s);
 }
 
-void frmVista::Form_Unload(bool& /*cancel*/)
-{
-    ::frmVista.clear();
-}
-
 void frmVista::PonIdioma()
 try {
     PonIdiomaEditor(this, cmdAceptar, cmdCancelar);

@@ -134,7 +134,6 @@ TEST_F(Forms, ASlotMakesItsFormOnFirstUseAndAgainAfterItsUnload)
     EXPECT_EQ(&*slot, first);
     EXPECT_EQ(taken(), (QStringList{"sheet.Load", "sheet.Activate"}));
     slot->Unload();
-    slot.clear();
     EXPECT_FALSE(slot.exists());
     slot->Show();
     EXPECT_EQ(taken(), (QStringList{"sheet.QueryUnload", "sheet.Unload", "sheet.Load", "sheet.Activate"}));

@@ -83,6 +83,7 @@ bool MdiForm::Unload()
     m_loaded = false;
     loadedWindows().removeAll(this);
     hide();
+    emit unloaded();
     deleteLater();
     return true;
 }

@@ -40,6 +40,9 @@ public:
     void bringForward(QMdiSubWindow* frame);
     void release(QMdiSubWindow* frame);
 
+signals:
+    void unloaded();
+
 protected:
     virtual void MDIForm_Load() {}
     virtual void MDIForm_Activate() {}

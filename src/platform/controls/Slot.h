@@ -1,4 +1,4 @@
-// The one global instance of a form: made on first use, let go by the form's own unload.
+// The one global instance of a form: made on first use, let go when the form goes.
 #pragma once
 
 #include <QPointer>
@@ -16,8 +16,10 @@ public:
 
     F& operator*()
     {
-        if (!m_instance)
+        if (!m_instance) {
             m_instance = new F; // owned by its life as a window: deleted after its unload
+            QObject::connect(m_instance, &F::unloaded, m_instance, [this] { m_instance.clear(); });
+        }
         return *m_instance;
     }
     F* operator->()
@@ -27,7 +29,6 @@ public:
         return &instance;
     }
     [[nodiscard]] bool exists() const { return !m_instance.isNull(); }
-    void clear() { m_instance.clear(); }
 
 private:
     QPointer<F> m_instance;
