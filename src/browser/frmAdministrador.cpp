@@ -28,7 +28,7 @@ frmAdministrador::frmAdministrador() : ImageList1(new controls::ImageList(this))
     trvBD->setImageList(ImageList1);
     trvBD->setFiller([this](const controls::TreeView::Node* nodo) { AñadeCarpetas(nodo); });
     connect(trvBD, &controls::TreeView::Click, this, &frmAdministrador::trvBD_Click);
-    connect(trvBD, &controls::TreeView::MouseDown, this, &frmAdministrador::trvBD_MouseDown);
+    connect(trvBD, &controls::TreeView::MouseDown, this, &frmAdministrador::trvbd_MouseDown);
     connect(ltvTablas, &controls::ListView::MouseDown, this, &frmAdministrador::ltvTablas_MouseDown);
 }
 
@@ -149,7 +149,7 @@ try {
     InformaErrorYPuntero(u"trvBD_Click"_s);
 }
 
-void frmAdministrador::trvBD_MouseDown(int Button, int /*Shift*/, int x, int y)
+void frmAdministrador::trvbd_MouseDown(int Button, int /*Shift*/, int x, int y)
 try {
     auto* nodo = trvBD->HitTest({x, y});
     if (!nodo)

@@ -33,7 +33,7 @@ public:
     void GestionMenu(const QString& Clave);
 
     void trvBD_Click();
-    void trvBD_MouseDown(int Button, int Shift, int x, int y);
+    void trvbd_MouseDown(int Button, int Shift, int x, int y);
     void ltvTablas_MouseDown(int Button, int Shift, int x, int y);
 
     /// The selected node or item, or the text of the node's parent.

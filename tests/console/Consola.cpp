@@ -13,6 +13,7 @@
 #include "support/PracticeServer.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <ostream>
@@ -41,10 +42,39 @@ QString Lineas(const QStringList& lineas)
     return texto;
 }
 
-QString ServidorDePrueba()
+namespace {
+
+const support::PracticeServer& Servidor()
 {
     static const auto servidor = support::PracticeServer::start();
-    return u"127.0.0.1,"_s + QString::number(servidor->port());
+    return *servidor;
+}
+
+/// All that forms share goes back to what it is at the start of the program.
+void OlvidaLoCompartido()
+{
+    ConexionSQL = ado::Connection();
+    for (QString* texto : {&ProveedorSQL, &ServidorSQL, &UsuarioSQL, &ClaveSQL, &BaseDatosActual, &PrefijoBD,
+                           &Mensaje, &UsuarioActual, &LoginActual, &RutaUbicacion})
+        texto->clear();
+    Idioma = 0;
+    NuevaBD = false;
+    NuevaTabla = false;
+    GruposFicheros.Redim(UltimaFilaGrupos, UltimaColumnaGrupos);
+    controls::setMousePointer(controls::Pointer::Default);
+}
+
+} // namespace
+
+QString ServidorDePrueba()
+{
+    return u"127.0.0.1,"_s + QString::number(Servidor().port());
+}
+
+QString UltimaEnElServidor(const QString& comienzo)
+{
+    const QStringList llegadas = Servidor().statementLog().filter(QRegularExpression(u"^"_s + comienzo));
+    return llegadas.value(llegadas.size() - 1);
 }
 
 void Consola::SetUp()
@@ -65,10 +95,7 @@ void Consola::TearDown()
         ventana->Unload();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    ConexionSQL = ado::Connection();
-    PrefijoBD.clear();
-    BaseDatosActual.clear();
-    Mensaje.clear();
+    OlvidaLoCompartido();
     ado::setStatementObserver({});
     controls::setMessageBoxAnswerer({});
 }

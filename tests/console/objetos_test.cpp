@@ -13,6 +13,7 @@
 #include "support/PracticeServer.h"
 
 #include <QFile>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -113,6 +114,36 @@ TEST_F(Objetos, DropsATableAndReadsTheListAgain)
     EXPECT_EQ(Transcripcion(), Lineas({u"use Taller"_s, u"DROP TABLE Hija"_s, ConsultaTablas(u"Taller"_s)}));
     EXPECT_EQ(Avisos(), QList<Aviso>{});
     EXPECT_EQ(Elemento(u"Hija"_s), nullptr);
+}
+
+TEST_F(Objetos, TheRowUnderThePointerIsDroppedHoweverLittleOfItShows)
+{
+    ArrancaYConecta(Es);
+    QStringList sentencias{u"if db_id('Taller') is not null drop database Taller"_s,
+                           u"create database Taller"_s, u"use Taller"_s};
+    for (int n = 10; n < 60; ++n)
+        sentencias += u"create table aa%1 (id int)"_s.arg(n);
+    Ejecuta(sentencias);
+    Abre(::mdiPrincipal->mnuAdministrador);
+    Pulsa(u"DTTaller"_s);
+    auto* lista = ::frmAdministrador->ltvTablas;
+    for (const auto boton : {Qt::LeftButton, Qt::RightButton}) {
+        ::mdiPrincipal->mnuAnalizadorConsultas->trigger();
+        QTest::qWait(1);
+        ASSERT_EQ(::mdiPrincipal->ActiveForm()->Name(), u"frmAnalizadorConsultas"_s);
+        lista->verticalScrollBar()->setValue(boton == Qt::LeftButton ? 5 : 131);
+        const QPoint punto(20, lista->viewport()->height() - 2);
+        const QString visto = lista->HitTest(punto)->Text();
+        QTest::mouseClick(lista->viewport(), boton, {}, punto);
+        EXPECT_EQ(::mdiPrincipal->ActiveForm()->Name(), u"frmAdministrador"_s);
+        ASSERT_NE(lista->SelectedItem(), nullptr) << "the activation has read the list again";
+        EXPECT_EQ(::mdiPrincipal->mnuBaseDatos->isVisible(), boton == Qt::RightButton);
+        ::mdiPrincipal->mnuBaseDatos->close();
+        ::mdiPrincipal->mnuEliminar->trigger();
+        EXPECT_EQ(UltimaEnElServidor(u"DROP TABLE"_s), u"DROP TABLE "_s + visto);
+        EXPECT_EQ(Avisos(), QList<Aviso>{});
+        EXPECT_EQ(Elemento(visto), nullptr);
+    }
 }
 
 TEST_F(Objetos, ARefusedDropShowsTheErrorAndLeavesTheListAlone)

@@ -83,7 +83,8 @@ void ItemModel::clear()
 
 void ItemModel::announce()
 {
-    m_announcementDue = false;
+    if (!std::exchange(m_announcementDue, false))
+        return;
     m_announced = itemCount();
     while (!m_unheard.isEmpty()) {
         Item* const parent = m_unheard.constBegin().key();
@@ -94,6 +95,7 @@ void ItemModel::announce()
     }
     for (const Item* item : std::exchange(m_toOpen, {}))
         emit openAsked(indexOf(item), true);
+    emit announced();
 }
 
 void ItemModel::fillAll()

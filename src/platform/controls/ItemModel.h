@@ -64,6 +64,8 @@ public:
     Item* add(Item* above, const QString& key, const QString& text, const QIcon& icon = {});
     /// Null when no item has the key.
     [[nodiscard]] Item* find(const QString& key);
+    /// The same without making those that wait for the filler.
+    [[nodiscard]] Item* known(const QString& key) const { return m_keys.value(key); }
     void clear();
     void announce();
 
@@ -101,6 +103,8 @@ public:
 signals:
     /// The first item since the last announcement was added.
     void added();
+    /// The views know of all items.
+    void announced();
     void openAsked(const QModelIndex& index, bool open);
 
 private:

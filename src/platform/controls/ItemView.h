@@ -1,4 +1,6 @@
-// What trees and lists of keyed items have in common.
+// What trees and lists of keyed items have in common: one item at most is selected, and once selected only
+// another takes its place. The item under the pointer when a button goes down is the one that counts,
+// wherever the view scrolls or is filled anew while that press is handled.
 #pragma once
 
 #include "platform/controls/ItemModel.h"
@@ -14,14 +16,15 @@ class ItemView : public QTreeView
 public:
     explicit ItemView(QWidget* parent = nullptr);
 
-    void Clear() { m_items.clear(); }
+    /// Takes all items away. Filled again with the same items, the view shows those that it showed.
+    void Clear();
     /// The focus alone makes an item current; only a click, a key or code selects it. Null when nothing
     /// is selected.
     [[nodiscard]] Item* SelectedItem() const;
     /// Null selects nothing.
     void Select(const Item* item);
-    /// The item under a point of the viewport; null when there is none.
-    [[nodiscard]] Item* HitTest(const QPoint& point) const;
+    /// The item under a point of the viewport, those just added included; null when there is none.
+    [[nodiscard]] Item* HitTest(const QPoint& point);
     /// Scrolls to an item.
     void EnsureVisible(const Item* item);
     /// Where an item stands in the viewport; empty for one below a closed node.
@@ -38,10 +41,25 @@ protected:
     [[nodiscard]] const ItemModel& items() const { return m_items; }
 
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const override;
 
 private:
+    /// The item at the upper edge, to be found again after the view was filled anew.
+    struct Place
+    {
+        QString key;
+        QString text;
+        int offset = 0; ///< of its upper edge from the viewport's, in pixels
+    };
+
+    void restorePlace();
+    [[nodiscard]] bool selectByKey(const QKeyEvent& event);
+
     ItemModel m_items;
+    Place m_place;
 };
 
 } // namespace controls

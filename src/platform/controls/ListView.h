@@ -21,6 +21,8 @@ public:
 
     /// Adds an item at the end. Error 35602 when the key stands in the list.
     ListItem* Add(const QString& key, const QString& text) { return items().add(nullptr, key, text); }
+    /// Null when no item has the key.
+    [[nodiscard]] ListItem* Find(const QString& key) { return items().find(key); }
     [[nodiscard]] int ListCount() const { return items().topCount(); }
     /// From 0. Error 9 outside the list.
     [[nodiscard]] ListItem* Item(int index) const;

@@ -34,7 +34,7 @@ int TreeView::Count()
 
 void TreeView::mousePressEvent(QMouseEvent* event)
 {
-    m_pressed = event->button() == Qt::LeftButton;
+    m_pressed = event->button() == Qt::LeftButton && HitTest(event->position().toPoint());
     ItemView::mousePressEvent(event);
 }
 
