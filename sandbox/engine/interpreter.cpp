@@ -55,6 +55,28 @@ bool terminates(const ast::Statement& statement, const SqlError& error)
     }
 }
 
+std::uint16_t commandOf(const ast::Statement& statement)
+{
+    switch (statement.kind) {
+    case Kind::Select:
+    case Kind::SetVariable:
+    case Kind::Declare:
+    case Kind::Fetch:
+        return commands::select;
+    case Kind::Insert:
+        return commands::insertRows;
+    case Kind::Update:
+        return commands::updateRows;
+    case Kind::Delete:
+        return commands::deleteRows;
+    case Kind::Execute:
+    case Kind::ExecuteString:
+        return commands::execute;
+    default:
+        return commands::other;
+    }
+}
+
 /// Lets go of the statement's view of the store however it ends.
 class StatementEnd
 {
@@ -82,7 +104,7 @@ void Interpreter::runBatch(const std::string& text)
         // The batch could not be read, or a fault came from outside any statement.
         session_.sink().message(error.message);
         session_.lastError = error.message.number;
-        session_.done(std::nullopt, 0, true);
+        session_.done(std::nullopt, commands::other, true);
     } catch (const BatchAborted&) {
         // reported already
     } catch (const ScopeAborted&) {
@@ -96,7 +118,7 @@ void Interpreter::runBatch(const std::string& text)
     if (session_.doomed) {
         session_.rollbackAll();
         session_.sendMessage(makeMessage(3998));
-        session_.done(std::nullopt, 0, true);
+        session_.done(std::nullopt, commands::other, true);
     }
 }
 
@@ -104,7 +126,7 @@ void Interpreter::runNested(const std::string& text)
 {
     auto frame = std::make_unique<Frame>();
     frame->compiled = session_.compile(text);
-    frame->completion = Completion::Kind::InProcedure;
+    frame->silent = true;
     frame->tryDepth = 1; // so that errors come back to the caller
     if (session_.hasFrame()) {
         frame->procedure = session_.frame().procedure;
@@ -171,14 +193,14 @@ Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
     return Flow::Next;
 }
 
-void Interpreter::report(const Message& message, bool terminated)
+void Interpreter::report(const Message& message, std::uint16_t command, bool terminated)
 {
     session_.sendMessage(message);
     session_.lastError = message.number;
     session_.lastRowCount = 0;
     if (terminated)
         session_.sendMessage(makeMessage(3621));
-    session_.done(std::nullopt, 0, true);
+    session_.done(std::nullopt, command, true);
     const bool aborted = abortsBatch(message.number);
     const bool all = endsTransaction(message.number) ||
                      (session_.options().xactAbort && !aborted && message.number != 50000);
@@ -190,6 +212,13 @@ void Interpreter::report(const Message& message, bool terminated)
         throw ScopeAborted{};
 }
 
+/// A statement that a TRY block watches over ends without a word of its error: one of rows with none.
+void Interpreter::closeCaught(const ast::Statement& statement)
+{
+    const bool counts = statement.kind <= Kind::Delete;
+    session_.done(counts ? std::optional<std::uint64_t>(0) : std::nullopt, commandOf(statement));
+}
+
 template <typename Work>
 void Interpreter::guarded(const ast::Statement& statement, Work work)
 {
@@ -198,9 +227,11 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         if (message.procedure.empty())
             message.procedure = session_.frame().procedure;
         message.line = session_.frame().line;
-        if (session_.catchesErrors())
+        if (session_.catchesErrors()) {
+            closeCaught(statement);
             throw SqlError(std::move(error));
-        report(message, terminates(statement, error));
+        }
+        report(message, commandOf(statement), terminates(statement, error));
         if (statement.kind == Kind::Throw)
             throw BatchAborted{};
     };
@@ -229,7 +260,12 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
         statement.kind == Kind::Continue || statement.kind == Kind::Goto || statement.kind == Kind::Label;
     if (structured)
         return controlled(statement);
-    guarded(statement, [this, &statement] { simple(statement); });
+    session_.frame().closed = false;
+    guarded(statement, [this, &statement] {
+        simple(statement);
+        if (!session_.frame().closed && statement.kind != Kind::Declare)
+            session_.done(std::nullopt, commandOf(statement));
+    });
     return Flow::Next;
 }
 
@@ -344,8 +380,7 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::Truncate:
         return executeTruncate(session_, ast::as<ast::TruncateStatement>(node));
     case Kind::Use:
-        session_.useDatabase(ast::as<ast::UseStatement>(node).database);
-        return session_.done(std::nullopt, 0);
+        return session_.useDatabase(ast::as<ast::UseStatement>(node).database);
     case Kind::Declare:
         return declare(ast::as<ast::DeclareStatement>(node));
     case Kind::SetVariable:
@@ -378,7 +413,7 @@ void Interpreter::simple(const ast::Statement& node)
         return kill(ast::as<ast::KillStatement>(node));
     case Kind::Checkpoint:
     case Kind::Reconfigure:
-        return session_.done(std::nullopt, 0);
+        return;
     case Kind::Shutdown:
     case Kind::ExecuteAs:
     case Kind::Revert:
@@ -396,7 +431,7 @@ void Interpreter::definition(const ast::Statement& node)
     if (const auto* create = ast::tryAs<ast::CreateTableStatement>(&node);
         create != nullptr && create->name.object.starts_with('#') && !create->name.object.starts_with("##"))
         session_.frame().temporaryTables.push_back(create->name.object);
-    session_.done(rows, 0, session_.statementError != 0);
+    session_.done(rows, commands::other, session_.statementError != 0);
 }
 
 void Interpreter::declare(const ast::DeclareStatement& node)
@@ -409,6 +444,8 @@ void Interpreter::declare(const ast::DeclareStatement& node)
             if (declaration.initial) {
                 const Variable value = session_.evaluate(*declaration.initial);
                 session_.assign(declaration.name, value.value, value.type);
+                session_.lastRowCount = 1;
+                session_.done(1, commands::select);
             }
         }
     }
@@ -423,6 +460,7 @@ void Interpreter::setVariable(const ast::SetVariableStatement& node)
     requireConversion(value.type, target.type, Conversion::Implicit);
     session_.assign(node.variable, value.value, value.type);
     session_.lastRowCount = 1;
+    session_.done(1, commands::select);
 }
 
 void Interpreter::transaction(const ast::TransactionStatement& node)
@@ -446,8 +484,9 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
         session_.saveTransaction(name);
         break;
     }
-    constexpr std::uint16_t commands[] = {0xD4, 0xD5, 0xD2, 0xD4};
-    session_.done(std::nullopt, commands[static_cast<std::size_t>(node.action)]);
+    constexpr std::uint16_t tokens[] = {commands::begin, commands::commit, commands::rollback,
+                                        commands::begin};
+    session_.done(std::nullopt, tokens[static_cast<std::size_t>(node.action)]);
 }
 
 void Interpreter::waitFor(const ast::WaitForStatement& node)
@@ -475,7 +514,6 @@ void Interpreter::waitFor(const ast::WaitForStatement& node)
             throw Cancelled{};
         sqlite3_sleep(static_cast<int>(std::min(left, slice)));
     }
-    session_.done(std::nullopt, 0);
 }
 
 void Interpreter::throwMessage(const ast::ThrowStatement& node)

@@ -189,7 +189,7 @@ void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& stat
     session.sendMessage(message);
     const bool error = message.severity > lastInformation || statement.setError;
     session.statementError = error ? message.number : 0;
-    session.done(std::nullopt, 0, message.severity > lastInformation);
+    session.done(std::nullopt, commands::other, message.severity > lastInformation);
 }
 
 void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
@@ -224,7 +224,6 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
     message.text =
         "DBCC execution completed. If DBCC printed error messages, contact your system administrator.";
     session.sendMessage(message);
-    session.done(std::nullopt, 0);
 }
 
 } // namespace practice

@@ -243,12 +243,19 @@ bool SessionState::isTrue(const ast::Expression& condition)
 void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error)
 {
     Completion completion;
-    completion.kind = frames_.empty() ? Completion::Kind::Statement : frame().completion;
+    if (!frames_.empty()) {
+        frame().closed = true;
+        if (frame().silent)
+            return;
+        completion.kind = frame().completion;
+    }
+    if (completion.kind == Completion::Kind::Statement && command == commands::execute)
+        completion.kind = Completion::Kind::Procedure;
     if (!options_.noCount)
         completion.rows = rows;
     completion.command = command;
     completion.error = error;
-    completion.inTransaction = transactionCount_ > 0;
+    completion.omissible = options_.noCount && completion.kind == Completion::Kind::InProcedure && !error;
     sink().done(completion);
 }
 

@@ -60,7 +60,9 @@ struct Frame
     std::vector<Message> caught; ///< errors of the CATCH blocks that run, the innermost last
     int tryDepth = 0;
     Completion::Kind completion = Completion::Kind::Statement;
-    int line = 1; ///< of the running statement
+    bool silent = false; ///< the server's own work, whose statements tell no completions
+    bool closed = false; ///< the running statement has told its completion
+    int line = 1;        ///< of the running statement
 };
 
 class SessionState : public SessionContext
@@ -143,6 +145,7 @@ public:
 
     // Results.
     void setSink(ResultSink& sink) { sink_ = &sink; }
+    /// Ends the running statement. A call in a client's batch ends as a procedure does.
     void done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error = false);
 
     // Transactions (transactions.cpp).

@@ -134,7 +134,8 @@ TEST(Procedures, AreCalledWithoutABatch)
     const SqlType integer{TypeId::Int, 4};
     const SqlType text{TypeId::NVarChar, 4000};
     const Value four{std::int64_t{4}, {}};
-    EXPECT_EQ(call("Doble", {{"@a", integer, four}, {"@b", integer, {}, true}}), "status 3\n@b = 8\n");
+    EXPECT_EQ(call("Doble", {{"@a", integer, four}, {"@b", integer, {}, true}}),
+              "(1 rows)\nstatus 3\n@b = 8\n");
     EXPECT_EQ(call("sp_executesql", {{"", text, Value{std::string("SELECT @p AS p"), {}}},
                                      {"", text, Value{std::string("@p int"), {}}},
                                      {"@p", integer, four}}),
