@@ -412,8 +412,8 @@ Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op
 {
     // The compound assignments stand in the order of the operators that they are made of.
     const auto binary = static_cast<ast::BinaryOperator>(static_cast<int>(op) - 1);
-    const Term term =
-        arithmetic(binary, constantTerm(left.value, left.type), constantTerm(right.value, right.type));
+    const Term term = arithmetic(binary, constantTerm(left.value, left.type),
+                                 constantTerm(right.value, right.type), !options_.concatNullYieldsNull);
     Statement statement(connection(), "SELECT " + term.sql);
     Variable result{term.type, {}};
     if (statement.step())

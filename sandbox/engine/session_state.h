@@ -243,7 +243,8 @@ PlanType* SessionState::findPlan(const void* node)
     if (found == plans.end())
         return nullptr;
     Plan& plan = *found->second;
-    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id)
+    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
+        plan.concatNullYieldsNull != options_.concatNullYieldsNull)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -253,6 +254,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
 {
     plan->catalogVersion = catalog().version();
     plan->databaseId = database()->id;
+    plan->concatNullYieldsNull = options_.concatNullYieldsNull;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;

@@ -146,7 +146,7 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
         const auto op = static_cast<ast::BinaryOperator>(static_cast<int>(assignment.op) - 1);
         const Term before =
             resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
-        value = arithmetic(op, before, value);
+        value = arithmetic(op, before, value, translator.emptyNulls());
     }
     const Term converted = convertTerm(value, column.type, Conversion::Assignment);
     if (column.nullable || !converted.nullable)
