@@ -40,7 +40,8 @@ bool terminates(const ast::Statement& statement, const SqlError& error)
 {
     static constexpr std::array ofData = {220, 232, 512,  515,  517,  530,  535,  544,
                                           547, 550, 2601, 2627, 3623, 8115, 8134, 8152};
-    static constexpr std::array ofTables = {220, 232, 515, 1505, 8115, 8152};
+    static constexpr std::array ofTables = {220, 232, 241,  242,  244,  245,  248,
+                                            295, 515, 1505, 8114, 8115, 8152, 8169};
     const int number = error.cause == 0 ? error.message.number : error.cause;
     switch (statement.kind) {
     case Kind::Insert:
@@ -103,6 +104,8 @@ void Interpreter::runBatch(const std::string& text)
     } catch (const SqlError& error) {
         // The batch could not be read, or a fault came from outside any statement.
         session_.sink().message(error.message);
+        for (const Message& next : error.more)
+            session_.sink().message(next);
         session_.lastError = error.message.number;
         session_.done(std::nullopt, commands::other, true);
     } catch (const BatchAborted&) {
@@ -193,16 +196,19 @@ Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
     return Flow::Next;
 }
 
-void Interpreter::report(const Message& message, std::uint16_t command, bool terminated)
+void Interpreter::report(const SqlError& error, std::uint16_t command, bool terminated)
 {
+    const Message& message = error.message;
     session_.sendMessage(message);
+    for (const Message& next : error.more)
+        session_.sendMessage(next);
     session_.lastError = message.number;
     session_.lastRowCount = 0;
     if (terminated)
         session_.sendMessage(makeMessage(3621));
     session_.done(std::nullopt, command, true);
-    const bool aborted = abortsBatch(message.number);
-    const bool all = endsTransaction(message.number) ||
+    const bool aborted = !error.confined && abortsBatch(message.number);
+    const bool all = (!error.confined && endsTransaction(message.number)) ||
                      (session_.options().xactAbort && !aborted && message.number != 50000);
     if (all && session_.transactionCount() > 0)
         session_.rollbackAll();
@@ -227,11 +233,14 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         if (message.procedure.empty())
             message.procedure = session_.frame().procedure;
         message.line = session_.frame().line;
+        const bool terminated = terminates(statement, error);
+        error.confined =
+            terminated && (statement.kind == Kind::AlterTable || statement.kind == Kind::CreateIndex);
         if (session_.catchesErrors()) {
             closeCaught(statement);
             throw SqlError(std::move(error));
         }
-        report(message, commandOf(statement), terminates(statement, error));
+        report(error, commandOf(statement), terminated);
         if (statement.kind == Kind::Throw)
             throw BatchAborted{};
     };
@@ -332,7 +341,8 @@ Interpreter::Flow Interpreter::tryCatch(const ast::TryCatchStatement& node)
         --frame.tryDepth;
         if (error.message.severity >= 20)
             throw;
-        const bool dooms = session_.options().xactAbort || endsTransaction(error.message.number);
+        const bool dooms =
+            session_.options().xactAbort || (!error.confined && endsTransaction(error.message.number));
         session_.doomed = session_.doomed || (dooms && session_.transactionCount() > 0);
         session_.lastError = error.message.number;
         frame.caught.push_back(error.message);

@@ -2,6 +2,7 @@
 // ends.
 #pragma once
 
+#include "engine/errors.h"
 #include "engine/session_state.h"
 
 #include <string>
@@ -66,7 +67,7 @@ private:
 
     template <typename Work>
     void guarded(const ast::Statement& statement, Work work);
-    void report(const Message& message, std::uint16_t command, bool terminated);
+    void report(const SqlError& error, std::uint16_t command, bool terminated);
     void closeCaught(const ast::Statement& statement);
 
     // Before anything runs: declarations are hoisted, and what can be bound already is.

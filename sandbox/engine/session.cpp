@@ -25,6 +25,7 @@ public:
     {
         registerSessionList(state_.connection(), registry);
         registry.add(spid, {login.name, request.host, request.application});
+        state_.transactionsChanged = [this](int count) { registry_.setTransactions(state_.spid(), count); };
     }
     ~EngineSession() override { registry_.remove(state_.spid()); }
 

@@ -5,6 +5,7 @@
 #include "engine/session_context.h"
 #include "engine/translator.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -160,6 +161,8 @@ public:
     template <typename Work>
     auto atomically(Work work);
     void startImplicitTransaction();
+    /// Told each new count of open transactions.
+    std::function<void(int)> transactionsChanged;
 
     [[nodiscard]] const std::string& databaseName() const { return databaseName_; }
     /// Undoes a USE of an inner batch.
@@ -199,6 +202,7 @@ public:
 
 private:
     void announceTransaction(EnvironmentChange kind);
+    void setTransactionCount(int count);
     QueryPlan& scalarPlan(const ast::Expression& expression, bool condition);
 
     std::filesystem::path dataDirectory_;

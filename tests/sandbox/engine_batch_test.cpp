@@ -296,4 +296,32 @@ TEST(Server, KeepsItsDataOverARestart)
     EXPECT_EQ(engine.run("SELECT a FROM Ventas..t"), "a\n1\n");
 }
 
+TEST(Batches, TellBothFaultsOfAStrayQuote)
+{
+    expectAnswers(
+        freshDatabase(),
+        {
+            {"INSERT t VALUES ('O'Neil')",
+             "Msg 102, Level 15, State 1: Incorrect syntax near 'Neil'.\nMsg 105, Level 15, "
+             "State 1: Unclosed quotation mark after the character string ')'."},
+            {"SELECT 'abc", "Msg 105, Level 15, State 1: Unclosed quotation mark after the character string "
+                            "'abc'.\nMsg 102, Level 15, State 1: Incorrect syntax near 'abc'."},
+            {"EXEC ('SELECT ''abc') PRINT 'after'",
+             "Msg 105, Level 15, State 1: Unclosed quotation mark after the character string 'abc'.\nMsg "
+             "102, "
+             "Level 15, State 1: Incorrect syntax near 'abc'.\n-- after"},
+            {"SELECT FROM", "Msg 156, Level 15, State 1: Incorrect syntax near the keyword 'FROM'."},
+        });
+}
+
+TEST(Batches, ShowTheirTransactionsToOthersAtOnce)
+{
+    expectAnswers(
+        freshDatabase(),
+        {{"BEGIN TRAN BEGIN TRAN SELECT open_tran FROM master..sysprocesses WHERE spid = @@SPID COMMIT "
+          "SELECT open_tran FROM master..sysprocesses WHERE spid = @@SPID ROLLBACK SELECT open_tran "
+          "FROM master..sysprocesses WHERE spid = @@SPID",
+          "open_tran\n2\nopen_tran\n1\nopen_tran\n0"}});
+}
+
 } // namespace practice::test
