@@ -56,6 +56,14 @@ bool terminates(const ast::Statement& statement, const SqlError& error)
     }
 }
 
+/// NOEXEC leaves all but SET undone, FMTONLY what would change anything.
+bool isSkipped(const SessionOptions& options, Kind kind)
+{
+    if (options.noExec)
+        return kind != Kind::SetOption;
+    return options.formatOnly && kind >= Kind::Insert && kind < Kind::Use;
+}
+
 std::uint16_t commandOf(const ast::Statement& statement)
 {
     switch (statement.kind) {
@@ -261,6 +269,8 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
     if (session_.store().cancelled())
         throw Cancelled{};
     session_.frame().line = static_cast<int>(statement.source.line);
+    if (isSkipped(session_.options(), statement.kind))
+        return Flow::Next;
     session_.limitPlans();
     session_.beginStatement();
     const bool structured =
@@ -477,8 +487,8 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
 {
     std::string name = node.name;
     if (name.starts_with('@')) {
-        const Value& value = session_.variable(name).value;
-        name = value.isNull() ? "" : std::get<std::string>(value.data);
+        const Variable& held = session_.variable(name);
+        name = held.value.isNull() ? "" : toText(held.value, held.type);
     }
     switch (node.action) {
     case ast::TransactionAction::Begin:
@@ -534,8 +544,8 @@ void Interpreter::throwMessage(const ast::ThrowStatement& node)
         throw SqlError{session_.frame().caught.back()};
     }
     Message message;
-    message.number =
-        static_cast<int>(std::get<std::int64_t>(session_.evaluate(*node.number, intType()).data));
+    const Value number = session_.evaluate(*node.number, intType());
+    message.number = number.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(number.data));
     const Value text = session_.evaluate(*node.message, nVarCharType(2048));
     message.text = text.isNull() ? "" : std::get<std::string>(text.data);
     const Value state = session_.evaluate(*node.state, intType());

@@ -276,9 +276,10 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
     ast::ObjectName name = node.procedure;
     if (!node.variable.empty()) {
         const Variable& variable = session_.variable(node.variable);
-        name = parseObjectName(variable.value.isNull() ? "" : std::get<std::string>(variable.value.data));
+        const std::string written = variable.value.isNull() ? "" : toText(variable.value, variable.type);
+        name = parseObjectName(written);
         if (name.empty())
-            raise(2812, {variable.value.isNull() ? "" : std::get<std::string>(variable.value.data)});
+            raise(2812, {written});
     }
     const int transactions = session_.transactionCount();
     const int status = callProcedure(name, arguments);

@@ -86,8 +86,6 @@ void selectRows(SessionState& session, QueryPlan& plan)
 void executeSelect(SessionState& session, const ast::SelectStatement& statement)
 {
     QueryPlan& plan = planQuery(session, statement.query);
-    if (session.options().noExec)
-        return;
     if (plan.block->into)
         return selectInto(session, plan, *plan.block->into);
     if (!plan.block->from.empty())

@@ -324,4 +324,31 @@ TEST(Batches, ShowTheirTransactionsToOthersAtOnce)
           "open_tran\n2\nopen_tran\n1\nopen_tran\n0"}});
 }
 
+TEST(Batches, TakeValuesOfAnyTypeForNames)
+{
+    expectAnswers(freshDatabase(),
+                  {
+                      {"SELECT @@REMSERVER, @@CONNECTIONS", "NULL | 0"},
+                      {"DECLARE @i int SET @i = 7 BEGIN TRAN @i ROLLBACK TRAN @i PRINT @@TRANCOUNT", "-- 0"},
+                      {"DECLARE @i int SET @i = 7 EXEC @i",
+                       "Msg 2812, Level 16, State 62: Could not find stored procedure '7'."},
+                      {"DECLARE @i int THROW @i, 'x', 1", "Msg 0, Level 16, State 1: x"},
+                  });
+}
+
+TEST(Batches, LeaveUndoneWhatTheSessionDoesNotWantDone)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a int)");
+    expectAnswers(engine,
+                  {
+                      {"SET NOEXEC ON INSERT t VALUES (1) PRINT 'x' SELECT 1 SET NOEXEC OFF SELECT COUNT(*) "
+                       "FROM t",
+                       "0"},
+                      {"SET FMTONLY ON INSERT t VALUES (1) DROP TABLE t SELECT a FROM t SET FMTONLY OFF "
+                       "SELECT COUNT(*) FROM t",
+                       "a\n0"},
+                  });
+}
+
 } // namespace practice::test
