@@ -8,7 +8,7 @@ namespace {
 /// The numeric type that an argument counts as: texts are read as floats.
 Term numeric(const FunctionCall& call, std::size_t i, const char* function)
 {
-    const Term given = call.term(i);
+    Term given = call.term(i);
     if (isCharacter(given.type.id) || given.type.id == TypeId::Null)
         return convertTerm(given, given.type.id == TypeId::Null ? intType() : floatType(),
                            Conversion::Implicit);

@@ -52,7 +52,7 @@ Term isNull(const FunctionCall& call)
     const Term first = call.term(0);
     const Term second = call.term(1);
     const SqlType type = first.type.id == TypeId::Null ? second.type : first.type;
-    const Term substitute = convertTerm(second, type, Conversion::Implicit);
+    Term substitute = convertTerm(second, type, Conversion::Implicit);
     if (first.type.id == TypeId::Null)
         return substitute;
     Term result = first;

@@ -23,20 +23,37 @@ constexpr std::array algorithms = {
     Algorithm{"SHA2_512", "SHA512"},
 };
 
-using Library = std::unique_ptr<OSSL_LIB_CTX, decltype(&OSSL_LIB_CTX_free)>;
 using Digest = std::unique_ptr<EVP_MD, decltype(&EVP_MD_free)>;
 
 /// A library of its own, since the old digests come from a provider that nothing else is to use.
-OSSL_LIB_CTX* library()
+class Library
 {
-    static const Library loaded = [] {
-        Library made(OSSL_LIB_CTX_new(), OSSL_LIB_CTX_free);
-        (void)OSSL_PROVIDER_load(made.get(), "default");
-        (void)OSSL_PROVIDER_load(made.get(), "legacy");
-        return made;
-    }();
-    return loaded.get();
-}
+public:
+    Library()
+        : context_(OSSL_LIB_CTX_new()), current_(OSSL_PROVIDER_load(context_, "default")),
+          old_(OSSL_PROVIDER_load(context_, "legacy"))
+    {}
+    ~Library()
+    {
+        for (OSSL_PROVIDER* provider : {old_, current_}) {
+            if (provider != nullptr)
+                OSSL_PROVIDER_unload(provider);
+        }
+        OSSL_LIB_CTX_free(context_);
+    }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    [[nodiscard]] Digest digest(const char* name) const
+    {
+        return {EVP_MD_fetch(context_, name, nullptr), EVP_MD_free};
+    }
+
+private:
+    OSSL_LIB_CTX* context_;
+    OSSL_PROVIDER* current_;
+    OSSL_PROVIDER* old_; ///< nullptr where it is not installed
+};
 
 // hashbytes(algorithm, bytes): NULL for an algorithm that is none
 void hashBytes(const Call& call)
@@ -47,7 +64,8 @@ void hashBytes(const Call& call)
     for (const Algorithm& known : algorithms) {
         if (known.name != name)
             continue;
-        const Digest digest(EVP_MD_fetch(library(), known.digest, nullptr), EVP_MD_free);
+        static const Library library;
+        const Digest digest = library.digest(known.digest);
         if (!digest)
             raise(40510, {"HASHBYTES " + name});
         std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};

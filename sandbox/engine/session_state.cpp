@@ -380,6 +380,7 @@ void SessionState::keepTemporaryTables(std::vector<std::string> names,
 {
     temporaryTables_.insert(temporaryTables_.end(), names.begin(), names.end());
     std::vector<std::string> ended;
+    ended.reserve(tableVariables.size());
     for (const auto& [variable, stored] : tableVariables)
         ended.push_back(stored);
     dropTemporaryTables(ended);

@@ -38,7 +38,7 @@ std::string tokens(const Bytes& reply)
         switch (token) {
         case Token::ColumnMetadata:
             reader.skip(2 + 4 + 2 + 1 + 1);
-            reader.skip(2U * reader.number<std::uint8_t>());
+            reader.skip(std::size_t{2} * reader.number<std::uint8_t>());
             out << "rows ";
             break;
         case Token::Row:
