@@ -64,7 +64,6 @@ enum DoneStatus : std::uint16_t
 {
     DoneMore = 0x0001,
     DoneError = 0x0002,
-    DoneInTransaction = 0x0004,
     DoneCount = 0x0010,
     DoneAttention = 0x0020,
 };

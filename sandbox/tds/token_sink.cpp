@@ -56,6 +56,7 @@ void TokenSink::writeUserType(const SqlType& type)
 void TokenSink::columns(std::span<const ColumnInfo> columns)
 {
     token(Token::ColumnMetadata);
+    inResult_ = true;
     wireTypes_.clear();
     writer_.put(static_cast<std::uint16_t>(columns.size()));
     for (const auto& column : columns) {
@@ -109,6 +110,9 @@ void TokenSink::message(const Message& message)
 
 void TokenSink::done(const Completion& completion)
 {
+    if (completion.omissible && !inResult_ && !failed_)
+        return;
+    inResult_ = false;
     flushCompletion(true);
     pending_ = completion;
     pending_->error = completion.error || failed_;
@@ -137,8 +141,7 @@ void TokenSink::writeCompletion(const Completion& completion, bool more)
     const auto mark = [&status](bool set, DoneStatus bit) { status |= set ? unsigned{bit} : 0U; };
     mark(more, DoneMore);
     mark(completion.error, DoneError);
-    mark(completion.inTransaction, DoneInTransaction);
-    mark(completion.rows.has_value(), DoneCount);
+    mark(completion.rows.has_value() && !completion.error, DoneCount);
     writer_.put(token);
     writer_.put(static_cast<std::uint16_t>(status));
     writer_.put(completion.command);
@@ -155,13 +158,16 @@ void TokenSink::writeRowCount(std::uint64_t rows)
 
 void TokenSink::requestEnd()
 {
-    if (!complete_) {
+    // A statement of a procedure is never the last to end.
+    const bool inside = pending_ && pending_->kind == Completion::Kind::InProcedure;
+    if (!complete_ || inside) {
         Completion completion;
-        completion.kind = kind_;
+        completion.error = inside && pending_->error;
         done(completion);
     }
     flushCompletion(false);
     complete_ = false;
+    inResult_ = false;
     wireTypes_.clear();
     parameterNames_.clear();
     kind_ = Completion::Kind::Statement;

@@ -54,6 +54,7 @@ private:
     Completion::Kind kind_ = Completion::Kind::Statement;
     bool complete_ = false; ///< nothing was written since the last completion
     bool failed_ = false;   ///< an error came since then
+    bool inResult_ = false; ///< columns were told, whose rows have not ended
     bool collationSent_ = false;
 };
 

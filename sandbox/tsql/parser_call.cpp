@@ -444,9 +444,16 @@ std::string QueryParser::typeName()
 
 void QueryParser::facets(ast::DataType& type)
 {
-    if (!at(Symbol::Open) || (peek().kind != TokenKind::Integer && !isWord(peek(), "MAX")))
+    if (!at(Symbol::Open))
+        return;
+    const Token& first = peek();
+    const bool number = first.kind == TokenKind::Decimal || first.kind == TokenKind::Float ||
+                        (first.kind == TokenKind::Symbol && first.symbol == Symbol::Minus);
+    if (first.kind != TokenKind::Integer && !isWord(first, "MAX") && !number)
         return;
     advance();
+    if (number)
+        fail();
     if (acceptWord("MAX")) {
         type.max = true;
     } else {

@@ -365,6 +365,8 @@ void TableParser::indexOption(ast::IndexOptions& options)
         fail();
     if (accept(Keyword::FillFactor)) {
         expect(Symbol::Equal);
+        if (!at(TokenKind::Integer))
+            fail();
         options.fillFactor = integer();
         return;
     }

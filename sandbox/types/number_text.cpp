@@ -2,6 +2,7 @@
 
 #include "types/decimal.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -12,11 +13,11 @@ namespace practice {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> currencySigns{"$", "€", "£", "¥", "¢", "¤"};
+constexpr std::array<std::string_view, 7> currencySigns{"$", "€", "£", "¥", "¢", "¤", "\\"};
 
 bool isBlank(char c)
 {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 int hexDigit(char c)
@@ -71,9 +72,11 @@ ParsedNumber<std::int64_t> parseInteger(std::string_view text)
     text = trimBlanks(text);
     if (text.empty())
         return {0, NumberFault::None};
+    if (text == "+" || text == "-")
+        return {0, NumberFault::None};
     if (text.front() == '+') {
         text.remove_prefix(1);
-        if (text.empty() || text.front() == '-')
+        if (text.front() == '-')
             return {0, NumberFault::Malformed};
     }
     std::int64_t value = 0;
@@ -90,7 +93,12 @@ ParsedNumber<double> parseFloat(std::string_view text)
         return {0, NumberFault::None};
     if (text.front() == '+')
         text.remove_prefix(1);
-    const bool letters = text.find_first_not_of("0123456789+-.eE") != std::string_view::npos;
+    const bool letters = text.find_first_not_of("0123456789+-.eEdD") != std::string_view::npos;
+    // The exponent may be written with a d.
+    std::string written(text);
+    std::replace_if(
+        written.begin(), written.end(), [](char c) { return c == 'd' || c == 'D'; }, 'e');
+    text = written;
     double value = 0;
     const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (letters || end != text.data() + text.size() || fault == std::errc::invalid_argument)
@@ -109,13 +117,13 @@ ParsedNumber<std::int64_t> parseMoney(std::string_view text)
     text = trimBlanks(text);
     if (text.empty())
         return {0, NumberFault::None};
-    bool currency = takeCurrency(text);
+    (void)takeCurrency(text);
     std::string digits;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
         digits.push_back(text.front());
         text.remove_prefix(1);
     }
-    currency = takeCurrency(text) || currency;
+    (void)takeCurrency(text);
     bool point = false;
     for (const char c : trimBlanks(text)) {
         point = point || c == '.';
@@ -123,8 +131,9 @@ ParsedNumber<std::int64_t> parseMoney(std::string_view text)
             continue;
         digits.push_back(c);
     }
-    if (currency && digits.find_first_of("0123456789") == std::string::npos)
-        return {0, digits.empty() ? NumberFault::None : NumberFault::Malformed};
+    // A sign, a point or commas alone are zero.
+    if (digits.empty() || digits == "-" || digits == "+" || digits == "." || digits == "-." || digits == "+.")
+        return {0, NumberFault::None};
     bool malformed = false;
     const auto parsed = parseDecimal(digits, malformed, 4);
     if (malformed)

@@ -242,4 +242,54 @@ TEST(AlterTable, ServeTheTableDesigner)
         });
 }
 
+TEST(AlterTable, ConversionsThatFailLeaveTheTransactionAlive)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a varchar(10), b varchar(10)) INSERT t VALUES ('x', 'y')");
+    expectAnswers(
+        engine,
+        {
+            {"BEGIN TRAN INSERT t VALUES ('z', 'z') ALTER TABLE t ALTER COLUMN a int PRINT @@ERROR PRINT "
+             "@@TRANCOUNT",
+             "Msg 245, Level 16, State 1: Conversion failed when converting the varchar value 'x' to data "
+             "type "
+             "int.\n-- The statement has been terminated.\n-- 245\n-- 1"},
+            {"ALTER TABLE t ALTER COLUMN a decimal(5,2) ALTER TABLE t ALTER COLUMN b datetime PRINT "
+             "@@TRANCOUNT",
+             "Msg 8114, Level 16, State 5: Error converting data type varchar to numeric.\n"
+             "-- The statement has been terminated.\n"
+             "Msg 241, Level 16, State 1: Conversion failed when converting date and/or time from character "
+             "string.\n-- The statement has been terminated.\n-- 1"},
+            {"BEGIN TRY ALTER TABLE t ALTER COLUMN a int END TRY BEGIN CATCH PRINT XACT_STATE() END CATCH",
+             "-- 1"},
+            {"COMMIT SELECT COUNT(*) FROM t", "2"},
+            // Elsewhere such a failure takes the batch and its transaction.
+            {"BEGIN TRAN SELECT a + 1 FROM t", "Msg 245, Level 16, State 1: Conversion failed when "
+                                               "converting the varchar value 'x' to data type int."},
+            {"PRINT @@TRANCOUNT", "-- 0"},
+        });
+}
+
+TEST(AlterTable, RefusesNotNullUnderAnIndex)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a int NULL, b varchar(5) NULL, c int NOT NULL) CREATE INDEX ia ON t (a) "
+               "CREATE INDEX ib ON t (b) CREATE INDEX ic ON t (c)");
+    expectAnswers(
+        engine,
+        {
+            {"ALTER TABLE t ALTER COLUMN b varchar(5) NOT NULL",
+             "Msg 5074, Level 16, State 1: The index 'ib' is dependent on column 'b'.\nMsg 4922, Level "
+             "16, State 9: ALTER TABLE ALTER COLUMN b failed because one or more objects access this "
+             "column."},
+            {"ALTER TABLE t ALTER COLUMN a int NOT NULL",
+             "Msg 5074, Level 16, State 1: The index 'ia' is dependent on column 'a'.\nMsg 4922, Level "
+             "16, State 9: ALTER TABLE ALTER COLUMN a failed because one or more objects access this "
+             "column."},
+            {"ALTER TABLE t ALTER COLUMN b varchar(9) NULL ALTER TABLE t ALTER COLUMN c int NULL "
+             "SELECT name, length, isnullable FROM syscolumns WHERE id = object_id('t')",
+             "name | length | isnullable\na | 4 | 1\nb | 9 | 1\nc | 4 | 1"},
+        });
+}
+
 } // namespace practice::test

@@ -57,12 +57,14 @@ TEST(Columns, ChangeTheirTypeWithTheValueThatStandsThere)
         {"varchar(10)", "'12'", " int  ", "12 | int | 4"},
         {"varchar(10)", "'abc'", " int  ",
          "Msg 245, Level 16, State 1: Conversion failed when converting the varchar value 'abc' to data type "
-         "int."},
+         "int.\n-- The statement has been terminated."},
         {"varchar(10)", "'abc'", " numeric  (9) ",
-         "Msg 8114, Level 16, State 5: Error converting data type varchar to numeric."},
+         "Msg 8114, Level 16, State 5: Error converting data type varchar to numeric.\n-- The statement has "
+         "been "
+         "terminated."},
         {"varchar(10)", "'abc'", " datetime  ",
          "Msg 241, Level 16, State 1: Conversion failed when converting date and/or time from character "
-         "string."},
+         "string.\n-- The statement has been terminated."},
         {"varchar(10)", "'20010203'", " datetime  ", "Feb  3 2001 12:00AM | datetime | 8"},
         {"varchar(10)", "'abc'", " varbinary  (8) ",
          "Msg 257, Level 16, State 3: Implicit conversion from data type varchar to varbinary is not "
@@ -169,6 +171,19 @@ TEST(Columns, UnderAUniqueConstraintMayOnlyGrow)
              "Msg 2627, Level 14, State 1: Violation of UNIQUE KEY constraint 'uq'. Cannot insert duplicate "
              "key in object 'dbo.t'. The duplicate key value is (X).\n-- The statement has been terminated."},
         });
+}
+
+TEST(Columns, OfTimesAreAsLongAsTheirFraction)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (t0 time(0), t3 time(3), t7 time, d0 datetime2(0), d3 datetime2(3), "
+               "o2 datetimeoffset(2), o7 datetimeoffset)");
+    expectAnswers(engine,
+                  {{"SELECT name, length, prec, scale, xprec, xscale FROM syscolumns WHERE id = "
+                    "object_id('t') ORDER BY colid",
+                    "name | length | prec | scale | xprec | xscale\nt0 | 3 | 8 | 0 | 8 | 0\n"
+                    "t3 | 4 | 12 | 3 | 12 | 3\nt7 | 5 | 16 | 7 | 16 | 7\nd0 | 6 | 19 | 0 | 19 | 0\n"
+                    "d3 | 7 | 23 | 3 | 23 | 3\no2 | 8 | 29 | 2 | 29 | 2\no7 | 10 | 34 | 7 | 34 | 7"}});
 }
 
 } // namespace practice::test

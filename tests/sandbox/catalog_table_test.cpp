@@ -24,8 +24,13 @@ TEST(Tables, RefuseColumnsThatCannotBe)
              "Msg 2750, Level 16, State 1: Column or parameter #1: Specified column precision 40 is greater "
              "than the maximum precision of 38."},
             {"CREATE TABLE t (a decimal(5,6))",
-             "Msg 2751, Level 16, State 1: Column or parameter #1: Specified column scale 6 is greater than "
-             "the specified precision of 5."},
+             "Msg 183, Level 15, State 1: The scale (6) for column 'a' must be within the range 0 to 5."},
+            {"DECLARE @x numeric(5,9)", "Msg 192, Level 16, State 1: The scale must be less than or equal to "
+                                        "the precision."},
+            {"CREATE TABLE t (a char(10.5))", "Msg 102, Level 15, State 1: Incorrect syntax near '10.5'."},
+            {"CREATE TABLE t (a varchar(-1))", "Msg 102, Level 15, State 1: Incorrect syntax near '-'."},
+            {"CREATE TABLE t (a int PRIMARY KEY WITH FILLFACTOR = -1)",
+             "Msg 102, Level 15, State 1: Incorrect syntax near '-'."},
             {"CREATE TABLE t (a varchar(0))",
              "Msg 1001, Level 15, State 1: Line 1: Length or precision specification 0 is invalid."},
             {"CREATE TABLE t (a int IDENTITY, b int IDENTITY)",
@@ -53,8 +58,7 @@ TEST(Tables, RefuseColumnsThatCannotBe)
             {"CREATE TABLE t (a int, b AS zz + 1)", "Msg 207, Level 16, State 1: Invalid column name 'zz'."},
             {"CREATE TABLE t (a int) ON NADA",
              "Msg 1921, Level 16, State 1: Invalid filegroup 'NADA' specified."},
-            {"CREATE TABLE nada..t (a int)", "Msg 911, Level 16, State 1: Database 'nada' does not exist. "
-                                             "Make sure that the name is entered correctly."},
+            {"CREATE TABLE nada..t (a int)", "Msg 2702, Level 16, State 2: Database 'nada' does not exist."},
             {"CREATE TABLE nadie.t (a int)",
              "Msg 2760, Level 16, State 1: The specified schema name \"nadie\" either does not exist or you "
              "do not have permission to use it."},
@@ -327,9 +331,8 @@ TEST(Indexes, AreMadeAndRefused)
              "Msg 1902, Level 16, State 3: Cannot create more than one clustered index on table 't'. Drop "
              "the existing clustered index 'ic' before creating another."},
             {"CREATE INDEX ic ON t (a) WITH DROP_EXISTING",
-             "Msg 1925, Level 16, State 2: Cannot convert a clustered index to a nonclustered index using "
-             "the "
-             "DROP_EXISTING option. To change the index type from clustered to nonclustered, delete the "
+             "Msg 1925, Level 16, State 2: Cannot convert a clustered index to a nonclustered index by using "
+             "the DROP_EXISTING option. To change the index type from clustered to nonclustered, delete the "
              "clustered index, and then create a nonclustered index by using two separate statements."},
             {"CREATE UNIQUE INDEX iu ON t (a, b) WITH IGNORE_DUP_KEY", ""},
             {"ALTER TABLE t ADD CONSTRAINT pk PRIMARY KEY (a), CONSTRAINT uq UNIQUE (a, b)", ""},

@@ -32,6 +32,7 @@ TEST(Batches, RunTheirStatements)
             {"RAISERROR('%s de %5d [%-4s] 100%%', 10, 1, 'uno', 42, 'ab')", "-- uno de    42 [ab  ] 100%"},
             {"SET ROWCOUNT 1 SELECT name FROM master..sysdatabases ORDER BY name SET ROWCOUNT 0",
              "name\nmaster"},
+            {"PRINT '' PRINT NULL", "--  \n--  "},
             {"EXEC('SELECT 1 AS uno; PRINT ''dentro''')", "uno\n1\n-- dentro"},
             {"EXEC sp_executesql N'SELECT @x * 2 AS d, @y AS y', N'@x int, @y varchar(5) = NULL', @x = 4, @y "
              "= 'q'",
@@ -67,6 +68,28 @@ TEST(Batches, EndWhereTheServerEndsThem)
                                          "sure that the name is entered correctly.\n-- goes on"},
             {"SELECT 1 +", "Msg 102, Level 15, State 1: Incorrect syntax near '+'."},
             {"RAISERROR('mal', 16, 3) SELECT @@ERROR", "Msg 50000, Level 16, State 3: mal\n50000"},
+            // -1 stands for what the message has of itself.
+            {"RAISERROR(15600, -1, -1, 'sp_mia')",
+             "Msg 15600, Level 15, State 1: An invalid parameter or option was specified for procedure "
+             "'sp_mia'."},
+            {"RAISERROR(15600, 16, 7, 1) PRINT @@ERROR",
+             "Msg 15600, Level 16, State 7: An invalid parameter or option was specified for procedure "
+             "'1'.\n-- 15600"},
+            {"RAISERROR('mal', -1, -1)", "Msg 50000, Level 16, State 1: mal"},
+            {"RAISERROR('nota', -5, 1)", "-- nota"},
+            {"RAISERROR(515, 16, 1)",
+             "Msg 2732, Level 16, State 1: Error number 515 is invalid. The number must "
+             "be from 13000 through 2147483647 and it cannot be 50000."},
+            {"RAISERROR(60000, 16, 1)",
+             "Msg 18054, Level 16, State 1: Error 60000, severity 16, state 1 was raised, but no message "
+             "with "
+             "that error number was found in sys.messages. If error is larger than 50000, make sure the "
+             "user-defined message is added using sp_addmessage."},
+            {"RAISERROR('%d %s %#x', 10, 1, NULL, 'a', 255) RAISERROR('%s|%d', 10, 1)",
+             "-- (null) a 0xff\n-- (null)|(null)"},
+            {"RAISERROR('%s', 16, 1, 5)",
+             "Msg 2786, Level 16, State 1: The data type of substitution parameter "
+             "1 does not match the expected type of the format specification."},
             {"THROW 50005, 'fuera', 2 PRINT 'never'", "Msg 50005, Level 16, State 2: fuera"},
             {"CREATE TABLE nueva (a int) INSERT nueva VALUES (1) SELECT a FROM nueva", "a\n1"},
         });
@@ -134,7 +157,8 @@ TEST(Procedures, AreCalledWithoutABatch)
     const SqlType integer{TypeId::Int, 4};
     const SqlType text{TypeId::NVarChar, 4000};
     const Value four{std::int64_t{4}, {}};
-    EXPECT_EQ(call("Doble", {{"@a", integer, four}, {"@b", integer, {}, true}}), "status 3\n@b = 8\n");
+    EXPECT_EQ(call("Doble", {{"@a", integer, four}, {"@b", integer, {}, true}}),
+              "(1 rows)\nstatus 3\n@b = 8\n");
     EXPECT_EQ(call("sp_executesql", {{"", text, Value{std::string("SELECT @p AS p"), {}}},
                                      {"", text, Value{std::string("@p int"), {}}},
                                      {"@p", integer, four}}),
@@ -270,6 +294,61 @@ TEST(Server, KeepsItsDataOverARestart)
     engine.run("USE Ventas CREATE TABLE t (a int) INSERT t VALUES (1) BEGIN TRAN INSERT t VALUES (2)");
     engine.restart();
     EXPECT_EQ(engine.run("SELECT a FROM Ventas..t"), "a\n1\n");
+}
+
+TEST(Batches, TellBothFaultsOfAStrayQuote)
+{
+    expectAnswers(
+        freshDatabase(),
+        {
+            {"INSERT t VALUES ('O'Neil')",
+             "Msg 102, Level 15, State 1: Incorrect syntax near 'Neil'.\nMsg 105, Level 15, "
+             "State 1: Unclosed quotation mark after the character string ')'."},
+            {"SELECT 'abc", "Msg 105, Level 15, State 1: Unclosed quotation mark after the character string "
+                            "'abc'.\nMsg 102, Level 15, State 1: Incorrect syntax near 'abc'."},
+            {"EXEC ('SELECT ''abc') PRINT 'after'",
+             "Msg 105, Level 15, State 1: Unclosed quotation mark after the character string 'abc'.\nMsg "
+             "102, "
+             "Level 15, State 1: Incorrect syntax near 'abc'.\n-- after"},
+            {"SELECT FROM", "Msg 156, Level 15, State 1: Incorrect syntax near the keyword 'FROM'."},
+        });
+}
+
+TEST(Batches, ShowTheirTransactionsToOthersAtOnce)
+{
+    expectAnswers(
+        freshDatabase(),
+        {{"BEGIN TRAN BEGIN TRAN SELECT open_tran FROM master..sysprocesses WHERE spid = @@SPID COMMIT "
+          "SELECT open_tran FROM master..sysprocesses WHERE spid = @@SPID ROLLBACK SELECT open_tran "
+          "FROM master..sysprocesses WHERE spid = @@SPID",
+          "open_tran\n2\nopen_tran\n1\nopen_tran\n0"}});
+}
+
+TEST(Batches, TakeValuesOfAnyTypeForNames)
+{
+    expectAnswers(freshDatabase(),
+                  {
+                      {"SELECT @@REMSERVER, @@CONNECTIONS", "NULL | 0"},
+                      {"DECLARE @i int SET @i = 7 BEGIN TRAN @i ROLLBACK TRAN @i PRINT @@TRANCOUNT", "-- 0"},
+                      {"DECLARE @i int SET @i = 7 EXEC @i",
+                       "Msg 2812, Level 16, State 62: Could not find stored procedure '7'."},
+                      {"DECLARE @i int THROW @i, 'x', 1", "Msg 0, Level 16, State 1: x"},
+                  });
+}
+
+TEST(Batches, LeaveUndoneWhatTheSessionDoesNotWantDone)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a int)");
+    expectAnswers(engine,
+                  {
+                      {"SET NOEXEC ON INSERT t VALUES (1) PRINT 'x' SELECT 1 SET NOEXEC OFF SELECT COUNT(*) "
+                       "FROM t",
+                       "0"},
+                      {"SET FMTONLY ON INSERT t VALUES (1) DROP TABLE t SELECT a FROM t SET FMTONLY OFF "
+                       "SELECT COUNT(*) FROM t",
+                       "a\n0"},
+                  });
 }
 
 } // namespace practice::test

@@ -20,6 +20,24 @@ TEST(Expressions, FollowTheTypesOfTheirOperands)
         });
 }
 
+TEST(Expressions, JoinNullsAsTheSessionWantsIt)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a varchar(5) NULL) INSERT t VALUES (NULL)");
+    expectAnswers(engine,
+                  {
+                      {"SELECT 'x' + a FROM t SET CONCAT_NULL_YIELDS_NULL OFF SELECT 'x' + a FROM t "
+                       "SELECT 'x' + NULL",
+                       "NULL\nx\nx"},
+                      {"DECLARE @v varchar(9) SELECT @v = @v + 'y' + a FROM t SELECT @v SET @v = NULL "
+                       "SET @v += 'z' SELECT @v",
+                       "y\nz"},
+                      {"SELECT 1 + NULL, CAST(NULL AS varbinary(2)) + 0x01", "NULL | NULL"},
+                      // A plan made under the one setting does not serve the other.
+                      {"SET CONCAT_NULL_YIELDS_NULL ON SELECT 'x' + NULL", "NULL"},
+                  });
+}
+
 TEST(Expressions, RaiseTheServersErrors)
 {
     expectAnswers(
@@ -140,6 +158,100 @@ TEST(Functions, OfTheSession)
             {"INSERT Pedidos (nombre) VALUES ('a') SELECT @@IDENTITY, SCOPE_IDENTITY(), @@ROWCOUNT, @@ERROR",
              "5 | 5 | 1 | 0"},
         });
+}
+
+TEST(Functions, KeepTheTypesThatTheServerGivesThem)
+{
+    Engine& engine = freshDatabase();
+    expectAnswers(
+        engine,
+        {
+            {"SELECT DEGREES(1), DEGREES(CAST(0.5 AS float)), DEGREES($1.0)", "57 | 28.6479 | 57.30"},
+            {"SELECT LEFT(DEGREES(1.0), 15), LEFT(RADIANS(180.0), 15), RADIANS(CAST(1 AS bit))",
+             "57.295779513082 | 3.1415926535897 | 0.0174533"},
+            {"SELECT POWER(10.0, 5), POWER(1.50, 2), SIGN(0.5), POWER(2, 3.9)", "100000.0 | 2.25 | 1.0 | 14"},
+        });
+    EXPECT_EQ(
+        engine.describe("SELECT DEGREES(1.0) a, RADIANS(1.5) b, POWER(1.50, 2) c, DEGREES(CAST(1 AS bit)) d"
+                        " WHERE 1 = 0"),
+        "a:numeric(38,18) | b:numeric(38,18) | c:numeric(38,2) | d:float\n");
+}
+
+TEST(Functions, TakeForNumbersWhatTheServerTakes)
+{
+    Engine& engine = freshDatabase();
+    for (const char* number : {"+", "-", ".", ",", "$", "-.", "$,", "-$.", "1,2,3", ",1", "1e5", "1d5",
+                               "-1.5", "$1", "\\", "+1", " 1 ", "\t"})
+        EXPECT_EQ(engine.run("SELECT ISNUMERIC('" + std::string(number) + "')"), "\n1\n") << number;
+    for (const char* other : {"", " ", "+-", "--", "1-", "e", "d", "1x", "..", "0x1F", "1.2.3", "a"})
+        EXPECT_EQ(engine.run("SELECT ISNUMERIC('" + std::string(other) + "')"), "\n0\n") << other;
+    expectAnswers(engine,
+                  {{"SELECT CAST('-' AS int), CAST('.' AS money), CAST('1d2' AS float)", "0 | 0.00 | 100"},
+                   {"SELECT CAST('.' AS float)",
+                    "Msg 8114, Level 16, State 5: Error converting data type varchar to float."}});
+}
+
+TEST(Functions, HashBytes)
+{
+    expectAnswers(
+        freshDatabase(),
+        {
+            {"SELECT CONVERT(varchar(130), HASHBYTES('MD5', 'abc'), 2)", "900150983CD24FB0D6963F7D28E17F72"},
+            {"SELECT CONVERT(varchar(130), HASHBYTES('md4', 'abc'), 2)", "A448017AAF21D8525FC10AE87AA6729D"},
+            {"SELECT CONVERT(varchar(130), HASHBYTES('SHA', 'abc'), 2), CONVERT(varchar(130), "
+             "HASHBYTES('SHA1', 0x616263), 2)",
+             "A9993E364706816ABA3E25717850C26C9CD0D89D | A9993E364706816ABA3E25717850C26C9CD0D89D"},
+            {"SELECT CONVERT(varchar(130), HASHBYTES('SHA2_256', 'abc'), 2)",
+             "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD"},
+            {"SELECT DATALENGTH(HASHBYTES('SHA2_512', 'abc'))", "64"},
+            // Texts are hashed as they are stored.
+            {"SELECT CONVERT(varchar(130), HASHBYTES('MD5', N'abc'), 2), CONVERT(varchar(130), "
+             "HASHBYTES('MD5', 'ñ'), 2)",
+             "CE1473CF80C6B3FDA8E3DFC006ADC315 | EDB907361219FB8D50279EABAB0B83B1"},
+            {"SELECT HASHBYTES('nada', 'abc'), HASHBYTES('MD5', NULL)", "NULL | NULL"},
+            {"SELECT HASHBYTES('MD2', 'abc')", "Msg 40510, Level 16, State 1: Statement 'HASHBYTES MD2' is "
+                                               "not supported in this version of SQL "
+                                               "Server."},
+            {"SELECT HASHBYTES('MD5', 1)",
+             "Msg 8116, Level 16, State 1: Argument data type int is invalid for "
+             "argument 2 of hashbytes function."},
+        });
+}
+
+TEST(Functions, TellTheProperties)
+{
+    Engine& engine = freshDatabase();
+    const auto properties = [&engine](const std::string& value) {
+        std::string answer =
+            engine.run("DECLARE @v sql_variant SET @v = " + value +
+                       " SELECT SQL_VARIANT_PROPERTY(@v, 'BaseType'), "
+                       "SQL_VARIANT_PROPERTY(@v, 'Precision'), SQL_VARIANT_PROPERTY(@v, 'Scale'), "
+                       "SQL_VARIANT_PROPERTY(@v, 'TotalBytes'), "
+                       "SQL_VARIANT_PROPERTY(@v, 'MaxLength'), "
+                       "SQL_VARIANT_PROPERTY(@v, 'Collation')");
+        answer = withoutBareHeads(answer);
+        return answer.substr(0, answer.find('\n'));
+    };
+    EXPECT_EQ(properties("CAST(46279.1 AS decimal(8,2))"), "decimal | 8 | 2 | 9 | 5 | NULL");
+    EXPECT_EQ(properties("1"), "int | 10 | 0 | 6 | 4 | NULL");
+    EXPECT_EQ(properties("CAST('ab' AS varchar(10))"),
+              "varchar | 0 | 0 | 10 | 10 | SQL_Latin1_General_CP1_CI_AS");
+    EXPECT_EQ(properties("N'abc'"), "nvarchar | 0 | 0 | 14 | 6 | SQL_Latin1_General_CP1_CI_AS");
+    EXPECT_EQ(properties("GETDATE()"), "datetime | 23 | 3 | 10 | 8 | NULL");
+    EXPECT_EQ(properties("CAST('12:00' AS time(3))"), "time | 12 | 3 | 7 | 4 | NULL");
+    EXPECT_EQ(properties("$1"), "money | 19 | 4 | 10 | 8 | NULL");
+    EXPECT_EQ(properties("0x0102"), "varbinary | 0 | 0 | 6 | 2 | NULL");
+    EXPECT_EQ(properties("NULL"), "NULL | NULL | NULL | NULL | NULL | NULL");
+    expectAnswers(engine, {{"SELECT SQL_VARIANT_PROPERTY(SERVERPROPERTY('Edition'), 'BaseType'), "
+                            "SQL_VARIANT_PROPERTY(1.5, 'nada')",
+                            "nvarchar | NULL"},
+                           {"SELECT TYPEPROPERTY('int', 'precision'), TYPEPROPERTY('tinyint', 'PRECISION'), "
+                            "TYPEPROPERTY('datetime', 'Precision'), TYPEPROPERTY('float', 'precision'), "
+                            "TYPEPROPERTY('sysname', 'precision'), TYPEPROPERTY('text', 'precision'), "
+                            "TYPEPROPERTY('money', 'scale'), TYPEPROPERTY('varchar', 'scale'), "
+                            "TYPEPROPERTY('integer', 'precision'), TYPEPROPERTY('nada', 'precision'), "
+                            "TYPEPROPERTY('sysname', 'AllowsNull'), TYPEPROPERTY('char', 'UsesAnsiTrim')",
+                            "10 | 3 | 23 | 53 | 128 | 2147483647 | 4 | NULL | 10 | NULL | 0 | 1"}});
 }
 
 TEST(Functions, DescribeTheirResults)

@@ -32,6 +32,19 @@ struct Message
     int line = 1;
 };
 
+/// The wire's current-command tokens, of which clients evaluate these.
+namespace commands {
+inline constexpr std::uint16_t select = 0xC1; ///< assignments to variables, too
+inline constexpr std::uint16_t insertRows = 0xC3;
+inline constexpr std::uint16_t deleteRows = 0xC4;
+inline constexpr std::uint16_t updateRows = 0xC5;
+inline constexpr std::uint16_t rollback = 0xD2;
+inline constexpr std::uint16_t begin = 0xD4;
+inline constexpr std::uint16_t commit = 0xD5;
+inline constexpr std::uint16_t execute = 0xE0;
+inline constexpr std::uint16_t other = 0xFD;
+} // namespace commands
+
 /// How a statement ended: one DONE, DONEINPROC or DONEPROC each.
 struct Completion
 {
@@ -42,11 +55,10 @@ struct Completion
         Procedure
     };
     Kind kind = Kind::Statement;
-    std::optional<std::uint64_t> rows; ///< rows affected or returned; none when it counts nothing
-    std::uint16_t command = 0;         ///< the wire's current-command token (SELECT 0xC1, INSERT 0xC3 ...)
+    std::optional<std::uint64_t> rows;       ///< rows affected or returned; none when it counts nothing
+    std::uint16_t command = commands::other; ///< what ended
     bool error = false;
-    bool inTransaction = false;
-    bool attention = false; ///< answers a cancel
+    bool omissible = false; ///< goes unsaid unless it ends a result set or follows an error
 };
 
 enum class EnvironmentChange : std::uint8_t

@@ -34,8 +34,8 @@ void checkPrecision(const ast::DataType& type, const Place& place)
     const int precision = type.facets.front();
     if (precision > most)
         raise(2750, {place.ordinal, std::to_string(precision), std::to_string(most)});
-    if (type.facets.size() > 1 && type.facets[1] > precision)
-        raise(2751, {place.ordinal, std::to_string(type.facets[1]), std::to_string(precision)});
+    if (type.facets.size() > 1 && type.facets[1] > precision && place.what == std::string_view("column"))
+        raise(183, {std::to_string(type.facets[1]), place.name, "0", std::to_string(precision)});
 }
 
 void checkFacets(const ast::DataType& type, const Place& place)

@@ -10,7 +10,7 @@ namespace practice {
 
 /// @param ordinal position among the columns or parameters, for messages
 /// @param what "column" or "parameter", for messages
-/// @throws SqlError 2715 for an unknown type; 1001, 1002, 131, 2716, 2717, 2750, 2751 for wrong facets
+/// @throws SqlError 2715 for an unknown type; 1001, 1002, 131, 2716, 2717, 2750, 183, 192 for wrong facets
 [[nodiscard]] SqlType resolveDeclaredType(const ast::DataType& type, int ordinal, const char* what,
                                           const std::string& name);
 

@@ -354,7 +354,7 @@ Term Translator::binary(const ast::Binary& binary, Scope& scope)
 {
     const Term left = expression(*binary.left, scope);
     const Term right = expression(*binary.right, scope);
-    return arithmetic(binary.op, left, right);
+    return arithmetic(binary.op, left, right, emptyNulls());
 }
 
 Term Translator::collate(const ast::Collate& collate, Scope& scope)

@@ -8,7 +8,7 @@ namespace {
 /// The numeric type that an argument counts as: texts are read as floats.
 Term numeric(const FunctionCall& call, std::size_t i, const char* function)
 {
-    const Term given = call.term(i);
+    Term given = call.term(i);
     if (isCharacter(given.type.id) || given.type.id == TypeId::Null)
         return convertTerm(given, given.type.id == TypeId::Null ? intType() : floatType(),
                            Conversion::Implicit);
@@ -36,6 +36,15 @@ Term widened(const Term& term)
     }
 }
 
+/// As wide as a number of these digits behind the point can be.
+Term widest(const Term& term, int leastScale = 0)
+{
+    if (!isDecimal(term.type.id))
+        return term;
+    const int scale = std::max<int>(term.type.scale, leastScale);
+    return convertTerm(term, {term.type.id, 17, 38, static_cast<std::uint8_t>(scale)}, Conversion::Implicit);
+}
+
 Term absolute(const FunctionCall& call)
 {
     const Term number = widened(numeric(call, 0, "abs"));
@@ -45,7 +54,7 @@ Term absolute(const FunctionCall& call)
 
 Term sign(const FunctionCall& call)
 {
-    const Term number = widened(numeric(call, 0, "sign"));
+    const Term number = widest(widened(numeric(call, 0, "sign")));
     return resultTerm(callText("t_sign", {number.sql, typeArgument(number.type)}), number.type,
                       number.nullable);
 }
@@ -78,10 +87,18 @@ Term round(const FunctionCall& call)
         number.type, true);
 }
 
+/// The type in which a function of reals gives its result back: that of its argument, with room.
+Term inReals(const Term& term, int leastScale = 0)
+{
+    if (term.type.id == TypeId::Bit)
+        return convertTerm(term, floatType(), Conversion::Implicit);
+    return widest(widened(term), leastScale);
+}
+
 Term power(const FunctionCall& call)
 {
     // The result has the type of the base.
-    const Term base = widened(numeric(call, 0, "power"));
+    const Term base = inReals(numeric(call, 0, "power"));
     const Term exact = convertTerm(base, floatType(), Conversion::Implicit);
     const Term result = resultTerm(callText("t_power", {exact.sql, call.real(1).sql}), floatType());
     return convertTerm(result, base.type, Conversion::Explicit);
@@ -107,7 +124,8 @@ constexpr const char* tanFunction = "t_tan";
 
 Term inOwnType(const FunctionCall& call, const char* function, const char* name)
 {
-    const Term number = widened(numeric(call, 0, name));
+    constexpr int angleScale = 18;
+    const Term number = inReals(numeric(call, 0, name), angleScale);
     const Term real = convertTerm(number, floatType(), Conversion::Implicit);
     return convertTerm(resultTerm(callText(function, {real.sql}), floatType()), number.type,
                        Conversion::Explicit);

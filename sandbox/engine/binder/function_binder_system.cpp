@@ -26,12 +26,33 @@ Term asked(const FunctionCall& call, const char* function, const SqlType& type)
     return resultTerm(std::string(function) + "(" + arguments + ")", type);
 }
 
+/// Texts are hashed as they are stored: in the code page or as UTF-16.
+Term hashBytes(const FunctionCall& call)
+{
+    const Term data = call.term(1);
+    const TypeId id = data.type.id;
+    if (id != TypeId::Null && (isLegacyLob(id) || !(isCharacter(id) || isBinary(id))))
+        raise(8116, {typeName(id), "2", "hashbytes"});
+    const Term bytes = convertTerm(data, {TypeId::VarBinary, maxLength}, Conversion::Explicit);
+    return resultTerm(callText("t_hashbytes", {call.text(0).sql, bytes.sql}), {TypeId::VarBinary, 8000});
+}
+
+Term variantProperty(const FunctionCall& call)
+{
+    const SqlType variant{TypeId::SqlVariant, 8016};
+    const Term given = call.term(0);
+    const Term held = convertTerm(given, variant, Conversion::Implicit);
+    const std::string collation = given.collation.empty() ? defaultCollation : given.collation;
+    return resultTerm(callText("t_variantproperty", {held.sql, call.text(1).sql, quotedText(collation)}),
+                      variant);
+}
+
 Term isNull(const FunctionCall& call)
 {
     const Term first = call.term(0);
     const Term second = call.term(1);
     const SqlType type = first.type.id == TypeId::Null ? second.type : first.type;
-    const Term substitute = convertTerm(second, type, Conversion::Implicit);
+    Term substitute = convertTerm(second, type, Conversion::Implicit);
     if (first.type.id == TypeId::Null)
         return substitute;
     Term result = first;
@@ -252,6 +273,7 @@ constexpr FunctionEntry entries[] = {
     {"getansinull", 0, 1, sessionValue<ansiNull, TypeId::SmallInt, 2>},
     {"grouping", 1, 1, grouping},
     {"has_dbaccess", 1, 1, sessionAnswer<hasAccess, TypeId::Int, 4>},
+    {"hashbytes", 2, 2, hashBytes},
     {"host_id", 0, 0, sessionValue<hostId, TypeId::Char, 8>},
     {"host_name", 0, 0, sessionValue<hostName, name, nameLength>},
     {"ident_current", 1, 1, identCurrent},
@@ -278,6 +300,7 @@ constexpr FunctionEntry entries[] = {
     {"scope_identity", 0, 0, scopeIdentity},
     {"serverproperty", 1, 1, sessionAnswer<serverProperty, TypeId::SqlVariant, 8016>},
     {"session_user", 0, 0, sessionValue<userNameValue, name, nameLength>},
+    {"sql_variant_property", 2, 2, variantProperty},
     {"stats_date", 2, 2, sessionAnswer<statsDate, TypeId::DateTime, 8>},
     {"suser_id", 0, 1, valueOrAnswer<loginIdValue, loginId, TypeId::Int, 4>},
     {"suser_name", 0, 1, valueOrAnswer<loginNameValue, loginName, name, nameLength>},

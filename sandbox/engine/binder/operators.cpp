@@ -64,7 +64,7 @@ bool eitherNullable(const Term& left, const Term& right)
     return left.nullable || right.nullable;
 }
 
-Term concatenated(const Term& left, const Term& right)
+Term concatenated(const Term& left, const Term& right, bool emptyNulls)
 {
     SqlType type = commonType(left, right);
     const bool text = isCharacter(type.id);
@@ -97,7 +97,12 @@ Term concatenated(const Term& left, const Term& right)
         if (first != nullptr && second != nullptr)
             return constantTerm(Value{*first + *second, {}}, type);
     }
-    Term result = resultTerm("(" + a.sql + "||" + b.sql + ")", type, eitherNullable(left, right));
+    const bool filled = text && emptyNulls;
+    const auto joined = [filled](const Term& term) {
+        return filled && term.nullable ? "ifnull(" + term.sql + ",'')" : term.sql;
+    };
+    Term result =
+        resultTerm("(" + joined(a) + "||" + joined(b) + ")", type, !filled && eitherNullable(left, right));
     if (text) {
         const Term merged = mergedCollation(a, b, "add");
         result.collation = merged.collation;
@@ -240,7 +245,7 @@ void requireOperands(Operator op, const Term& left, const Term& right)
 
 } // namespace
 
-Term arithmetic(Operator op, const Term& left, const Term& right)
+Term arithmetic(Operator op, const Term& left, const Term& right, bool emptyNulls)
 {
     if (op >= Operator::BitAnd)
         return bitArithmetic(op, left, right);
@@ -250,7 +255,7 @@ Term arithmetic(Operator op, const Term& left, const Term& right)
         return text || bytes;
     };
     if (op == Operator::Add && (concatenates(left, right) || concatenates(right, left)))
-        return concatenated(left, right);
+        return concatenated(left, right, emptyNulls);
     requireOperands(op, left, right);
     if (isDateTime(left.type.id) || isDateTime(right.type.id))
         return dateArithmetic(op, left, right);

@@ -141,6 +141,11 @@ public:
     /// For text that is used apart from this translator: columns of stored tables go without
     /// qualifier, and what the session supplies is asked for by function instead of by parameter.
     bool standsAlone = false;
+    /// What is stored joins texts as the server does by itself, what runs as the session wants it.
+    [[nodiscard]] bool emptyNulls() const
+    {
+        return !standsAlone && !context_.session.options().concatNullYieldsNull;
+    }
 
     [[nodiscard]] const std::vector<ParameterSlot>& parameters() const { return parameters_; }
     [[nodiscard]] SessionContext& session() { return context_.session; }
@@ -230,6 +235,8 @@ private:
 [[nodiscard]] std::string writtenName(const ast::ObjectName& name);
 
 /// An exact numeric, float, money or date operation. @throws SqlError 402, 8117 ...
-[[nodiscard]] Term arithmetic(ast::BinaryOperator op, const Term& left, const Term& right);
+/// @param emptyNulls a NULL text counts as an empty one where texts are joined
+[[nodiscard]] Term arithmetic(ast::BinaryOperator op, const Term& left, const Term& right,
+                              bool emptyNulls = false);
 
 } // namespace practice

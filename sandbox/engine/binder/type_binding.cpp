@@ -10,15 +10,6 @@ constexpr int maxUnicode = 4000;
 constexpr int maxPrecision = 38;
 constexpr int maxFraction = 7;
 
-int storedSizeOfDecimal(int precision)
-{
-    if (precision <= 9)
-        return 5;
-    if (precision <= 19)
-        return 9;
-    return precision <= 28 ? 13 : 17;
-}
-
 SqlType sized(SqlType type, const ast::DataType& written)
 {
     const int longest = isUnicode(type.id) ? maxUnicode : maxBytes;
@@ -49,7 +40,7 @@ SqlType exact(SqlType type, const ast::DataType& written)
         type.precision = static_cast<std::uint8_t>(precision);
         type.scale = static_cast<std::uint8_t>(scale);
     }
-    type.length = storedSizeOfDecimal(type.precision);
+    type.length = decimalStorage(type.precision);
     return type;
 }
 
@@ -61,6 +52,7 @@ SqlType fractional(SqlType type, const ast::DataType& written)
     if (scale < 0 || scale > maxFraction)
         raise(1002, {std::to_string(written.source.line), std::to_string(scale)});
     type.scale = static_cast<std::uint8_t>(scale);
+    type.length = timeStorage(type.id, scale);
     return type;
 }
 

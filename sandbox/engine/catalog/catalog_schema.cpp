@@ -126,7 +126,8 @@ CREATE VIEW cat_column_type AS
         CASE WHEN k.nullable THEN t.nulltype ELSE t.type END AS oldtype,
         CASE WHEN k.xtype IN (231, 239) AND k.length > 0 THEN 2 * k.length ELSE k.length END AS bytes,
         CASE WHEN k.xtype IN (106, 108) THEN k.prec
-             WHEN k.xtype IN (165, 167, 173, 175, 231, 239) THEN k.length ELSE t.prec END AS fullprec,
+             WHEN k.xtype IN (165, 167, 173, 175, 231, 239) THEN k.length
+             WHEN k.xtype IN (41, 42, 43) THEN t.prec - 7 + k.scale - (k.scale = 0) ELSE t.prec END AS fullprec,
         CASE WHEN k.xtype IN (106, 108, 41, 42, 43) THEN k.scale ELSE t.scale END AS fullscale
     FROM cat_column k JOIN sys_type t
         ON t.xusertype = CASE k.usertype WHEN 'sysname' THEN 256 ELSE k.xtype END;

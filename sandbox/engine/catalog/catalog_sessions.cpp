@@ -37,6 +37,12 @@ void SessionRegistry::end(int spid, int databaseId, int transactions)
     entry.transactions = transactions;
 }
 
+void SessionRegistry::setTransactions(int spid, int transactions)
+{
+    const std::lock_guard lock(mutex_);
+    sessions_[spid].transactions = transactions;
+}
+
 std::string SessionRegistry::json() const
 {
     const std::lock_guard lock(mutex_);

@@ -31,6 +31,8 @@ public:
     /// A request begins, or has ended and left the session in a database with open transactions.
     void begin(int spid);
     void end(int spid, int databaseId, int transactions);
+    /// While a request runs.
+    void setTransactions(int spid, int transactions);
 
     /// As practice_sessions() gives it (catalog_functions.h).
     [[nodiscard]] std::string json() const;

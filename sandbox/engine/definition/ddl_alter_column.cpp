@@ -69,17 +69,23 @@ struct ColumnChange
         const bool wider = after.type.length == maxLength || after.type.length >= before.type.length;
         return lengthOnly() && wider && before.type.length != maxLength;
     }
+    [[nodiscard]] bool forbidsNulls() const { return before.nullable && !after.nullable; }
+    [[nodiscard]] bool onlyAllowsNulls() const
+    {
+        return before.type == after.type && !before.nullable && after.nullable &&
+               sameName(before.collation, after.collation);
+    }
     [[nodiscard]] bool sameKind() const { return before.type.id == after.type.id; }
 };
 
-/// A variable column may grow under an index or a UNIQUE constraint, change its length under a CHECK,
-/// and keep its default while the kind of type stays.
+/// Under an index or a UNIQUE constraint a column may come to allow NULLs, and a variable one may grow,
+/// change its length under a CHECK, and keep its default while the kind of type stays.
 bool tolerates(const Dependent& dependent, const ColumnChange& change)
 {
     switch (dependent.kind) {
     case DependentKind::Index:
     case DependentKind::Unique:
-        return change.grows();
+        return change.onlyAllowsNulls() || (change.grows() && !change.forbidsNulls());
     case DependentKind::Check:
         return change.lengthOnly();
     case DependentKind::Default:

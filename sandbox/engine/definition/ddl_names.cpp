@@ -66,6 +66,8 @@ DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
 ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, const char* statement)
 {
     ObjectPlace place;
+    if (!name.database.empty() && !isTemporary(name.object) && !session.catalog().database(name.database))
+        raise(2702, {name.database});
     place.database = databaseOf(session, name);
     requireWritable(*place.database);
     place.name = catalogName(session, name.object);

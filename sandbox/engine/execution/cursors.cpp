@@ -133,7 +133,7 @@ void executeFetch(SessionState& session, const ast::FetchStatement& statement)
     session.sink().columns(described);
     if (found)
         session.sink().row(cursor.rows[static_cast<std::size_t>(cursor.position)]);
-    session.done(found ? 1 : 0, 0xC1);
+    session.done(found ? 1 : 0, commands::select);
 }
 
 } // namespace practice

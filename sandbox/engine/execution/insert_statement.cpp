@@ -14,8 +14,6 @@ namespace practice {
 
 namespace {
 
-constexpr std::uint16_t insertCommand = 0xC3;
-
 struct InsertPlan : Plan
 {
     ObjectPtr table;
@@ -442,7 +440,7 @@ void executeInsert(SessionState& session, const ast::InsertStatement& statement)
     if (used->output)
         sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, insertCommand);
+    session.done(rows, commands::insertRows);
 }
 
 void addRows(SessionState& session, const ast::InsertStatement& statement,
@@ -470,7 +468,7 @@ void insertRows(SessionState& session, const ast::InsertStatement& statement,
         return static_cast<std::uint64_t>(given.size());
     });
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, insertCommand);
+    session.done(rows, commands::insertRows);
 }
 
 } // namespace practice

@@ -1,7 +1,9 @@
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
+#include "engine/messages/message_texts.h"
 #include "tsql/parser.h"
 #include "types/conversion.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 
@@ -19,6 +21,15 @@ std::string asText(SessionState& session, const ast::Expression& expression)
     if (value.value.isNull())
         return "(null)";
     return toText(value.value, value.type);
+}
+
+/// PRINT cuts a text at the length that a variable without max can have.
+std::string printed(const Variable& value)
+{
+    const std::size_t most = isUnicode(value.type.id) ? 4000 : 8000;
+    const std::string text = toText(value.value, value.type);
+    const std::u16string units = toUtf16(text);
+    return units.size() > most ? toUtf8(std::u16string_view(units).substr(0, most)) : text;
 }
 
 std::string padded(const std::string& text, std::string_view flags, int width)
@@ -48,8 +59,9 @@ std::string inBase(std::uint32_t number, char conversion)
 class Formatter
 {
 public:
-    Formatter(SessionState& session, const std::vector<ast::ExpressionPtr>& arguments)
-        : session_(session), arguments_(arguments)
+    /// @param catalogued the text is the server's own, whose places all read %s
+    Formatter(SessionState& session, const std::vector<ast::ExpressionPtr>& arguments, bool catalogued)
+        : session_(session), arguments_(arguments), catalogued_(catalogued)
     {}
 
     std::string format(std::string_view text)
@@ -75,7 +87,7 @@ private:
         const auto digits = [&text, &at, this] {
             if (at < text.size() && text[at] == '*') {
                 ++at;
-                return number();
+                return number().value_or(0);
             }
             int value = 0;
             for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at)
@@ -99,37 +111,59 @@ private:
             raise(2787, {std::string(text.substr(start))});
         const char conversion = text[at++];
         if (conversion == 's') {
-            std::string value = next_ < arguments_.size() ? asText(session_, *arguments_[next_]) : "(null)";
-            ++next_;
+            std::string value = words();
             if (precision >= 0 && static_cast<std::size_t>(precision) < value.size())
                 value.resize(static_cast<std::size_t>(precision));
             return padded(value, flags, width);
         }
         if (std::string_view("diuoxXp").find(conversion) == std::string_view::npos)
             raise(2787, {std::string(text.substr(start, at - start))});
-        const int value = number();
+        const std::optional<int> given = number();
+        if (!given)
+            return padded("(null)", flags, width);
+        const int value = *given;
         const bool natural = conversion == 'd' || conversion == 'i';
         std::string shown = natural             ? std::to_string(value)
                             : conversion == 'u' ? std::to_string(static_cast<std::uint32_t>(value))
                                                 : inBase(static_cast<std::uint32_t>(value), conversion);
         if (natural && value >= 0 && flags.find('+') != std::string_view::npos)
             shown.insert(0, "+");
+        if (!natural && value != 0 && flags.find('#') != std::string_view::npos)
+            shown.insert(0, conversion == 'o'   ? "0"
+                            : conversion == 'X' ? "0X"
+                            : conversion == 'x' ? "0x"
+                                                : "");
         return padded(shown, flags, width);
     }
 
-    int number()
+    /// What the next place of %s shows.
+    std::string words()
     {
         if (next_ >= arguments_.size())
-            return 0;
+            return "(null)";
+        const Variable value = session_.evaluate(*arguments_[next_++]);
+        if (value.value.isNull())
+            return "(null)";
+        if (!catalogued_ && !isCharacter(value.type.id))
+            raise(2786, {std::to_string(next_)});
+        return toText(value.value, value.type);
+    }
+
+    /// What the next place of %d shows; none for NULL and for an argument that is not there.
+    std::optional<int> number()
+    {
+        if (next_ >= arguments_.size())
+            return std::nullopt;
         const Variable value = session_.evaluate(*arguments_[next_++]);
         const auto* integer = std::get_if<std::int64_t>(&value.value.data);
         if (integer == nullptr && !value.value.isNull())
             raise(2786, {std::to_string(next_)});
-        return integer == nullptr ? 0 : static_cast<int>(*integer);
+        return integer == nullptr ? std::nullopt : std::optional(static_cast<int>(*integer));
     }
 
     SessionState& session_;
     const std::vector<ast::ExpressionPtr>& arguments_;
+    bool catalogued_;
     std::size_t next_ = 0;
 };
 
@@ -149,21 +183,48 @@ Message oldForm(SessionState& session, const ast::RaiserrorStatement& statement)
     return message;
 }
 
+/// RAISERROR (number, ...): the text of sysmessages.
+Message catalogued(SessionState& session, const ast::RaiserrorStatement& statement, std::int64_t number)
+{
+    constexpr int firstNumber = 13000;
+    if (number < firstNumber || number > INT32_MAX || number == firstUserNumber)
+        raise(2732, {std::to_string(number), std::to_string(firstNumber), std::to_string(INT32_MAX)});
+    const MessageText* known = findMessageText(static_cast<int>(number));
+    if (known == nullptr)
+        raise(18054, {std::to_string(number), std::to_string(numberOf(session, *statement.severity)),
+                      std::to_string(numberOf(session, *statement.state))});
+    Message message;
+    message.number = known->number;
+    message.severity = known->severity;
+    message.text = Formatter(session, statement.arguments, true).format(known->text);
+    return message;
+}
+
+/// A longer text ends in an ellipsis.
+std::string shortened(const std::string& text)
+{
+    constexpr std::size_t most = 2047;
+    constexpr std::size_t shown = 2044;
+    const std::u16string units = toUtf16(text);
+    return units.size() > most ? toUtf8(std::u16string_view(units).substr(0, shown)) + "..." : text;
+}
+
 Message composed(SessionState& session, const ast::RaiserrorStatement& statement)
 {
     Message message;
     const Variable given = session.evaluate(*statement.message);
     if (const auto* number = std::get_if<std::int64_t>(&given.value.data)) {
-        if (*number < 13000)
-            raise(2732, {std::to_string(*number), "13000", "2147483647"});
-        message = makeMessage(static_cast<int>(*number));
+        message = catalogued(session, statement, *number);
     } else {
         message.number = firstUserNumber;
         const std::string text = given.value.isNull() ? "" : toText(given.value, given.type);
-        message.text = Formatter(session, statement.arguments).format(text);
+        message.text = shortened(Formatter(session, statement.arguments, false).format(text));
     }
-    message.severity = std::clamp(numberOf(session, *statement.severity), 0, worstSeverity);
-    message.state = std::clamp(numberOf(session, *statement.state), 0, 255);
+    constexpr int own = -1; // the severity and the state that the message has of itself
+    if (const int severity = numberOf(session, *statement.severity); severity != own)
+        message.severity = std::clamp(severity, 0, worstSeverity);
+    const int state = numberOf(session, *statement.state);
+    message.state = state < 0 ? 1 : std::min(state, 255);
     if (message.severity > highestOpenSeverity && !statement.log)
         raise(2754);
     return message;
@@ -176,7 +237,10 @@ void executePrint(SessionState& session, const ast::PrintStatement& statement)
     const Variable value = session.evaluate(*statement.value);
     Message message;
     message.severity = 0;
-    message.text = value.value.isNull() ? "" : toText(value.value, value.type);
+    message.text = value.value.isNull() ? "" : printed(value);
+    // A line without a text is shown by a blank.
+    if (message.text.empty())
+        message.text = " ";
     session.sendMessage(message);
     session.lastRowCount = 0;
 }
@@ -190,7 +254,7 @@ void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& stat
     session.sendMessage(message);
     const bool error = message.severity > lastInformation || statement.setError;
     session.statementError = error ? message.number : 0;
-    session.done(std::nullopt, 0, message.severity > lastInformation);
+    session.done(std::nullopt, commands::other, message.severity > lastInformation);
 }
 
 void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
@@ -225,7 +289,6 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
     message.text =
         "DBCC execution completed. If DBCC printed error messages, contact your system administrator.";
     session.sendMessage(message);
-    session.done(std::nullopt, 0);
 }
 
 } // namespace practice

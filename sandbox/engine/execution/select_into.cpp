@@ -8,8 +8,6 @@ namespace practice {
 
 namespace {
 
-constexpr std::uint16_t selectIntoCommand = 0xC1;
-
 std::string columnDefinition(const QueryColumn& column)
 {
     SqlType type = column.type;
@@ -85,7 +83,7 @@ void selectInto(SessionState& session, QueryPlan& plan, const ast::ObjectName& t
     if (target.object.starts_with('#') && !target.object.starts_with("##"))
         session.frame().temporaryTables.push_back(target.object);
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, selectIntoCommand);
+    session.done(rows, commands::select);
 }
 
 } // namespace practice

@@ -9,8 +9,6 @@ namespace practice {
 
 namespace {
 
-constexpr std::uint16_t selectCommand = 0xC1;
-
 const ast::SelectBlock* firstBlock(const ast::QueryBody& body)
 {
     const ast::QueryBody* at = &body;
@@ -68,6 +66,7 @@ void selectIntoVariables(SessionState& session, QueryPlan& plan)
             session.assign(plan.assigned[i], values[i], plan.columns[i].type);
     });
     session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.done(rows, commands::select);
 }
 
 void selectRows(SessionState& session, QueryPlan& plan)
@@ -75,11 +74,11 @@ void selectRows(SessionState& session, QueryPlan& plan)
     ResultSink& sink = session.sink();
     sink.columns(plan.described);
     if (session.options().formatOnly)
-        return session.done(0, selectCommand);
+        return session.done(0, commands::select);
     const std::uint64_t rows =
         stepQuery(session, plan, [&sink](const std::vector<Value>& values) { sink.row(values); });
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, selectCommand);
+    session.done(rows, commands::select);
 }
 
 } // namespace
@@ -87,8 +86,6 @@ void selectRows(SessionState& session, QueryPlan& plan)
 void executeSelect(SessionState& session, const ast::SelectStatement& statement)
 {
     QueryPlan& plan = planQuery(session, statement.query);
-    if (session.options().noExec)
-        return;
     if (plan.block->into)
         return selectInto(session, plan, *plan.block->into);
     if (!plan.block->from.empty())

@@ -139,7 +139,6 @@ void executeSetOption(SessionState& session, const ast::SetOptionStatement& stat
         else if (statement.value)
             setValue(session, name, *statement.value);
     }
-    session.done(std::nullopt, 0);
 }
 
 } // namespace practice

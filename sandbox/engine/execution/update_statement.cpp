@@ -14,9 +14,6 @@ namespace practice {
 
 namespace {
 
-constexpr std::uint16_t updateCommand = 0xC5;
-constexpr std::uint16_t deleteCommand = 0xC4;
-
 /// The rows that an UPDATE or DELETE is about: FROM and WHERE as written, the target among them.
 struct ChangePlan : Plan
 {
@@ -149,7 +146,7 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
         const auto op = static_cast<ast::BinaryOperator>(static_cast<int>(assignment.op) - 1);
         const Term before =
             resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
-        value = arithmetic(op, before, value);
+        value = arithmetic(op, before, value, translator.emptyNulls());
     }
     const Term converted = convertTerm(value, column.type, Conversion::Assignment);
     if (column.nullable || !converted.nullable)
@@ -317,7 +314,7 @@ void executeUpdate(SessionState& session, const ast::UpdateStatement& statement)
     if (used->output)
         sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, updateCommand);
+    session.done(rows, commands::updateRows);
 }
 
 void executeDelete(SessionState& session, const ast::DeleteStatement& statement)
@@ -344,7 +341,7 @@ void executeDelete(SessionState& session, const ast::DeleteStatement& statement)
     if (used->output)
         sendOutput(session, *used->output, shown);
     session.lastRowCount = static_cast<std::int64_t>(rows);
-    session.done(rows, deleteCommand);
+    session.done(rows, commands::deleteRows);
 }
 
 void executeTruncate(SessionState& session, const ast::TruncateStatement& statement)
@@ -374,7 +371,6 @@ void executeTruncate(SessionState& session, const ast::TruncateStatement& statem
         return 0;
     });
     session.lastRowCount = 0;
-    session.done(std::nullopt, 0);
 }
 
 void planAhead(SessionState& session, const ast::Statement& statement)

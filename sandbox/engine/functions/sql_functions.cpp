@@ -71,6 +71,8 @@ void registerSqlFunctions(sqlite3* connection)
     registerTextFunctions(connection);
     registerPatternFunctions(connection);
     registerDateFunctions(connection);
+    registerHashFunctions(connection);
+    registerVariantFunctions(connection);
     registerAggregates(connection);
 }
 

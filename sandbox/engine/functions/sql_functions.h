@@ -86,6 +86,8 @@ void registerNumberFunctions(sqlite3* connection);
 void registerTextFunctions(sqlite3* connection);
 void registerPatternFunctions(sqlite3* connection);
 void registerDateFunctions(sqlite3* connection);
+void registerHashFunctions(sqlite3* connection);
+void registerVariantFunctions(sqlite3* connection);
 void registerAggregates(sqlite3* connection);
 
 /// All of the above.

@@ -25,6 +25,8 @@ bool Interpreter::prepare(const ast::StatementList& statements)
     bool moved = false;
     for (const auto& statement : statements)
         prepare(*statement, sound, moved);
+    if (!sound)
+        session_.done(std::nullopt, commands::other, true);
     return sound;
 }
 
@@ -43,7 +45,6 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
             throw SqlError(error);
         session_.sendMessage(error.message);
         session_.lastError = error.message.number;
-        session_.done(std::nullopt, 0, true);
         sound = false;
     };
     switch (statement.kind) {

@@ -41,7 +41,8 @@ bool terminates(const ast::Statement& statement, const SqlError& error)
 {
     static constexpr std::array ofData = {220, 232, 512,  515,  517,  530,  535,  544,
                                           547, 550, 2601, 2627, 3623, 8115, 8134, 8152};
-    static constexpr std::array ofTables = {220, 232, 515, 1505, 8115, 8152};
+    static constexpr std::array ofTables = {220, 232, 241,  242,  244,  245,  248,
+                                            295, 515, 1505, 8114, 8115, 8152, 8169};
     const int number = error.cause == 0 ? error.message.number : error.cause;
     switch (statement.kind) {
     case Kind::Insert:
@@ -53,6 +54,36 @@ bool terminates(const ast::Statement& statement, const SqlError& error)
         return std::binary_search(ofTables.begin(), ofTables.end(), number);
     default:
         return false;
+    }
+}
+
+/// NOEXEC leaves all but SET undone, FMTONLY what would change anything.
+bool isSkipped(const SessionOptions& options, Kind kind)
+{
+    if (options.noExec)
+        return kind != Kind::SetOption;
+    return options.formatOnly && kind >= Kind::Insert && kind < Kind::Use;
+}
+
+std::uint16_t commandOf(const ast::Statement& statement)
+{
+    switch (statement.kind) {
+    case Kind::Select:
+    case Kind::SetVariable:
+    case Kind::Declare:
+    case Kind::Fetch:
+        return commands::select;
+    case Kind::Insert:
+        return commands::insertRows;
+    case Kind::Update:
+        return commands::updateRows;
+    case Kind::Delete:
+        return commands::deleteRows;
+    case Kind::Execute:
+    case Kind::ExecuteString:
+        return commands::execute;
+    default:
+        return commands::other;
     }
 }
 
@@ -82,8 +113,10 @@ void Interpreter::runBatch(const std::string& text)
     } catch (const SqlError& error) {
         // The batch could not be read, or a fault came from outside any statement.
         session_.sink().message(error.message);
+        for (const Message& next : error.more)
+            session_.sink().message(next);
         session_.lastError = error.message.number;
-        session_.done(std::nullopt, 0, true);
+        session_.done(std::nullopt, commands::other, true);
     } catch (const BatchAborted&) {
         // reported already
     } catch (const ScopeAborted&) {
@@ -97,7 +130,7 @@ void Interpreter::runBatch(const std::string& text)
     if (session_.doomed) {
         session_.rollbackAll();
         session_.sendMessage(makeMessage(3998));
-        session_.done(std::nullopt, 0, true);
+        session_.done(std::nullopt, commands::other, true);
     }
 }
 
@@ -105,7 +138,7 @@ void Interpreter::runNested(const std::string& text)
 {
     auto frame = std::make_unique<Frame>();
     frame->compiled = session_.compile(text);
-    frame->completion = Completion::Kind::InProcedure;
+    frame->silent = true;
     frame->tryDepth = 1; // so that errors come back to the caller
     if (session_.hasFrame()) {
         frame->procedure = session_.frame().procedure;
@@ -172,16 +205,19 @@ Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
     return Flow::Next;
 }
 
-void Interpreter::report(const Message& message, bool terminated)
+void Interpreter::report(const SqlError& error, std::uint16_t command, bool terminated)
 {
+    const Message& message = error.message;
     session_.sendMessage(message);
+    for (const Message& next : error.more)
+        session_.sendMessage(next);
     session_.lastError = message.number;
     session_.lastRowCount = 0;
     if (terminated)
         session_.sendMessage(makeMessage(3621));
-    session_.done(std::nullopt, 0, true);
-    const bool aborted = abortsBatch(message.number);
-    const bool all = endsTransaction(message.number) ||
+    session_.done(std::nullopt, command, true);
+    const bool aborted = !error.confined && abortsBatch(message.number);
+    const bool all = (!error.confined && endsTransaction(message.number)) ||
                      (session_.options().xactAbort && !aborted && message.number != 50000);
     if (all && session_.transactionCount() > 0)
         session_.rollbackAll();
@@ -189,6 +225,13 @@ void Interpreter::report(const Message& message, bool terminated)
         throw BatchAborted{};
     if (aborted)
         throw ScopeAborted{};
+}
+
+/// A statement that a TRY block watches over ends without a word of its error: one of rows with none.
+void Interpreter::closeCaught(const ast::Statement& statement)
+{
+    const bool counts = statement.kind <= Kind::Delete;
+    session_.done(counts ? std::optional<std::uint64_t>(0) : std::nullopt, commandOf(statement));
 }
 
 template <typename Work>
@@ -199,9 +242,14 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         if (message.procedure.empty())
             message.procedure = session_.frame().procedure;
         message.line = session_.frame().line;
-        if (session_.catchesErrors())
+        const bool terminated = terminates(statement, error);
+        error.confined =
+            terminated && (statement.kind == Kind::AlterTable || statement.kind == Kind::CreateIndex);
+        if (session_.catchesErrors()) {
+            closeCaught(statement);
             throw SqlError(std::move(error));
-        report(message, terminates(statement, error));
+        }
+        report(error, commandOf(statement), terminated);
         if (statement.kind == Kind::Throw)
             throw BatchAborted{};
     };
@@ -222,6 +270,8 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
     if (session_.store().cancelled())
         throw Cancelled{};
     session_.frame().line = static_cast<int>(statement.source.line);
+    if (isSkipped(session_.options(), statement.kind))
+        return Flow::Next;
     session_.limitPlans();
     session_.beginStatement();
     const bool structured =
@@ -230,7 +280,12 @@ Interpreter::Flow Interpreter::statement(const ast::Statement& statement)
         statement.kind == Kind::Continue || statement.kind == Kind::Goto || statement.kind == Kind::Label;
     if (structured)
         return controlled(statement);
-    guarded(statement, [this, &statement] { simple(statement); });
+    session_.frame().closed = false;
+    guarded(statement, [this, &statement] {
+        simple(statement);
+        if (!session_.frame().closed && statement.kind != Kind::Declare)
+            session_.done(std::nullopt, commandOf(statement));
+    });
     return Flow::Next;
 }
 
@@ -297,7 +352,8 @@ Interpreter::Flow Interpreter::tryCatch(const ast::TryCatchStatement& node)
         --frame.tryDepth;
         if (error.message.severity >= 20)
             throw;
-        const bool dooms = session_.options().xactAbort || endsTransaction(error.message.number);
+        const bool dooms =
+            session_.options().xactAbort || (!error.confined && endsTransaction(error.message.number));
         session_.doomed = session_.doomed || (dooms && session_.transactionCount() > 0);
         session_.lastError = error.message.number;
         frame.caught.push_back(error.message);
@@ -345,8 +401,7 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::Truncate:
         return executeTruncate(session_, ast::as<ast::TruncateStatement>(node));
     case Kind::Use:
-        session_.useDatabase(ast::as<ast::UseStatement>(node).database);
-        return session_.done(std::nullopt, 0);
+        return session_.useDatabase(ast::as<ast::UseStatement>(node).database);
     case Kind::Declare:
         return declare(ast::as<ast::DeclareStatement>(node));
     case Kind::SetVariable:
@@ -379,7 +434,7 @@ void Interpreter::simple(const ast::Statement& node)
         return kill(ast::as<ast::KillStatement>(node));
     case Kind::Checkpoint:
     case Kind::Reconfigure:
-        return session_.done(std::nullopt, 0);
+        return;
     case Kind::Shutdown:
     case Kind::ExecuteAs:
     case Kind::Revert:
@@ -397,7 +452,7 @@ void Interpreter::definition(const ast::Statement& node)
     if (const auto* create = ast::tryAs<ast::CreateTableStatement>(&node);
         create != nullptr && create->name.object.starts_with('#') && !create->name.object.starts_with("##"))
         session_.frame().temporaryTables.push_back(create->name.object);
-    session_.done(rows, 0, session_.statementError != 0);
+    session_.done(rows, commands::other, session_.statementError != 0);
 }
 
 void Interpreter::declare(const ast::DeclareStatement& node)
@@ -410,6 +465,8 @@ void Interpreter::declare(const ast::DeclareStatement& node)
             if (declaration.initial) {
                 const Variable value = session_.evaluate(*declaration.initial);
                 session_.assign(declaration.name, value.value, value.type);
+                session_.lastRowCount = 1;
+                session_.done(1, commands::select);
             }
         }
     }
@@ -424,14 +481,15 @@ void Interpreter::setVariable(const ast::SetVariableStatement& node)
     requireConversion(value.type, target.type, Conversion::Implicit);
     session_.assign(node.variable, value.value, value.type);
     session_.lastRowCount = 1;
+    session_.done(1, commands::select);
 }
 
 void Interpreter::transaction(const ast::TransactionStatement& node)
 {
     std::string name = node.name;
     if (name.starts_with('@')) {
-        const Value& value = session_.variable(name).value;
-        name = value.isNull() ? "" : std::get<std::string>(value.data);
+        const Variable& held = session_.variable(name);
+        name = held.value.isNull() ? "" : toText(held.value, held.type);
     }
     switch (node.action) {
     case ast::TransactionAction::Begin:
@@ -447,8 +505,9 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
         session_.saveTransaction(name);
         break;
     }
-    constexpr std::uint16_t commands[] = {0xD4, 0xD5, 0xD2, 0xD4};
-    session_.done(std::nullopt, commands[static_cast<std::size_t>(node.action)]);
+    constexpr std::uint16_t tokens[] = {commands::begin, commands::commit, commands::rollback,
+                                        commands::begin};
+    session_.done(std::nullopt, tokens[static_cast<std::size_t>(node.action)]);
 }
 
 void Interpreter::waitFor(const ast::WaitForStatement& node)
@@ -476,7 +535,6 @@ void Interpreter::waitFor(const ast::WaitForStatement& node)
             throw Cancelled{};
         sqlite3_sleep(static_cast<int>(std::min(left, slice)));
     }
-    session_.done(std::nullopt, 0);
 }
 
 void Interpreter::throwMessage(const ast::ThrowStatement& node)
@@ -487,8 +545,8 @@ void Interpreter::throwMessage(const ast::ThrowStatement& node)
         throw SqlError{session_.frame().caught.back()};
     }
     Message message;
-    message.number =
-        static_cast<int>(std::get<std::int64_t>(session_.evaluate(*node.number, intType()).data));
+    const Value number = session_.evaluate(*node.number, intType());
+    message.number = number.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(number.data));
     const Value text = session_.evaluate(*node.message, nVarCharType(2048));
     message.text = text.isNull() ? "" : std::get<std::string>(text.data);
     const Value state = session_.evaluate(*node.state, intType());

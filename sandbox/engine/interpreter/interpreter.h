@@ -2,6 +2,7 @@
 // ends.
 #pragma once
 
+#include "engine/messages/errors.h"
 #include "engine/session/session_state.h"
 
 #include <string>
@@ -27,7 +28,8 @@ public:
     /// @throws SqlError 2812 ...
     int callProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments);
     /// A call that comes by itself, not in a batch.
-    void runProcedureRequest(const ast::ObjectName& name, const std::string& written,
+    /// @return false when a fault took it whole: nothing comes back then
+    bool runProcedureRequest(const ast::ObjectName& name, const std::string& written,
                              std::vector<Parameter>& arguments);
 
 private:
@@ -65,7 +67,8 @@ private:
 
     template <typename Work>
     void guarded(const ast::Statement& statement, Work work);
-    void report(const Message& message, bool terminated);
+    void report(const SqlError& error, std::uint16_t command, bool terminated);
+    void closeCaught(const ast::Statement& statement);
 
     // Before anything runs: declarations are hoisted, and what can be bound already is.
     bool prepare(const ast::StatementList& statements);

@@ -9,13 +9,13 @@
 #include "types/conversion.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace practice {
 
 namespace {
 
 constexpr int deepestNesting = 32;
-constexpr std::uint16_t executeCommand = 0xE0;
 
 const ast::CreateProcedureStatement& definitionOf(const CompiledBatch& compiled, const std::string& name)
 {
@@ -86,9 +86,17 @@ std::vector<Declared> declaredParameters(SessionState& session, const std::strin
     return declared;
 }
 
-Parameter handleParameter(int handle)
+/// What a parameter comes back with has the type that the caller declared.
+void giveBack(Parameter& parameter, const Variable& result)
 {
-    return {"", intType(), Value{std::int64_t{handle}, {}}, true, false};
+    if (parameter.type.id == TypeId::Null)
+        parameter.type = result.type;
+    requireConversion(result.type, parameter.type, Conversion::Implicit);
+    try {
+        parameter.value = convert(result.value, result.type, parameter.type);
+    } catch (const ConversionError&) {
+        raise(8114, {typeName(result.type.id), typeName(parameter.type.id)});
+    }
 }
 
 int handleOf(const std::vector<Parameter>& arguments)
@@ -101,7 +109,7 @@ int handleOf(const std::vector<Parameter>& arguments)
 
 } // namespace
 
-void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::string& written,
+bool Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::string& written,
                                       std::vector<Parameter>& arguments)
 {
     auto frame = std::make_unique<Frame>();
@@ -113,11 +121,13 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
         session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
         session_.endStatement();
     };
+    bool ended = false;
     try {
         session_.beginStatement();
         if (name.empty())
             raise(2812, {written});
         session_.sink().returnStatus(callProcedure(name, arguments));
+        ended = true;
     } catch (const BatchAborted&) {
         // reported already
     } catch (const ScopeAborted&) {
@@ -127,6 +137,7 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
         throw;
     }
     leave();
+    return ended;
 }
 
 int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments)
@@ -171,7 +182,8 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     session_.pushFrame(std::move(frame));
     session_.enterModule();
     const SessionOptions options = session_.options();
-    const auto leave = [this, &options] {
+    const int outer = std::exchange(status_, 0);
+    const auto leave = [this, &options, outer] {
         std::unique_ptr<Frame> ended = session_.popFrame();
         for (const auto& [variable, stored] : ended->tableVariables)
             ended->temporaryTables.push_back(stored);
@@ -180,8 +192,8 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
         const std::string identityInsert = session_.options().identityInsert;
         session_.options() = options;
         session_.options().identityInsert = identityInsert;
+        return std::exchange(status_, outer);
     };
-    status_ = 0;
     try {
         requireKnownArguments(procedure->name, definition.parameters, arguments);
         passArguments(procedure->name, definition.parameters, arguments);
@@ -191,9 +203,7 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
             Parameter* argument = argumentFor(arguments, definition.parameters[i].name, i);
             if (argument == nullptr || !argument->output)
                 continue;
-            const Variable& variable = session_.variable(definition.parameters[i].name);
-            argument->value = variable.value;
-            argument->type = variable.type;
+            giveBack(*argument, session_.variable(definition.parameters[i].name));
         }
     } catch (const ScopeAborted&) {
         leave();
@@ -207,8 +217,7 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
         leave();
         throw;
     }
-    leave();
-    return status_;
+    return leave();
 }
 
 void Interpreter::passArguments(const std::string& procedure,
@@ -268,9 +277,10 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
     ast::ObjectName name = node.procedure;
     if (!node.variable.empty()) {
         const Variable& variable = session_.variable(node.variable);
-        name = parseObjectName(variable.value.isNull() ? "" : std::get<std::string>(variable.value.data));
+        const std::string written = variable.value.isNull() ? "" : toText(variable.value, variable.type);
+        name = parseObjectName(written);
         if (name.empty())
-            raise(2812, {variable.value.isNull() ? "" : std::get<std::string>(variable.value.data)});
+            raise(2812, {written});
     }
     const int transactions = session_.transactionCount();
     const int status = callProcedure(name, arguments);
@@ -287,24 +297,21 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
             makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())}));
     if (session_.frame().completion == Completion::Kind::Statement)
         session_.sink().returnStatus(status);
-    Completion completion;
-    completion.kind = session_.frame().completion == Completion::Kind::Statement
-                          ? Completion::Kind::Procedure
-                          : Completion::Kind::InProcedure;
-    completion.command = executeCommand;
-    completion.inTransaction = session_.transactionCount() > 0;
-    session_.sink().done(completion);
+    session_.done(std::nullopt, commands::execute);
 }
 
 void Interpreter::executeString(const ast::ExecuteStringStatement& node)
 {
     const Value text = session_.evaluate(*node.text, nVarCharType(maxLength));
-    if (text.isNull())
-        return;
-    const DatabasePtr before = session_.database();
-    Frame frame;
-    runInner(std::get<std::string>(text.data), frame);
-    session_.returnTo(before);
+    if (!text.isNull()) {
+        const DatabasePtr before = session_.database();
+        Frame frame;
+        runInner(std::get<std::string>(text.data), frame);
+        session_.returnTo(before);
+    }
+    if (session_.frame().completion == Completion::Kind::Statement)
+        session_.sink().returnStatus(0);
+    session_.done(std::nullopt, commands::execute);
 }
 
 int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known)
@@ -387,9 +394,7 @@ int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
     const std::string declarations = plainText(arguments[1]);
     const std::string text = plainText(arguments[2]);
     session_.preparedTexts[handle] = {declarations, text};
-    const std::string name = arguments[0].name;
-    arguments[0] = handleParameter(handle);
-    arguments[0].name = name;
+    giveBack(arguments[0], {intType(), Value{std::int64_t{handle}, {}}});
     if (!execute) {
         (void)session_.compile(text);
         return 0;
@@ -413,6 +418,8 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
             std::string written = "(";
             raise(8178, {written.append(declarations).append(")").append(text), declared[i].name});
         }
+        if (value->output && !declared[i].output)
+            raise(8162, {declared[i].name});
         Variable variable{declared[i].type, value->value};
         if (!value->value.isNull() && !(value->type == variable.type))
             variable.value = convert(value->value, value->type, variable.type);
@@ -426,9 +433,7 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
         Parameter* value = argumentFor(values, declared[i].name, i);
         if (value == nullptr || !value->output)
             continue;
-        const Variable& variable = frame.variables[lowerCase(declared[i].name)];
-        value->type = variable.type;
-        value->value = variable.value;
+        giveBack(*value, frame.variables[lowerCase(declared[i].name)]);
     }
 }
 

@@ -27,6 +27,7 @@ public:
         state_.setNestedRunner([this](const std::string& text) { Interpreter(state_).runNested(text); });
         registerSessionList(state_.connection(), registry);
         registry.add(spid, {login.name, request.host, request.application});
+        state_.transactionsChanged = [this](int count) { registry_.setTransactions(state_.spid(), count); };
     }
     ~EngineSession() override { registry_.remove(state_.spid()); }
 
@@ -47,21 +48,25 @@ public:
 
     void executeProcedure(std::string_view name, std::vector<Parameter> parameters, ResultSink& sink) override
     {
-        request(sink, [this, name, &parameters, &sink] {
-            Interpreter(state_).runProcedureRequest(parseObjectName(name), std::string(name), parameters);
-            for (const Parameter& parameter : parameters) {
-                if (parameter.output)
-                    sink.outputParameter(parameter.name, parameter.type, parameter.value);
-            }
-            state_.done(std::nullopt, 0);
-        });
+        request(
+            sink,
+            [this, name, &parameters, &sink] {
+                const bool ended = Interpreter(state_).runProcedureRequest(parseObjectName(name),
+                                                                           std::string(name), parameters);
+                for (const Parameter& parameter : parameters) {
+                    if (ended && parameter.output)
+                        sink.outputParameter(parameter.name, parameter.type, parameter.value);
+                }
+                state_.done(std::nullopt, commands::execute);
+            },
+            commands::execute);
     }
 
     void beginTransaction(const std::string& name, ResultSink& sink) override
     {
         request(sink, [this, &name] {
             state_.beginTransaction(name);
-            state_.done(std::nullopt, 0);
+            state_.done(std::nullopt, commands::other);
         });
     }
 
@@ -69,7 +74,7 @@ public:
     {
         request(sink, [this] {
             state_.commitTransaction();
-            state_.done(std::nullopt, 0);
+            state_.done(std::nullopt, commands::other);
         });
     }
 
@@ -77,7 +82,7 @@ public:
     {
         request(sink, [this, &name] {
             state_.rollbackTransaction(name);
-            state_.done(std::nullopt, 0);
+            state_.done(std::nullopt, commands::other);
         });
     }
 
@@ -99,7 +104,7 @@ public:
 private:
     /// What is common to all requests: a cancel ends one without a word, a fault with its message.
     template <typename Work>
-    void request(ResultSink& sink, Work work)
+    void request(ResultSink& sink, Work work, std::uint16_t command = commands::other)
     {
         state_.setSink(sink);
         state_.store().clearCancel();
@@ -111,13 +116,13 @@ private:
         } catch (const SqlError& error) {
             sink.message(error.message);
             state_.lastError = error.message.number;
-            state_.done(std::nullopt, 0, true);
+            state_.done(std::nullopt, command, true);
         } catch (const StoreError& failure) {
             Message message = makeMessage(8630);
             message.text += " " + failure.text;
             sink.message(message);
             state_.abandon();
-            state_.done(std::nullopt, 0, true);
+            state_.done(std::nullopt, command, true);
         }
         registry_.end(id(), state_.database()->id, state_.transactionCount());
     }

@@ -95,8 +95,9 @@ constexpr MessageText texts[] = {
      "Column '%s' in table '%s' is of a type that is invalid for use as a key column in an index."},
     {1921, 16, 1, "Invalid filegroup '%s' specified."},
     {1925, 16, 2,
-     "Cannot convert a clustered index to a nonclustered index using the DROP_EXISTING option. To change the "
-     "index type from clustered to nonclustered, delete the clustered index, and then create a nonclustered "
+     "Cannot convert a clustered index to a nonclustered index by using the DROP_EXISTING option. To change "
+     "the index type from clustered to nonclustered, delete the clustered index, and then create a "
+     "nonclustered "
      "index by using two separate statements."},
     {1939, 16, 1, "Cannot create index on view '%s' because the view is not schema bound."},
     {1944, 16, 1,
@@ -106,6 +107,7 @@ constexpr MessageText texts[] = {
     {1945, 10, 1,
      "Warning! The maximum key length is %s bytes. The index '%s' has maximum length of %s bytes. For some "
      "combination of large values, the insert/update operation will fail."},
+    {2702, 16, 2, "Database '%s' does not exist."},
     {2705, 16, 3,
      "Column names in each table must be unique. Column name '%s' in table '%s' is specified more than "
      "once."},
@@ -127,8 +129,6 @@ constexpr MessageText texts[] = {
      "of 0, unencrypted, and constrained to be nonnullable."},
     {2750, 16, 1,
      "Column or parameter #%s: Specified column precision %s is greater than the maximum precision of %s."},
-    {2751, 16, 1,
-     "Column or parameter #%s: Specified column scale %s is greater than the specified precision of %s."},
     {2752, 16, 1, "Identity column '%s' contains invalid SEED."},
     {2753, 16, 1, "Identity column '%s' contains invalid INCREMENT."},
     {2759, 16, 0, "CREATE SCHEMA failed due to previous errors."},

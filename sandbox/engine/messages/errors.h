@@ -6,6 +6,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace practice {
 
@@ -13,7 +14,9 @@ namespace practice {
 struct SqlError
 {
     Message message;
-    int cause = 0; ///< number of the message sent ahead of it, which tells what really failed
+    int cause = 0;               ///< number of the message sent ahead of it, which tells what really failed
+    bool confined = false;       ///< ends its statement alone, whatever the number does elsewhere
+    std::vector<Message> more{}; ///< what is told behind it
 };
 
 /// The message of a number with its place holders filled in order. State 1 unless the catalogue of

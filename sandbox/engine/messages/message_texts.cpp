@@ -496,6 +496,10 @@ constexpr MessageText texts[] = {
      "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns."},
     {16929, 16, 1, "The cursor is READ ONLY."},
     {16931, 16, 1, "There are no rows in the current fetch buffer."},
+    {18054, 16, 1,
+     "Error %s, severity %s, state %s was raised, but no message with that error number was found in "
+     "sys.messages. If error is larger than 50000, make sure the user-defined message is added using "
+     "sp_addmessage."},
     {18456, 14, 1, "Login failed for user '%s'."},
 };
 

@@ -95,7 +95,6 @@ int ProcedureCall::numberOr(std::size_t place, int otherwise) const
 
 std::uint64_t ProcedureCall::sendRows(const char* columns, const std::string& source) const
 {
-    constexpr std::uint16_t selectCommand = 0xC1;
     const SystemTable table = compileSystemTable({"", "", false, columns, source.c_str()});
     std::vector<ColumnInfo> described;
     for (const auto& column : table.columns)
@@ -112,8 +111,7 @@ std::uint64_t ProcedureCall::sendRows(const char* columns, const std::string& so
     }
     Completion completion;
     completion.kind = Completion::Kind::InProcedure;
-    completion.command = selectCommand;
-    completion.inTransaction = session_.transactionCount() > 0;
+    completion.command = commands::select;
     if (!session_.options().noCount)
         completion.rows = count;
     sink.done(completion);

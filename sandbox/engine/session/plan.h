@@ -14,12 +14,13 @@
 
 namespace practice {
 
-/// Holds as long as the catalog and the database it was bound in stay as they were.
+/// Holds as long as the catalog, the database and the option it was bound with stay as they were.
 struct Plan
 {
     virtual ~Plan() = default;
     std::uint64_t catalogVersion = 0;
     int databaseId = 0;
+    bool concatNullYieldsNull = true;
     std::vector<ParameterSlot> slots;
 };
 

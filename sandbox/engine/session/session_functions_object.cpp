@@ -275,23 +275,28 @@ void identIncrement(SessionState& session, const Call& call)
 }
 
 // typeproperty(type, property)
-void typeProperty(SessionState&, const Call& call)
+void typeProperty(SessionState& session, const Call& call)
 {
-    const TypeId id = typeByName(lowerCase(call.text(0)));
-    if (id == TypeId::Null)
+    constexpr int schemaOfSystem = 4;
+    std::string name = lowerCase(parseObjectName(call.text(0)).object);
+    if (const TypeId id = typeByName(name); id != TypeId::Null)
+        name = typeName(id);
+    Statement query(session.connection(), "SELECT prec, scale FROM sys_type WHERE name = ?1");
+    query.bind(1, name);
+    if (!query.step())
         return null(call);
-    const SqlType type = defaultType(id, true);
     const std::string property = lowerCase(call.text(1));
-    if (property == "precision") {
-        const bool text = isCharacter(id) || isBinary(id);
-        const int widest = isUnicode(id) ? 4000 : 8000;
-        return call.result(text            ? (isLegacyLob(id) ? type.length : widest)
-                           : isDecimal(id) ? 38
-                                           : int{type.precision});
-    }
+    if (property == "precision")
+        return call.result(query.integer(0));
     if (property == "scale")
-        return isDecimal(id) ? call.result(38) : null(call);
-    return property == "allowsnull" ? call.result(1) : null(call);
+        return query.isNull(1) ? null(call) : call.result(query.integer(1));
+    if (property == "allowsnull")
+        return call.result(name == "sysname" || name == "timestamp" ? 0 : 1);
+    if (property == "ownerid")
+        return call.result(schemaOfSystem);
+    const TypeId id = typeByName(name);
+    const bool trims = (isCharacter(id) || isBinary(id)) && !isLegacyLob(id) && id != TypeId::Timestamp;
+    return property == "usesansitrim" && trims ? call.result(1) : null(call);
 }
 
 void typeIdNamed(SessionState& session, const Call& call)

@@ -243,12 +243,19 @@ bool SessionState::isTrue(const ast::Expression& condition)
 void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error)
 {
     Completion completion;
-    completion.kind = frames_.empty() ? Completion::Kind::Statement : frame().completion;
+    if (!frames_.empty()) {
+        frame().closed = true;
+        if (frame().silent)
+            return;
+        completion.kind = frame().completion;
+    }
+    if (completion.kind == Completion::Kind::Statement && command == commands::execute)
+        completion.kind = Completion::Kind::Procedure;
     if (!options_.noCount)
         completion.rows = rows;
     completion.command = command;
     completion.error = error;
-    completion.inTransaction = transactionCount_ > 0;
+    completion.omissible = options_.noCount && completion.kind == Completion::Kind::InProcedure && !error;
     sink().done(completion);
 }
 
@@ -373,6 +380,7 @@ void SessionState::keepTemporaryTables(std::vector<std::string> names,
 {
     temporaryTables_.insert(temporaryTables_.end(), names.begin(), names.end());
     std::vector<std::string> ended;
+    ended.reserve(tableVariables.size());
     for (const auto& [variable, stored] : tableVariables)
         ended.push_back(stored);
     dropTemporaryTables(ended);
@@ -405,8 +413,8 @@ Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op
 {
     // The compound assignments stand in the order of the operators that they are made of.
     const auto binary = static_cast<ast::BinaryOperator>(static_cast<int>(op) - 1);
-    const Term term =
-        arithmetic(binary, constantTerm(left.value, left.type), constantTerm(right.value, right.type));
+    const Term term = arithmetic(binary, constantTerm(left.value, left.type),
+                                 constantTerm(right.value, right.type), !options_.concatNullYieldsNull);
     Statement statement(connection(), "SELECT " + term.sql);
     Variable result{term.type, {}};
     if (statement.step())

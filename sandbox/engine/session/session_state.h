@@ -61,7 +61,9 @@ struct Frame
     std::vector<Message> caught; ///< errors of the CATCH blocks that run, the innermost last
     int tryDepth = 0;
     Completion::Kind completion = Completion::Kind::Statement;
-    int line = 1; ///< of the running statement
+    bool silent = false; ///< the server's own work, whose statements tell no completions
+    bool closed = false; ///< the running statement has told its completion
+    int line = 1;        ///< of the running statement
 };
 
 class SessionState : public SessionContext
@@ -147,6 +149,7 @@ public:
 
     // Results.
     void setSink(ResultSink& sink) { sink_ = &sink; }
+    /// Ends the running statement. A call in a client's batch ends as a procedure does.
     void done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error = false);
 
     // Transactions (transactions.cpp).
@@ -161,6 +164,8 @@ public:
     template <typename Work>
     auto atomically(Work work);
     void startImplicitTransaction();
+    /// Told each new count of open transactions.
+    std::function<void(int)> transactionsChanged;
 
     [[nodiscard]] const std::string& databaseName() const { return databaseName_; }
     /// Undoes a USE of an inner batch.
@@ -200,6 +205,7 @@ public:
 
 private:
     void announceTransaction(EnvironmentChange kind);
+    void setTransactionCount(int count);
     QueryPlan& scalarPlan(const ast::Expression& expression, bool condition);
 
     std::filesystem::path dataDirectory_;
@@ -245,7 +251,8 @@ PlanType* SessionState::findPlan(const void* node)
     if (found == plans.end())
         return nullptr;
     Plan& plan = *found->second;
-    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id)
+    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
+        plan.concatNullYieldsNull != options_.concatNullYieldsNull)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -255,6 +262,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
 {
     plan->catalogVersion = catalog().version();
     plan->databaseId = database()->id;
+    plan->concatNullYieldsNull = options_.concatNullYieldsNull;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;

@@ -90,6 +90,7 @@ const std::unordered_map<std::string, Reader>& readers()
         {"@@trancount", [](SessionState& s) { return number(s.transactionCount()); }},
         {"@@spid", [](SessionState& s) { return number(s.spid()); }},
         {"@@servername", [](SessionState& s) { return text(s.serverName()); }},
+        {"@@remserver", [](SessionState&) { return Value{}; }},
         {"@@servicename", [](SessionState&) { return text("MSSQLSERVER"); }},
         {"@@language", [](SessionState& s) { return text(s.options().language); }},
         {"@@langid", fixed(0)},

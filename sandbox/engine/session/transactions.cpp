@@ -29,9 +29,17 @@ void SessionState::announceTransaction(EnvironmentChange kind)
     sink().environment(kind, begins ? descriptor : "", begins ? "" : descriptor);
 }
 
+void SessionState::setTransactionCount(int count)
+{
+    transactionCount_ = count;
+    if (transactionsChanged)
+        transactionsChanged(count);
+}
+
 void SessionState::beginTransaction(const std::string& name)
 {
-    if (++transactionCount_ > 1)
+    setTransactionCount(transactionCount_ + 1);
+    if (transactionCount_ > 1)
         return;
     transactionName_ = name;
     ++transactionDescriptor_;
@@ -80,12 +88,12 @@ void SessionState::commitTransaction()
     if (doomed)
         raise(3930);
     if (transactionCount_ > 1) {
-        --transactionCount_;
+        setTransactionCount(transactionCount_ - 1);
         return;
     }
     if (store_.inTransaction())
         store_.commit();
-    transactionCount_ = 0;
+    setTransactionCount(0);
     savepoints_.clear();
     pendingSavepoints_.clear();
     announceTransaction(EnvironmentChange::CommitTransaction);
@@ -99,7 +107,7 @@ void SessionState::rollbackAll()
     pendingSavepoints_.clear();
     if (transactionCount_ == 0)
         return;
-    transactionCount_ = 0;
+    setTransactionCount(0);
     announceTransaction(EnvironmentChange::RollbackTransaction);
 }
 
