@@ -1,5 +1,6 @@
 // Names in expressions, calls, CASE, conversions, ODBC escapes and types.
 #include "tsql/query_parser.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <array>
@@ -14,14 +15,6 @@ namespace {
 bool isAlone(const ast::ObjectName& name)
 {
     return name.schema.empty() && name.database.empty() && name.server.empty();
-}
-
-std::string lowerCase(std::string_view text)
-{
-    std::string result(text);
-    std::ranges::transform(result, result.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return result;
 }
 
 /// The parts before a column's name.

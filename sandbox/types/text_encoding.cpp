@@ -177,4 +177,12 @@ bool isAscii(std::string_view text)
                        [](char c) { return static_cast<signed char>(c) >= 0; });
 }
 
+std::string lowerCase(std::string_view text)
+{
+    std::string result(text);
+    std::ranges::transform(result, result.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return result;
+}
+
 } // namespace practice

@@ -33,4 +33,6 @@ void appendUtf8(std::string& out, char32_t codePoint);
 
 [[nodiscard]] bool isAscii(std::string_view text);
 
+[[nodiscard]] std::string lowerCase(std::string_view text); ///< ASCII letters only: keywords, variables
+
 } // namespace practice

@@ -76,14 +76,6 @@ bool isTrue(const std::optional<Value>& constant)
 
 Translator::Translator(BindContext context) : context_(std::move(context)) {}
 
-std::string lowerCase(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return result;
-}
-
 std::string writtenName(const ast::ObjectName& name)
 {
     std::string text;

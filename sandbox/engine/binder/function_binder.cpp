@@ -1,6 +1,7 @@
 #include "engine/binder/function_binder.h"
 
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
 #include "engine/binder/function_binder.h"
 #include "engine/functions/date_functions.h"
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 namespace practice {
 

@@ -2,6 +2,7 @@
 #include "engine/binder/translator.h"
 #include "engine/context/permissions.h"
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 

@@ -231,7 +231,6 @@ private:
 /// Where in tempdb's catalog "#name" lies for a session.
 [[nodiscard]] std::string temporaryName(const SessionContext& session, const std::string& name);
 
-[[nodiscard]] std::string lowerCase(std::string_view text); ///< ASCII letters only: keywords, variables
 [[nodiscard]] std::string writtenName(const ast::ObjectName& name);
 
 /// An exact numeric, float, money or date operation. @throws SqlError 402, 8117 ...

@@ -2,6 +2,7 @@
 #include "engine/execution/statements.h"
 #include "engine/execution/step_query.h"
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 

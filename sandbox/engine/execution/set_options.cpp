@@ -1,6 +1,7 @@
 #include "engine/execution/change_target.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 #include <array>
 

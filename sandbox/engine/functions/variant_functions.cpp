@@ -94,7 +94,7 @@ void variantProperty(const Call& call)
         call.result(Value{std::string(answer), {TypeId::NVarChar, 128}}, variant);
     };
     const auto number = [&call, &variant](int answer) {
-        call.result(Value{std::int64_t{answer}, intType()}, variant);
+        call.result(Value{std::int64_t{answer}, SqlType{TypeId::Int, 4}}, variant);
     };
     const std::string property = lowerCase(call.text(1));
     if (property == "basetype")

@@ -1,6 +1,7 @@
 #include "engine/execution/statements.h"
 #include "engine/interpreter/interpreter.h"
 #include "engine/messages/errors.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <array>

@@ -7,6 +7,7 @@
 #include "engine/messages/errors.h"
 #include "tsql/parser.h"
 #include "types/conversion.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,7 @@
 #include "engine/catalog/database_options.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
+#include "types/text_encoding.h"
 
 #include <array>
 

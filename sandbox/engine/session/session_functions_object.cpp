@@ -1,6 +1,7 @@
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
 #include "tsql/parser.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 

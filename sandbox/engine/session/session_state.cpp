@@ -8,6 +8,7 @@
 #include "engine/messages/errors.h"
 #include "types/conversion.h"
 #include "types/date_time.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <array>
