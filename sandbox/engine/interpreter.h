@@ -18,7 +18,8 @@ public:
     /// A batch inside a running statement: errors are raised.
     void runNested(const std::string& text);
     /// EXEC ('text') and sp_executesql: a batch of its own scope whose errors are reported where the
-    /// caller's would be. `frame` brings its variables along.
+    /// caller's would be. `frame` brings its variables along
+    /// and has them as they are at the end.
     /// `family` keeps apart the plans of equal texts whose variables differ.
     void runInner(const std::string& text, Frame& frame, const std::string& family = {});
 
@@ -46,6 +47,7 @@ private:
     struct ScopeAborted
     {};
 
+    void runRequest(const std::string& text);
     Flow run(const ast::StatementList& statements);
     Flow statement(const ast::Statement& statement);
     Flow controlled(const ast::Statement& statement);

@@ -20,6 +20,7 @@ struct Plan
     virtual ~Plan() = default;
     std::uint64_t catalogVersion = 0;
     int databaseId = 0;
+    std::uint64_t visibility = 0;
     std::vector<ParameterSlot> slots;
 };
 

@@ -3,6 +3,7 @@
 #include "engine/interpreter.h"
 #include "engine/parsed_texts.h"
 #include "engine/permissions.h"
+#include "engine/session_scope.h"
 #include "engine/sql_functions.h"
 #include "engine/statements.h"
 #include "tsql/parser.h"
@@ -14,6 +15,7 @@ namespace practice {
 namespace {
 
 constexpr int deepestNesting = 32;
+constexpr int tempdbId = 2;
 constexpr std::uint16_t executeCommand = 0xE0;
 
 const ast::CreateProcedureStatement& definitionOf(const CompiledBatch& compiled, const std::string& name)
@@ -106,12 +108,8 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
     auto frame = std::make_unique<Frame>();
     frame->compiled = std::make_shared<CompiledBatch>();
     frame->completion = Completion::Kind::Procedure;
-    session_.pushFrame(std::move(frame));
-    const auto leave = [this] {
-        const std::unique_ptr<Frame> ended = session_.popFrame();
-        session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
-        session_.endStatement();
-    };
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Request);
+    const StatementEnd end(session_);
     try {
         session_.beginStatement();
         if (name.empty())
@@ -121,11 +119,7 @@ void Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
         // reported already
     } catch (const ScopeAborted&) {
         // reported already
-    } catch (...) {
-        leave();
-        throw;
     }
-    leave();
 }
 
 int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments)
@@ -142,14 +136,16 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
     const DatabasePtr database =
         name.database.empty() ? session_.database() : catalog.database(name.database);
     ObjectPtr found;
-    if (database)
+    if (name.object.starts_with('#'))
+        found = catalog.object(tempdbId, "", session_.temporaryName(name.object));
+    else if (database)
         found = catalog.object(database->id, name.schema, name.object, session_.user().id);
     // Procedures called sp_ are looked for in master too.
     if (!found && maybeSystem)
         found = catalog.object(1, name.schema, name.object);
     if (!found || found->kind != ObjectKind::Procedure)
         raise(2812, {writtenName(name)});
-    if (session_.frame().procedureId == 0)
+    if (session_.frame().procedureId == 0 && found->databaseId != tempdbId)
         requirePermission(session_, *found, "EXECUTE");
     return runModule(found, arguments);
 }
@@ -162,28 +158,21 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
     auto frame = std::make_unique<Frame>();
     frame->compiled = compiled;
-    frame->procedure = procedure->name;
+    const std::string shown = temporaryWrittenName(procedure->name);
+    frame->procedure = shown;
     frame->procedureId = procedure->id;
     frame->completion = Completion::Kind::InProcedure;
-    frame->database = session_.catalog().database(procedure->databaseId);
+    // A temporary procedure works where it is called.
+    if (procedure->databaseId != tempdbId || !procedure->name.starts_with('#'))
+        frame->database = session_.catalog().database(procedure->databaseId);
+    else
+        frame->database = session_.frame().database;
     // Defaults and conversions are the procedure's own affair: its frame stands already.
-    session_.pushFrame(std::move(frame));
-    session_.enterModule();
-    const SessionOptions options = session_.options();
-    const auto leave = [this, &options] {
-        std::unique_ptr<Frame> ended = session_.popFrame();
-        for (const auto& [variable, stored] : ended->tableVariables)
-            ended->temporaryTables.push_back(stored);
-        session_.leaveModule();
-        session_.dropTemporaryTables(ended->temporaryTables);
-        const std::string identityInsert = session_.options().identityInsert;
-        session_.options() = options;
-        session_.options().identityInsert = identityInsert;
-    };
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Module);
     status_ = 0;
     try {
-        requireKnownArguments(procedure->name, definition.parameters, arguments);
-        passArguments(procedure->name, definition.parameters, arguments);
+        requireKnownArguments(shown, definition.parameters, arguments);
+        passArguments(shown, definition.parameters, arguments);
         if (prepare(definition.body))
             run(definition.body);
         for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
@@ -195,18 +184,12 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
             argument->type = variable.type;
         }
     } catch (const ScopeAborted&) {
-        leave();
         return -6;
     } catch (SqlError& error) {
         if (error.message.procedure.empty())
-            error.message.procedure = procedure->name;
-        leave();
-        throw;
-    } catch (...) {
-        leave();
+            error.message.procedure = shown;
         throw;
     }
-    leave();
     return status_;
 }
 
@@ -300,10 +283,8 @@ void Interpreter::executeString(const ast::ExecuteStringStatement& node)
     const Value text = session_.evaluate(*node.text, nVarCharType(maxLength));
     if (text.isNull())
         return;
-    const DatabasePtr before = session_.database();
     Frame frame;
     runInner(std::get<std::string>(text.data), frame);
-    session_.returnTo(before);
 }
 
 int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known)
@@ -333,14 +314,10 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
     }
     // A database prefix makes the procedure work on that database.
     const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
-    const DatabasePtr before =
-        std::exchange(session_.frame().database, wanted ? wanted : session_.frame().database);
-    const Completion::Kind completion =
-        std::exchange(session_.frame().completion, Completion::Kind::InProcedure);
-    const auto restore = [this, &before, completion] {
-        session_.frame().database = before;
-        session_.frame().completion = completion;
-    };
+    const Temporarily<DatabasePtr> database(session_.frame().database,
+                                            wanted ? wanted : session_.frame().database);
+    const Temporarily<Completion::Kind> completion(session_.frame().completion,
+                                                   Completion::Kind::InProcedure);
     // What it writes outside a transaction is its own to commit, like a statement's.
     const bool alone = session_.transactionCount() == 0 && !session_.store().inTransaction();
     std::optional<Savepoint> savepoint;
@@ -354,12 +331,10 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
         else if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
             session_.store().commit();
     } catch (...) {
-        restore();
         if (!savepoint && session_.store().inTransaction())
             session_.undoFirstWrites();
         throw;
     }
-    restore();
     known = status.has_value();
     return status.value_or(0);
 }
@@ -417,10 +392,8 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
             variable.value = convert(value->value, value->type, variable.type);
         frame.variables[lowerCase(declared[i].name)] = std::move(variable);
     }
-    const DatabasePtr before = session_.database();
     // The same text may come with other declarations: its plans are kept apart by them.
     runInner(text, frame, declarations);
-    session_.returnTo(before);
     for (std::size_t i = 0; i < declared.size(); ++i) {
         Parameter* value = argumentFor(values, declared[i].name, i);
         if (value == nullptr || !value->output)
@@ -434,19 +407,14 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
 void Interpreter::insertRowsOf(const ast::InsertStatement& node)
 {
     CollectingSink collected;
-    ResultSink& outer = session_.sink();
-    session_.setSink(collected);
-    collected.passMessagesTo(outer);
-    try {
+    collected.passMessagesTo(session_.sink());
+    {
+        const SinkScope scope(session_, collected);
         if (const auto* call = ast::tryAs<ast::ExecuteStatement>(node.execute.get()))
             execute(*call);
         else
             executeString(ast::as<ast::ExecuteStringStatement>(*node.execute));
-    } catch (...) {
-        session_.setSink(outer);
-        throw;
     }
-    session_.setSink(outer);
     insertRows(session_, node, collected.described, collected.rows);
 }
 

@@ -5,6 +5,7 @@
 #include "engine/interpreter.h"
 #include "engine/pending_files.h"
 #include "engine/session_state.h"
+#include "engine/temporary_objects.h"
 #include "tsql/parser.h"
 
 #include <atomic>
@@ -20,8 +21,9 @@ class EngineSession : public Session
 {
 public:
     EngineSession(const ServerOptions& options, SessionRegistry& registry, int spid,
-                  const LoginRequest& request, const Login& login)
-        : state_(options.dataDirectory, options.serverName, spid, request, login), registry_(registry)
+                  const LoginRequest& request, const Login& login, TemporaryLeftovers& leftovers)
+        : state_(options.dataDirectory, options.serverName, spid, request, login, leftovers),
+          registry_(registry), leftovers_(leftovers)
     {
         registerSessionList(state_.connection(), registry);
         registry.add(spid, {login.name, request.host, request.application});
@@ -118,10 +120,12 @@ private:
             state_.done(std::nullopt, 0, true);
         }
         registry_.end(id(), state_.database()->id, state_.transactionCount());
+        leftovers_.sweep(state_.store());
     }
 
     SessionState state_;
     SessionRegistry& registry_;
+    TemporaryLeftovers& leftovers_;
     std::string initialDatabase_;
 };
 
@@ -147,7 +151,8 @@ public:
     [[nodiscard]] std::unique_ptr<Session> login(const LoginRequest& request, ResultSink& sink) override
     {
         const Login login = accepted(request);
-        auto session = std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login);
+        auto session =
+            std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login, leftovers_);
         try {
             session->open(request.database.empty() ? login.defaultDatabase : request.database, sink);
         } catch (const SqlError&) {
@@ -176,6 +181,7 @@ private:
     Store store_;
     std::mutex mutex_;
     SessionRegistry registry_;
+    TemporaryLeftovers leftovers_;
     std::atomic<int> nextSpid_ = firstSpid;
 };
 

@@ -6,6 +6,7 @@
 #include "engine/errors.h"
 #include "engine/interpreter.h"
 #include "engine/parsed_texts.h"
+#include "engine/session_scope.h"
 #include "engine/sql_functions.h"
 #include "types/date_time.h"
 
@@ -16,13 +17,6 @@
 namespace practice {
 
 namespace {
-
-std::string suffixOf(int spid)
-{
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "___________%012X", static_cast<unsigned>(spid));
-    return text.data();
-}
 
 /// Conversion of SET and of parameters: what is too long is cut, anything else fails as usual.
 Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to)
@@ -44,9 +38,9 @@ SqlType declaredType(SessionState&, const ast::DataType& type)
 }
 
 SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
-                           int spid, LoginRequest client, Login login)
+                           int spid, LoginRequest client, Login login, TemporaryLeftovers& leftovers)
     : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
-      login_(std::move(login)), store_(dataDirectory / "store.db"), temporarySuffix_(suffixOf(spid))
+      login_(std::move(login)), store_(dataDirectory / "store.db"), leftovers_(leftovers)
 {
     registerSqlFunctions(connection());
     registerCatalogFunctions(connection());
@@ -57,7 +51,9 @@ SessionState::SessionState(const std::filesystem::path& dataDirectory, const std
 
 SessionState::~SessionState()
 {
+    frames_.clear();
     store_.rollback();
+    dropAllTemporaries();
 }
 
 DatabasePtr SessionState::database()
@@ -156,8 +152,7 @@ BindContext SessionState::bindContext()
             },
             [this](const std::string& name) {
                 const auto found = frame().tableVariables.find(name);
-                return found == frame().tableVariables.end() ? std::string()
-                                                             : temporaryName(*this, found->second);
+                return found == frame().tableVariables.end() ? std::string() : temporaryName(found->second);
             },
             !frames_.empty() && frame().procedureId != 0};
 }
@@ -287,14 +282,10 @@ void SessionState::runText(const std::string& text)
 std::vector<std::vector<Value>> SessionState::queryText(const std::string& text)
 {
     CollectingSink collected;
-    ResultSink* before = std::exchange(sink_, &collected);
-    try {
+    {
+        const SinkScope scope(*this, collected);
         runText(text);
-    } catch (...) {
-        sink_ = before;
-        throw;
     }
-    sink_ = before;
     return std::move(collected.rows);
 }
 
@@ -352,32 +343,6 @@ std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& 
     return columns;
 }
 
-void SessionState::dropTemporaryTables(std::vector<std::string>& names)
-{
-    CollectingSink ignored;
-    ResultSink* before = std::exchange(sink_, &ignored);
-    for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        try {
-            if (catalog_->object(2, "", temporaryName(*this, *name)))
-                runText("DROP TABLE [" + *name + "]");
-        } catch (const SqlError&) {
-            continue; // a doomed transaction takes it along
-        }
-    }
-    names.clear();
-    sink_ = before;
-}
-
-void SessionState::keepTemporaryTables(std::vector<std::string> names,
-                                       const std::unordered_map<std::string, std::string>& tableVariables)
-{
-    temporaryTables_.insert(temporaryTables_.end(), names.begin(), names.end());
-    std::vector<std::string> ended;
-    for (const auto& [variable, stored] : tableVariables)
-        ended.push_back(stored);
-    dropTemporaryTables(ended);
-}
-
 void SessionState::createTableVariable(const ast::Declaration& declaration)
 {
     std::uint32_t begin = UINT32_MAX;
@@ -425,18 +390,16 @@ void SessionState::returnTo(const DatabasePtr& database)
 
 void SessionState::abandon()
 {
-    frames_.clear();
-    nestLevel_ = 0;
     if (transactionCount_ == 0)
         store_.rollback();
+    else if (doomed)
+        rollbackAll();
 }
 
 void SessionState::reset()
 {
     rollbackAll();
-    dropTemporaryTables(temporaryTables_);
-    while (!frames_.empty())
-        frames_.pop_back();
+    dropAllTemporaries();
     options_ = {};
     store_.setLockTimeout(-1);
     lastError = 0;

@@ -3,6 +3,7 @@
 
 #include "engine/plan.h"
 #include "engine/session_context.h"
+#include "engine/temporary_objects.h"
 #include "engine/translator.h"
 
 #include <map>
@@ -56,7 +57,8 @@ struct Frame
     std::string procedure;                                       ///< shown in messages; "" in a batch
     int procedureId = 0;
     DatabasePtr database; ///< where a module's names are looked up; none for the session's own
-    std::vector<std::string> temporaryTables;
+    std::vector<TemporaryObject> temporaries;
+    bool ownScope = true;        ///< its temporary objects and theirs alone go when it ends
     std::vector<Message> caught; ///< errors of the CATCH blocks that run, the innermost last
     int tryDepth = 0;
     Completion::Kind completion = Completion::Kind::Statement;
@@ -67,7 +69,7 @@ class SessionState : public SessionContext
 {
 public:
     SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName, int spid,
-                 LoginRequest client, Login login);
+                 LoginRequest client, Login login, TemporaryLeftovers& leftovers);
     ~SessionState() override;
 
     // What SessionContext offers.
@@ -85,7 +87,8 @@ public:
     [[nodiscard]] int transactionCount() const override { return transactionCount_; }
     [[nodiscard]] ResultSink& sink() override { return *sink_; }
     void sendMessage(Message message) override;
-    [[nodiscard]] const std::string& temporarySuffix() const override { return temporarySuffix_; }
+    [[nodiscard]] std::string temporaryName(const std::string& name) const override;
+    [[nodiscard]] std::string newTemporaryName(const std::string& name) override;
     void beginWrite() override;
     void attempt(const std::function<void()>& part) override;
     [[nodiscard]] std::string_view batchText() const override { return frames_.back()->compiled->text; }
@@ -143,6 +146,7 @@ public:
 
     // Results.
     void setSink(ResultSink& sink) { sink_ = &sink; }
+    ResultSink* exchangeSink(ResultSink* sink) { return std::exchange(sink_, sink); }
     void done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error = false);
 
     // Transactions (transactions.cpp).
@@ -165,10 +169,11 @@ public:
     void abandon();
     /// Back to what a fresh login has.
     void reset();
-    void dropTemporaryTables(std::vector<std::string>& names);
-    /// A batch's temporary tables stay for the session, its table variables go.
-    void keepTemporaryTables(std::vector<std::string> names,
-                             const std::unordered_map<std::string, std::string>& tableVariables);
+    /// Drops the table variables of a frame that has ended, and its temporary tables unless they stay
+    /// with the session. Temporary procedures always do.
+    void endScope(Frame& ended, bool tablesStay) noexcept;
+    /// "##name" goes with the session that made it.
+    void ownGlobalTemporary(const std::string& name);
     void createTableVariable(const ast::Declaration& declaration);
 
     IdentityCounter identityCounter;
@@ -196,6 +201,10 @@ public:
 
 private:
     void announceTransaction(EnvironmentChange kind);
+    [[nodiscard]] Frame* innermostScope() const;
+    void dropTemporaries(const std::vector<int>& ids) noexcept;
+    /// All temporary objects of the session.
+    void dropAllTemporaries() noexcept;
     QueryPlan& scalarPlan(const ast::Expression& expression, bool condition);
 
     std::filesystem::path dataDirectory_;
@@ -212,7 +221,6 @@ private:
     int userDatabase_ = 0; ///< database and state of the catalog for which `user_` was looked up
     std::uint64_t userVersion_ = 0;
     SessionOptions options_;
-    std::string temporarySuffix_;
     ResultSink* sink_ = nullptr;
     std::vector<std::unique_ptr<Frame>> frames_;
     int nestLevel_ = 0;
@@ -224,8 +232,12 @@ private:
     std::vector<std::string> savepoints_;
     std::uint64_t transactionDescriptor_ = 0;
 
-    std::vector<std::string> temporaryTables_;
-    int tableVariables_ = 0; ///< made so far: they need names
+    std::vector<TemporaryObject> temporaries_; ///< those that stay from batch to batch
+    std::vector<int> globalTemporaries_;
+    int temporaryNames_ = 0; ///< given out so far
+    TemporaryLeftovers& leftovers_;
+    std::uint64_t visibility_ = 0; ///< counts the times that names of tempdb were lost and objects stayed
+    int tableVariables_ = 0;       ///< made so far: they need names
 
     bool clockRead_ = false;
     DateTimeValue localNow_;
@@ -240,7 +252,8 @@ PlanType* SessionState::findPlan(const void* node)
     if (found == plans.end())
         return nullptr;
     Plan& plan = *found->second;
-    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id)
+    if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
+        plan.visibility != visibility_)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -250,6 +263,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
 {
     plan->catalogVersion = catalog().version();
     plan->databaseId = database()->id;
+    plan->visibility = visibility_;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;

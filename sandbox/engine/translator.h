@@ -223,9 +223,6 @@ private:
 /// The type that is written, with its facets. @throws SqlError 131, 243 ...
 [[nodiscard]] SqlType resolveType(const ast::DataType& type, bool declaration);
 
-/// Where in tempdb's catalog "#name" lies for a session.
-[[nodiscard]] std::string temporaryName(const SessionContext& session, const std::string& name);
-
 [[nodiscard]] std::string lowerCase(std::string_view text); ///< ASCII letters only: keywords, variables
 [[nodiscard]] std::string writtenName(const ast::ObjectName& name);
 
