@@ -36,8 +36,8 @@ public:
         state_.useDatabase(database);
         initialDatabase_ = database;
         registry_.end(id(), state_.database()->id, 0);
-        state_.sink().environment(EnvironmentChange::Language, state_.options().language, "");
-        state_.inform(5703, {state_.options().language});
+        state_.useLanguage(firstLanguage(), "");
+        state_.rememberOptions();
     }
 
     void executeBatch(std::string_view text, ResultSink& sink) override
@@ -95,8 +95,16 @@ public:
 
     [[nodiscard]] const std::string& database() const override { return state_.databaseName(); }
     [[nodiscard]] int id() const override { return state_.spid(); }
+    [[nodiscard]] int textSize() const override { return state_.options().textSize; }
 
 private:
+    [[nodiscard]] const Language& firstLanguage()
+    {
+        const Language* asked = findLanguage(state_.client().language);
+        const Language* own = findLanguage(state_.login().language);
+        return asked != nullptr ? *asked : own != nullptr ? *own : usEnglish();
+    }
+
     /// What is common to all requests: a cancel ends one without a word, a fault with its message.
     template <typename Work>
     void request(ResultSink& sink, Work work)
@@ -119,6 +127,7 @@ private:
             state_.abandon();
             state_.done(std::nullopt, 0, true);
         }
+        const CancelShield shield(state_.store());
         registry_.end(id(), state_.database()->id, state_.transactionCount());
         leftovers_.sweep(state_.store());
     }
@@ -151,6 +160,9 @@ public:
     [[nodiscard]] std::unique_ptr<Session> login(const LoginRequest& request, ResultSink& sink) override
     {
         const Login login = accepted(request);
+        if (request.languageRequired && !request.language.empty() &&
+            findLanguage(request.language) == nullptr)
+            throw LoginRefused(makeMessage(4019, {request.language}));
         auto session =
             std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login, leftovers_);
         try {

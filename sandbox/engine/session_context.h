@@ -31,7 +31,7 @@ struct SessionOptions
     bool ansiNullDefault = true;
     bool quotedIdentifier = true;
     bool concatNullYieldsNull = true;
-    bool arithAbort = true;
+    bool arithAbort = false;
     bool implicitTransactions = false;
     bool noExec = false;
     bool parseOnly = false;
@@ -39,8 +39,7 @@ struct SessionOptions
     int rowCount = 0; ///< SET ROWCOUNT; 0 for all
     int textSize = 2147483647;
     int dateFirst = 7;
-    std::string dateFormat = "mdy";
-    std::string language = "us_english";
+    DateSettings dates;
     int isolationLevel = 2; ///< 1 read uncommitted, 2 read committed, 3 repeatable read, 4 serializable
     /// "db.schema.table" for which SET IDENTITY_INSERT is ON, folded; "" for none.
     std::string identityInsert;

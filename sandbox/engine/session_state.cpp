@@ -18,13 +18,25 @@ namespace practice {
 
 namespace {
 
+/// What a connection begins with: ODBC drivers get what the standard wants, others the server's own
+/// defaults, which are older.
+SessionOptions firstOptions(const LoginRequest& client)
+{
+    SessionOptions options;
+    options.textSize = client.textSize;
+    options.ansiNulls = options.ansiPadding = options.ansiWarnings = options.ansiNullDefault = client.odbc;
+    options.quotedIdentifier = options.concatNullYieldsNull = client.odbc;
+    return options;
+}
+
 /// Conversion of SET and of parameters: what is too long is cut, anything else fails as usual.
-Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to)
+Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to,
+                           const DateSettings& dates)
 {
     if (value.isNull() || from == to)
         return value;
     try {
-        return convert(value, from, to);
+        return convert(value, from, to, 0, dates);
     } catch (const ConversionError& error) {
         throw SqlError{messageOf(error)};
     }
@@ -40,9 +52,10 @@ SqlType declaredType(SessionState&, const ast::DataType& type)
 SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
                            int spid, LoginRequest client, Login login, TemporaryLeftovers& leftovers)
     : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
-      login_(std::move(login)), store_(dataDirectory / "store.db"), leftovers_(leftovers)
+      login_(std::move(login)), store_(dataDirectory / "store.db"), options_(firstOptions(client_)),
+      leftovers_(leftovers)
 {
-    registerSqlFunctions(connection());
+    registerSqlFunctions(connection(), options_.dates);
     registerCatalogFunctions(connection());
     registerSessionFunctions(*this);
     catalog_ = std::make_unique<Catalog>(connection());
@@ -94,6 +107,15 @@ void SessionState::useDatabase(const std::string& name)
     inform(5701, {found->name});
 }
 
+void SessionState::useLanguage(const Language& language, const std::string& before)
+{
+    const std::string name(language.name);
+    options_.dates = {dateOrderNamed(language.dateFormat).value_or(DateOrder::MonthDayYear), &language};
+    options_.dateFirst = language.dateFirst;
+    sink().environment(EnvironmentChange::Language, name, before);
+    inform(5703, {name});
+}
+
 void SessionState::sendMessage(Message message)
 {
     if (!frames_.empty()) {
@@ -127,7 +149,7 @@ void SessionState::declare(const std::string& name, const SqlType& type)
 void SessionState::assign(const std::string& name, const Value& value, const SqlType& type)
 {
     Variable& target = variable(name);
-    target.value = convertedForVariable(value, type, target.type);
+    target.value = convertedForVariable(value, type, target.type, options_.dates);
 }
 
 const Value* SessionState::liveVariable(const std::string& name, SqlType& type)
@@ -223,7 +245,7 @@ Value SessionState::evaluate(const ast::Expression& expression, const SqlType& t
 {
     const Variable result = evaluate(expression);
     requireConversion(result.type, target, Conversion::Implicit);
-    return convertedForVariable(result.value, result.type, target);
+    return convertedForVariable(result.value, result.type, target, options_.dates);
 }
 
 bool SessionState::isTrue(const ast::Expression& condition)
@@ -400,7 +422,7 @@ void SessionState::reset()
 {
     rollbackAll();
     dropAllTemporaries();
-    options_ = {};
+    options_ = initialOptions_;
     store_.setLockTimeout(-1);
     lastError = 0;
     lastRowCount = 0;

@@ -84,6 +84,7 @@ public:
     [[nodiscard]] const Principal& user() override;
     void useDatabase(const std::string& name) override;
     [[nodiscard]] SessionOptions& options() override { return options_; }
+    [[nodiscard]] const SessionOptions& options() const { return options_; }
     [[nodiscard]] int transactionCount() const override { return transactionCount_; }
     [[nodiscard]] ResultSink& sink() override { return *sink_; }
     void sendMessage(Message message) override;
@@ -101,6 +102,11 @@ public:
     [[nodiscard]] std::string convertExpression(const std::string& sqlite, const SqlType& from,
                                                 const SqlType& to) override;
     [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query) override;
+
+    /// SET LANGUAGE, with the environment change and message 5703.
+    void useLanguage(const Language& language, const std::string& before);
+    /// What `reset` goes back to.
+    void rememberOptions() { initialOptions_ = options_; }
 
     // Frames and variables.
     [[nodiscard]] Frame& frame() { return *frames_.back(); }
@@ -221,6 +227,7 @@ private:
     int userDatabase_ = 0; ///< database and state of the catalog for which `user_` was looked up
     std::uint64_t userVersion_ = 0;
     SessionOptions options_;
+    SessionOptions initialOptions_;
     ResultSink* sink_ = nullptr;
     std::vector<std::unique_ptr<Frame>> frames_;
     int nestLevel_ = 0;

@@ -80,6 +80,7 @@ void SessionState::endScope(Frame& ended, bool tablesStay) noexcept
 try {
     if (ended.temporaries.empty())
         return;
+    const CancelShield shield(store_);
     endStatement();
     catalog_->version();
     const auto isVariable = [&ended](const TemporaryObject& object) {

@@ -31,8 +31,10 @@ enum class ConversionRule : std::uint8_t
 [[nodiscard]] Value convertToMoney(const Value& value, const SqlType& from, const SqlType& to);
 [[nodiscard]] Value convertToDecimal(const Value& value, const SqlType& from, const SqlType& to);
 [[nodiscard]] Value convertToFloat(const Value& value, const SqlType& from, const SqlType& to);
-[[nodiscard]] Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style);
-[[nodiscard]] Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style);
+[[nodiscard]] Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style,
+                                  const DateSettings& dates);
+[[nodiscard]] Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style,
+                                  const Language& language = usEnglish());
 [[nodiscard]] Value convertToBinary(const Value& value, const SqlType& from, const SqlType& to, int style);
 [[nodiscard]] Value convertToGuid(const Value& value, const SqlType& from);
 

@@ -1,6 +1,7 @@
 // One Transact-SQL value, as it passes between engine, wire and functions.
 #pragma once
 
+#include "types/language.h"
 #include "types/sql_type.h"
 
 #include <array>
@@ -61,9 +62,10 @@ struct ConversionError
 };
 
 /// Converts as CAST and CONVERT do. `style` is CONVERT's third argument (0 when absent), used
-/// between date or money or float or binary types and text.
+/// between date or money or float or binary types and text; where it says nothing of dates, `dates` do.
 /// @throws ConversionError with SQL Server's number and wording.
-[[nodiscard]] Value convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0);
+[[nodiscard]] Value convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0,
+                            const DateSettings& dates = {});
 
 /// The text that a CONVERT to varchar without style gives ("Jan  2 2024  3:04AM" for datetime).
 [[nodiscard]] std::string toText(const Value& value, const SqlType& type);

@@ -89,8 +89,8 @@ TEST_F(Leaving, ACancelledBatchLeavesTheSessionAsItWas)
     constexpr const char* sound =
         "DECLARE @t TABLE (a int) INSERT @t SELECT a FROM fijo "
         "IF (SELECT COUNT(*) FROM @t) <> 2 RAISERROR('row count', 16, 1) "
-        "IF @@OPTIONS <> 5496 RAISERROR('options', 16, 1) IF @@NESTLEVEL <> 0 RAISERROR('level', 16, 1) "
-        "IF @@DATEFIRST <> 7 OR @@LOCK_TIMEOUT <> -1 OR @@TEXTSIZE <> 2147483647 RAISERROR('values', 16, 1) "
+        "IF @@OPTIONS <> 5432 RAISERROR('options', 16, 1) IF @@NESTLEVEL <> 0 RAISERROR('level', 16, 1) "
+        "IF @@DATEFIRST <> 7 OR @@LOCK_TIMEOUT <> -1 OR @@TEXTSIZE <> -1 RAISERROR('values', 16, 1) "
         "IF DB_NAME() <> 'tempdb' OR @@TRANCOUNT <> 0 RAISERROR('place', 16, 1) "
         "IF ERROR_NUMBER() IS NOT NULL RAISERROR('caught', 16, 1) "
         "IF (SELECT SUM(z) FROM #t) <> 7 RAISERROR('table', 16, 1)";
