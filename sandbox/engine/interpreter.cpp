@@ -316,7 +316,7 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::Transaction:
         return transaction(ast::as<ast::TransactionStatement>(node));
     case Kind::WaitFor:
-        return waitFor(ast::as<ast::WaitForStatement>(node));
+        return executeWaitFor(session_, ast::as<ast::WaitForStatement>(node));
     case Kind::Print:
         return executePrint(session_, ast::as<ast::PrintStatement>(node));
     case Kind::Raiserror:
@@ -410,34 +410,6 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
     }
     constexpr std::uint16_t commands[] = {0xD4, 0xD5, 0xD2, 0xD4};
     session_.done(std::nullopt, commands[static_cast<std::size_t>(node.action)]);
-}
-
-void Interpreter::waitFor(const ast::WaitForStatement& node)
-{
-    const Value given = session_.evaluate(*node.time, varCharType(30));
-    const std::string text = given.isNull() ? "" : std::get<std::string>(given.data);
-    const SqlType timeType{TypeId::Time, 5, 0, 3};
-    Value time;
-    try {
-        time = convert(given, varCharType(30), timeType);
-    } catch (const ConversionError&) {
-        raise(148, {text});
-    }
-    constexpr std::int64_t ticksPerMillisecond = 10'000;
-    constexpr std::int64_t millisecondsPerDay = 86'400'000;
-    std::int64_t left = time.isNull() ? 0 : std::get<DateTimeValue>(time.data).ticks / ticksPerMillisecond;
-    if (!node.delay) {
-        left -= session_.now(false).ticks / ticksPerMillisecond;
-        left += left < 0 ? millisecondsPerDay : 0;
-    }
-    constexpr std::int64_t slice = 10;
-    session_.endStatement();
-    for (; left > 0; left -= slice) {
-        if (session_.store().cancelled())
-            throw Cancelled{};
-        sqlite3_sleep(static_cast<int>(std::min(left, slice)));
-    }
-    session_.done(std::nullopt, 0);
 }
 
 void Interpreter::throwMessage(const ast::ThrowStatement& node)

@@ -59,7 +59,6 @@ private:
     void declare(const ast::DeclareStatement& statement);
     void setVariable(const ast::SetVariableStatement& statement);
     void transaction(const ast::TransactionStatement& statement);
-    void waitFor(const ast::WaitForStatement& statement);
     void execute(const ast::ExecuteStatement& statement);
     void executeString(const ast::ExecuteStringStatement& statement);
     void throwMessage(const ast::ThrowStatement& statement);
@@ -80,6 +79,7 @@ private:
     int systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known);
     int prepareText(std::vector<Parameter>& arguments, bool execute);
     int executeSql(std::vector<Parameter>& arguments);
+    void describePrepared(const std::string& declarations, const std::string& text, bool tell);
     void runPrepared(const std::string& declarations, const std::string& text,
                      std::vector<Parameter>& values);
     void insertRowsOf(const ast::InsertStatement& statement);

@@ -17,6 +17,7 @@ namespace {
 constexpr int deepestNesting = 32;
 constexpr int tempdbId = 2;
 constexpr std::uint16_t executeCommand = 0xE0;
+constexpr std::uint16_t selectCommand = 0xC1;
 
 const ast::CreateProcedureStatement& definitionOf(const CompiledBatch& compiled, const std::string& name)
 {
@@ -92,12 +93,17 @@ Parameter handleParameter(int handle)
     return {"", intType(), Value{std::int64_t{handle}, {}}, true, false};
 }
 
+int numberOf(const Parameter& parameter)
+{
+    const Value value = convert(parameter.value, parameter.type, intType());
+    return static_cast<int>(std::get<std::int64_t>(value.data));
+}
+
 int handleOf(const std::vector<Parameter>& arguments)
 {
     if (arguments.empty() || arguments.front().value.isNull())
         raise(8179, {"0"});
-    const Value value = convert(arguments.front().value, arguments.front().type, intType());
-    return static_cast<int>(std::get<std::int64_t>(value.data));
+    return numberOf(arguments.front());
 }
 
 } // namespace
@@ -365,13 +371,51 @@ int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
     arguments[0] = handleParameter(handle);
     arguments[0].name = name;
     if (!execute) {
-        (void)session_.compile(text);
+        constexpr int returnMetadata = 1;
+        const Parameter* options = argumentFor(arguments, "@options", 3);
+        const bool described = options == nullptr || options->value.isNull() || options->isDefault ||
+                               (numberOf(*options) & returnMetadata) != 0;
+        describePrepared(declarations, text, described);
         return 0;
     }
     std::vector<Parameter> values(arguments.begin() + 3, arguments.end());
     runPrepared(declarations, text, values);
     std::move(values.begin(), values.end(), arguments.begin() + 3);
     return 0;
+}
+
+/// Binds what sp_prepare was given, and tells the columns of its results, which have no rows yet.
+void Interpreter::describePrepared(const std::string& declarations, const std::string& text, bool tell)
+try {
+    auto frame = std::make_unique<Frame>();
+    for (const Declared& parameter : declaredParameters(session_, declarations))
+        frame->variables[lowerCase(parameter.name)] = {parameter.type, {}};
+    frame->compiled = session_.compile(text, declarations);
+    frame->completion = Completion::Kind::InProcedure;
+    frame->tryDepth = 1; // so that errors come back here
+    frame->database = session_.frame().database;
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Inner);
+    const ast::StatementList& statements = session_.frame().compiled->batch.statements;
+    (void)prepare(statements);
+    for (const auto& statement : statements) {
+        // What comes first may make what the others read.
+        const auto* select = ast::tryAs<ast::SelectStatement>(statement.get());
+        if (select == nullptr)
+            return;
+        const QueryPlan& plan = planQuery(session_, select->query);
+        if (!plan.assigned.empty() || plan.block->into)
+            return;
+        if (tell) {
+            session_.sink().columns(plan.described);
+            session_.done(0, selectCommand);
+        }
+    }
+} catch (const SqlError& error) {
+    session_.preparedTexts.erase(session_.lastHandle);
+    if (session_.catchesErrors())
+        throw;
+    session_.sendMessage(error.message);
+    raise(8180);
 }
 
 void Interpreter::runPrepared(const std::string& declarations, const std::string& text,
@@ -389,7 +433,7 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
         }
         Variable variable{declared[i].type, value->value};
         if (!value->value.isNull() && !(value->type == variable.type))
-            variable.value = convert(value->value, value->type, variable.type);
+            variable.value = convert(value->value, value->type, variable.type, 0, session_.options().dates);
         frame.variables[lowerCase(declared[i].name)] = std::move(variable);
     }
     // The same text may come with other declarations: its plans are kept apart by them.

@@ -4,6 +4,7 @@
 #include "raw_server.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace practice::test {
 
@@ -22,6 +23,15 @@ bool holdsText(const Bytes& reply, std::string_view text)
     Bytes wanted;
     appendText(wanted, text);
     return std::search(reply.begin(), reply.end(), wanted.begin(), wanted.end()) != reply.end();
+}
+
+/// Milliseconds that a batch takes; it has to run without error.
+long timeOf(Engine& engine, const char* batch)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(engine.run(batch), "") << batch;
+    const auto took = std::chrono::steady_clock::now() - begin;
+    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(took).count());
 }
 
 constexpr const char* outOfRange =
@@ -201,6 +211,89 @@ TEST_F(Settings, TheLoginsFlagsDecideTheFirstOptions)
     EXPECT_EQ(firstError(one.ask(batchPacket("IF @@OPTIONS <> 0 OR @@TEXTSIZE <> 4096 RAISERROR('x', 16, 1)",
                                              EndOfMessage | ResetConnection))),
               0);
+}
+
+TEST(WaitFor, TakesTheFormsOfTheServer)
+{
+    Engine& engine = freshDatabase();
+    for (const char* batch : {
+             "WAITFOR DELAY '00:00:00.2'",
+             "WAITFOR DELAY N' 0:0:0:200 '",
+             "DECLARE @c char(20) SET @c = '00:00:00.200' WAITFOR DELAY @c",
+             "DECLARE @d datetime SET @d = '20000102 00:00:00.200' WAITFOR DELAY @d",
+             "DECLARE @t datetime SET @t = DATEADD(ms, 200, GETDATE()) WAITFOR TIME @t",
+             "DECLARE @t varchar(12) SET @t = CONVERT(varchar(12), DATEADD(ms, 200, GETDATE()), 114) WAITFOR "
+             "TIME @t",
+         }) {
+        const long took = timeOf(engine, batch);
+        EXPECT_GE(took, 180) << batch;
+        EXPECT_LT(took, 2000) << batch;
+    }
+    EXPECT_GE(timeOf(engine, "DECLARE @s smallint SET @s = 1 WAITFOR DELAY @s"), 980);
+    for (const char* batch : {"WAITFOR DELAY ''", "WAITFOR DELAY '00:00'",
+                              "DECLARE @n varchar(9) WAITFOR DELAY @n", "WAITFOR DELAY '12:00:00.000 AM'"})
+        EXPECT_LT(timeOf(engine, batch), 150) << batch;
+    const auto wrong = [](const char* text) {
+        return std::string("Msg 148, Level 15, State 1: Incorrect time syntax in time string '") + text +
+               "' used with WAITFOR.\n";
+    };
+    for (const char* text :
+         {"5", "24:00:00", "00:60", "nada", "20000101 00:00:01", "00:00:00.1234", "1:2:3:4:5"})
+        EXPECT_EQ(engine.run(std::string("PRINT 'never' WAITFOR DELAY '") + text + "'"), wrong(text));
+    EXPECT_EQ(engine.run("PRINT 'never' WAITFOR TIME '25:00'"), wrong("25:00"));
+    expectAnswers(
+        engine,
+        {
+            {"DECLARE @c varchar(20) SET @c = 'nada' PRINT 'first' WAITFOR DELAY @c",
+             "-- first\nMsg 241, Level 16, State 1: Conversion failed when converting date and/or time from "
+             "character string."},
+            {"DECLARE @t time SET @t = '00:00:01' WAITFOR DELAY @t",
+             "Msg 9815, Level 16, State 0: Waitfor delay and waitfor time cannot be of type time."},
+            {"WAITFOR DELAY 1", "Msg 102, Level 15, State 1: Incorrect syntax near '1'."},
+        });
+}
+
+TEST(Prepare, DescribesItsColumns)
+{
+    Engine& engine = freshDatabase();
+    engine.run("CREATE TABLE t (a int NOT NULL, b varchar(5)) INSERT t VALUES (1, 'x')");
+    const SqlType text{TypeId::NVarChar, 200};
+    const auto prepare = [&engine, &text](const char* declarations, const char* statement, int options) {
+        Answer answer;
+        answer.showTypes = true;
+        std::vector<Parameter> parameters{{"", {TypeId::Int, 4}, {}, true, false},
+                                          {"", text, {std::string(declarations), {}}, false, false},
+                                          {"", text, {std::string(statement), {}}, false, false},
+                                          {"", {TypeId::Int, 4}, {std::int64_t{options}, {}}, false, false}};
+        engine.session().executeProcedure("sp_prepare", std::move(parameters), answer);
+        return answer.text.substr(0, answer.text.rfind(" = "));
+    };
+    EXPECT_EQ(prepare("@p int", "SELECT a, b, @p AS p FROM t WHERE a = @p", 1),
+              "a:int not null | b:varchar(5) | p:int\n");
+    EXPECT_EQ(prepare("", "SELECT a FROM t", 0), "");
+    EXPECT_EQ(prepare("", "UPDATE t SET a = 2", 1), "");
+    EXPECT_EQ(prepare("", "SELECT nada FROM t", 1),
+              "Msg 207, Level 16, State 1: Invalid column name 'nada'.\n"
+              "Msg 8180, Level 16, State 1: Statement(s) could not be prepared.\n");
+    EXPECT_EQ(prepare("", "DECLARE @v TABLE (c int) SELECT c FROM @v", 1), "");
+    expectAnswers(
+        engine,
+        {{"DECLARE @h int EXEC sp_prepare @h OUTPUT, N'', N'SELECT a FROM t' EXEC sp_execute @h", "a\na\n1"},
+         {"SELECT a FROM t", "a\n1"}});
+}
+
+TEST(DatatypeInfo, ComesInItsVersions)
+{
+    Engine& engine = freshDatabase();
+    const auto row = [&engine](const std::string& call) {
+        const std::string answer = engine.run(call);
+        const std::size_t end = answer.find('\n');
+        return answer.substr(end + 1, answer.find(" | ", answer.find(" | ", end) + 3) - end - 1);
+    };
+    EXPECT_EQ(row("EXEC sp_datatype_info_100 91, 3"), "date | 91");
+    EXPECT_EQ(row("EXEC sp_datatype_info_100 @data_type = -154, @ODBCVer = 3"), "time | -154");
+    EXPECT_EQ(row("EXEC sp_datatype_info_90 -9, 3"), row("EXEC sp_datatype_info_90 -9, @ODBCVer = 3"));
+    EXPECT_NE(engine.run("EXEC sp_datatype_info_90 -9, 3").find("date | -9"), std::string::npos);
 }
 
 } // namespace practice::test
