@@ -9,14 +9,14 @@ namespace practice {
 
 struct Language
 {
-    int id;
-    std::string_view dateFormat; ///< "mdy"
-    int dateFirst;               ///< first day of the week, 1 Monday to 7 Sunday
     std::string_view name;       ///< "us_english"
     std::string_view alias;      ///< "English"
+    std::string_view dateFormat; ///< "mdy"
     std::string_view months;     ///< joined by commas, like the next two
     std::string_view shortMonths;
     std::string_view days; ///< from Monday on
+    int id;
+    int dateFirst; ///< first day of the week, 1 Monday to 7 Sunday
     int lcid;
     int messageLanguage;
 };

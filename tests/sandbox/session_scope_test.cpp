@@ -95,6 +95,13 @@ TEST_F(Leaving, ACancelledBatchLeavesTheSessionAsItWas)
         "IF ERROR_NUMBER() IS NOT NULL RAISERROR('caught', 16, 1) "
         "IF (SELECT SUM(z) FROM #t) <> 7 RAISERROR('table', 16, 1)";
     ASSERT_EQ(ask(one, sound), 0);
+    constexpr const char* catching =
+        "WHILE 1 = 1 BEGIN TRY EXEC('SET LOCK_TIMEOUT 5 SELECT CAST(''x'' AS int)') END TRY "
+        "BEGIN CATCH EXEC('SET DATEFIRST 2 USE master SELECT 1') END CATCH";
+    constexpr const char* fetching =
+        "DECLARE @i int SET @i = 0 WHILE 1 = 1 BEGIN SET @i = @i + 1 EXEC('DECLARE c CURSOR LOCAL "
+        "FOR "
+        "SELECT a FROM fijo OPEN c FETCH NEXT FROM c CLOSE c DEALLOCATE c') END";
     constexpr unsigned seed = 20;
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> moment(0, 6000);
@@ -106,12 +113,9 @@ TEST_F(Leaving, ACancelledBatchLeavesTheSessionAsItWas)
                  "WHILE 1 = 1 EXEC('SET NOCOUNT ON SET TEXTSIZE 10 CREATE TABLE #t (a int) DROP TABLE #t')",
                  "WHILE 1 = 1 INSERT fijo EXEC('SET ROWCOUNT 1 SELECT 1 WHERE 1 = 0 USE master')",
                  "INSERT fijo EXEC lenta",
-                 "WHILE 1 = 1 BEGIN TRY EXEC('SET LOCK_TIMEOUT 5 SELECT CAST(''x'' AS int)') END TRY "
-                 "BEGIN CATCH EXEC('SET DATEFIRST 2 USE master SELECT 1') END CATCH",
+                 catching,
                  "EXEC sp_executesql N'SET ANSI_NULLS OFF EXEC honda'",
-                 "DECLARE @i int SET @i = 0 WHILE 1 = 1 BEGIN SET @i = @i + 1 EXEC('DECLARE c CURSOR LOCAL "
-                 "FOR "
-                 "SELECT a FROM fijo OPEN c FETCH NEXT FROM c CLOSE c DEALLOCATE c') END",
+                 fetching,
                  "EXEC('SET XACT_ABORT ON BEGIN TRANSACTION DELETE fijo WAITFOR DELAY ''00:00:01''')",
              }) {
             attend(one, text, std::chrono::microseconds(moment(random)));
