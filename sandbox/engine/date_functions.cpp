@@ -108,7 +108,7 @@ std::optional<DateTimeValue> addMonths(const DateTimeValue& value, std::int64_t 
 {
     const Civil date = civilFromDays(value.days);
     const std::int64_t total = std::int64_t{date.year} * 12 + date.month - 1 + months;
-    if (total < 12 || total >= 10'000 * 12)
+    if (total < 12 || total >= std::int64_t{10'000} * 12)
         return std::nullopt;
     const int year = static_cast<int>(total / 12);
     const int month = static_cast<int>(total % 12) + 1;
