@@ -53,7 +53,7 @@ void deadWindow(int port, int rows)
     const QString text = u"select top %1 * from tempdb..Rows"_s.arg(rows);
     RawClient client(static_cast<std::uint16_t>(port));
     static_cast<void>(
-        client.ask(practice::test::loginPacket(support::PracticeServer::password, 16'384, "tempdb")));
+        client.ask(practice::test::loginPacket({support::PracticeServer::password, 16'384, "tempdb"})));
     ::frmAnalizadorConsultas->SetFocus();
     ::frmAnalizadorConsultas->txtSQL->setText(text);
     const Pair pair = compare(

@@ -235,7 +235,7 @@ void streamTable(benchmark::State& state)
     options.port = 0;
     tds::TdsServer listener(*bench.server, options);
     test::RawClient client(listener.port());
-    (void)client.ask(test::loginPacket("Practice1!", 32'767, "tempdb"));
+    (void)client.ask(test::loginPacket({"Practice1!", 32'767, "tempdb"}));
     for (auto _ : state) {
         std::size_t bytes = 0;
         const double server = seconds([&] {

@@ -42,6 +42,7 @@ public:
     void cancel() noexcept override {}
     [[nodiscard]] const std::string& database() const override { return m_database; }
     [[nodiscard]] int id() const override { return 51; }
+    [[nodiscard]] int textSize() const override { return -1; }
 
 private:
     using Columns = std::vector<practice::ColumnInfo>;

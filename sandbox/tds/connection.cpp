@@ -175,6 +175,7 @@ bool Connection::answerLogin(const LoginMessage& login)
     }
     writer_.setSpid(session_->id());
     writer_.onLost([this] { session_->cancel(); });
+    sink_->limitTextBy([this] { return session_->textSize(); });
     sink_->loginAcknowledge(login.wireVersion, login.packetSize);
     sink_->requestEnd();
     writer_.endMessage();

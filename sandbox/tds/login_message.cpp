@@ -94,6 +94,14 @@ std::uint32_t acknowledged(Version version, std::uint32_t asked)
     }
 }
 
+int firstTextSize(bool odbc, Version version)
+{
+    constexpr int unlimited = -1;
+    if (!odbc)
+        return 4096;
+    return version >= Version::V73 ? unlimited : 0x7FFF'FFFF;
+}
+
 } // namespace
 
 void answerPreLogin(std::span<const std::uint8_t> payload, PacketWriter& writer)
@@ -151,7 +159,11 @@ LoginMessage parseLogin(std::span<const std::uint8_t> payload)
     if (packetSize != 0)
         login.packetSize = std::clamp(packetSize, minPacketSize, maxPacketSize);
     fixed.skip(13); // program version, process, connection, first option flags
-    login.integratedSecurity = (fixed.number<std::uint8_t>() & 0x80U) != 0;
+    const auto flags = fixed.number<std::uint8_t>();
+    login.integratedSecurity = (flags & 0x80U) != 0;
+    login.request.languageRequired = (flags & 0x01U) != 0;
+    login.request.odbc = (flags & 0x02U) != 0;
+    login.request.textSize = firstTextSize(login.request.odbc, login.version);
 
     Fields fields(payload, 36);
     login.request.host = fields.nextText();

@@ -58,9 +58,12 @@ void TokenSink::columns(std::span<const ColumnInfo> columns)
     token(Token::ColumnMetadata);
     inResult_ = true;
     wireTypes_.clear();
+    const int textSize = textSize_ ? textSize_() : -1;
     writer_.put(static_cast<std::uint16_t>(columns.size()));
     for (const auto& column : columns) {
-        const WireType& wire = wireTypes_.emplace_back(wireTypeOf(column.type, version_));
+        WireType& wire = wireTypes_.emplace_back(wireTypeOf(column.type, version_));
+        if (textSize >= 0)
+            wire.longest = static_cast<std::uint32_t>(textSize);
         writeUserType(column.type);
         unsigned flags = column.nullable ? nullableFlag : 0U;
         flags |= column.updatable ? updatableUnknownFlag : 0U;

@@ -6,6 +6,7 @@
 #include "tds/protocol.h"
 #include "tds/value_writer.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,8 @@ public:
 
     /// The names of the running call's parameters, by which output values find their place.
     void setParameterNames(std::vector<std::string> names) { parameterNames_ = std::move(names); }
+    /// Where to learn how much of large values goes out; all of them until it is told.
+    void limitTextBy(std::function<int()> textSize) { textSize_ = std::move(textSize); }
     /// What a request is made of: a call's own completions, and one missing at its end, are Procedure.
     void setKind(Completion::Kind kind) { kind_ = kind; }
 
@@ -48,6 +51,7 @@ private:
     PacketWriter& writer_;
     Version version_;
     std::string serverName_;
+    std::function<int()> textSize_;
     std::vector<WireType> wireTypes_;
     std::vector<std::string> parameterNames_;
     std::optional<Completion> pending_; ///< held back until it is known whether more follows

@@ -149,26 +149,35 @@ void writeNull(PacketWriter& writer, Layout layout)
     }
 }
 
-void writeLob(PacketWriter& writer, const Value& value, const SqlType& type)
+/// The bytes of a large value that go out.
+std::size_t sentBytes(const Value& value, const WireType& wire)
+{
+    const std::size_t bytes = byteCount(value, wire.type);
+    if (wire.type.id == TypeId::Xml || bytes <= wire.longest)
+        return bytes;
+    return isUnicode(wire.type.id) ? wire.longest & ~1U : wire.longest;
+}
+
+void writeLob(PacketWriter& writer, const Value& value, const WireType& wire)
 {
     // Nothing can be reached by the pointer; clients only look whether there is one.
     constexpr std::string_view pointer = "practice pointer";
     constexpr std::string_view stamp = "practice";
-    const std::size_t bytes = byteCount(value, type);
+    const std::size_t bytes = sentBytes(value, wire);
     writer.put(static_cast<std::uint8_t>(pointer.size()));
     writer.putBytes(pointer.data(), pointer.size());
     writer.putBytes(stamp.data(), stamp.size());
     writer.put(static_cast<std::uint32_t>(bytes));
-    writeVariable(writer, value, type, bytes);
+    writeVariable(writer, value, wire.type, bytes);
 }
 
-void writeChunks(PacketWriter& writer, const Value& value, const SqlType& type)
+void writeChunks(PacketWriter& writer, const Value& value, const WireType& wire)
 {
-    const std::size_t bytes = byteCount(value, type);
+    const std::size_t bytes = sentBytes(value, wire);
     writer.put(static_cast<std::uint64_t>(bytes));
     if (bytes > 0) {
         writer.put(static_cast<std::uint32_t>(bytes));
-        writeVariable(writer, value, type, bytes);
+        writeVariable(writer, value, wire.type, bytes);
     }
     writer.put(std::uint32_t{0});
 }
@@ -311,10 +320,10 @@ void writeValue(PacketWriter& writer, const WireType& wire, const Value& value, 
         break;
     }
     case Layout::LongText:
-        writeLob(writer, value, wire.type);
+        writeLob(writer, value, wire);
         break;
     case Layout::Chunks:
-        writeChunks(writer, value, wire.type);
+        writeChunks(writer, value, wire);
         break;
     case Layout::Variant:
         writeVariant(writer, value, version);

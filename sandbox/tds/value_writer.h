@@ -25,6 +25,8 @@ struct WireType
     SqlType type;    ///< what goes out
     SqlType source;  ///< what the engine hands over; differs for types newer than the client
     int storage = 0; ///< bytes of a value, or at most as many
+    /// Where a text, image or (max) value is cut.
+    std::uint32_t longest = 0x7FFF'FFFF;
 };
 
 [[nodiscard]] WireType wireTypeOf(const SqlType& type, Version version);

@@ -7,7 +7,6 @@ namespace practice::tds {
 namespace {
 
 constexpr int widestField = 8000;
-constexpr std::uint32_t longest = 0x7FFF'FFFF;
 
 std::uint8_t tokenOf(TypeId id)
 {
@@ -160,7 +159,7 @@ void writeTypeInfo(PacketWriter& writer, const WireType& wire)
             writer.put(std::uint16_t{0xFFFF});
         break;
     case Layout::LongText:
-        writer.put(wire.type.id == TypeId::NText ? longest - 1 : longest);
+        writer.put(wire.type.id == TypeId::NText ? wire.longest & ~1U : wire.longest);
         break;
     case Layout::Variant:
         writer.put(std::uint32_t{8009});

@@ -120,7 +120,8 @@ Value toVariant(const Value& value, const SqlType& type)
     return variant;
 }
 
-Value convert(const Value& value, const SqlType& from, const SqlType& to, int style)
+Value convert(const Value& value, const SqlType& from, const SqlType& to, int style,
+              const DateSettings& dates)
 {
     if (conversionRule(from.id, to.id) == ConversionRule::Forbidden)
         failConversion(529, {"Explicit conversion from data type ", typeName(from.id), " to ",
@@ -132,7 +133,7 @@ Value convert(const Value& value, const SqlType& from, const SqlType& to, int st
     if (from.id == TypeId::SqlVariant) {
         Value inner = value;
         inner.variantType = {};
-        return convert(inner, value.variantType, to, style);
+        return convert(inner, value.variantType, to, style, dates);
     }
     if (isInteger(to.id))
         return convertToInteger(value, from, to);
@@ -143,14 +144,14 @@ Value convert(const Value& value, const SqlType& from, const SqlType& to, int st
     if (to.id == TypeId::Real || to.id == TypeId::Float)
         return convertToFloat(value, from, to);
     if (isDateTime(to.id))
-        return convertToDate(value, from, to, style);
+        return convertToDate(value, from, to, style, dates);
     if (isBinary(to.id))
         return convertToBinary(value, from, to, style);
     if (to.id == TypeId::UniqueIdentifier)
         return convertToGuid(value, from);
     if (to.id == TypeId::Null)
         return value;
-    return convertToText(value, from, to, style);
+    return convertToText(value, from, to, style, *dates.language);
 }
 
 std::string toText(const Value& value, const SqlType& type)

@@ -26,9 +26,10 @@ struct ConversionError
 };
 
 /// Converts as CAST and CONVERT do. `style` is CONVERT's third argument (0 when absent), used
-/// between date or money or float or binary types and text.
+/// between date or money or float or binary types and text; where it says nothing of dates, `dates` do.
 /// @throws ConversionError with SQL Server's number and wording.
-[[nodiscard]] Value convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0);
+[[nodiscard]] Value convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0,
+                            const DateSettings& dates = {});
 
 /// The text that a CONVERT to varchar without style gives ("Jan  2 2024  3:04AM" for datetime).
 [[nodiscard]] std::string toText(const Value& value, const SqlType& type);
@@ -46,8 +47,10 @@ struct ConversionError
 [[nodiscard]] Value convertToMoney(const Value& value, const SqlType& from, const SqlType& to);
 [[nodiscard]] Value convertToDecimal(const Value& value, const SqlType& from, const SqlType& to);
 [[nodiscard]] Value convertToFloat(const Value& value, const SqlType& from, const SqlType& to);
-[[nodiscard]] Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style);
-[[nodiscard]] Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style);
+[[nodiscard]] Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style,
+                                  const DateSettings& dates);
+[[nodiscard]] Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style,
+                                  const Language& language = usEnglish());
 [[nodiscard]] Value convertToBinary(const Value& value, const SqlType& from, const SqlType& to, int style);
 [[nodiscard]] Value convertToGuid(const Value& value, const SqlType& from);
 

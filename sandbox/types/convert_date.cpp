@@ -34,10 +34,11 @@ Value fitted(const DateTimeValue& value, TypeId from, const SqlType& to)
     return {*result, {}};
 }
 
-Value fromText(const std::string& text, TypeId from, const SqlType& to, int style)
+Value fromText(const std::string& text, TypeId from, const SqlType& to, int style, const DateSettings& dates)
 {
-    const ParsedDate parsed = parseDate(text, dateOrderOfStyle(style));
     const bool old = isOldDate(to.id);
+    const DateSettings reading{dateOrderOfStyle(style).value_or(dates.order), dates.language};
+    const ParsedDate parsed = parseDate(text, reading, !old);
     const bool tooFine = old && parsed.fractionDigits > 3;
     const bool strayOffset = old && parsed.hasOffset && parsed.value.offsetMinutes != 0;
     if (parsed.fault == DateFault::Malformed || tooFine || strayOffset)
@@ -97,10 +98,11 @@ Value fromNumber(const Value& value, const SqlType& from, const SqlType& to)
 
 } // namespace
 
-Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style)
+Value convertToDate(const Value& value, const SqlType& from, const SqlType& to, int style,
+                    const DateSettings& dates)
 {
     if (isCharacter(from.id))
-        return fromText(std::get<std::string>(value.data), from.id, to, style);
+        return fromText(std::get<std::string>(value.data), from.id, to, style, dates);
     if (isBinary(from.id))
         return fromBytes(std::get<Bytes>(value.data), to);
     if (!isDateTime(from.id))

@@ -75,10 +75,10 @@ std::string textOfBytes(const Bytes& bytes, const SqlType& to, int style)
                             : utf8FromCodePage1252(bytes.data(), bytes.size());
 }
 
-std::string textOfDate(const DateTimeValue& value, const SqlType& from, int style)
+std::string textOfDate(const DateTimeValue& value, const SqlType& from, int style, const Language& language)
 {
     const bool newer = from.id != TypeId::DateTime && from.id != TypeId::SmallDateTime;
-    auto text = formatDate(value, from, style == 0 && newer ? 121 : style);
+    auto text = formatDate(value, from, style == 0 && newer ? 121 : style, language);
     if (!text)
         failConversion(281, {std::to_string(style), " is not a valid style number when converting from ",
                              typeName(from.id), " to a character string."});
@@ -219,14 +219,15 @@ std::int64_t integerFromBytes(const Bytes& bytes)
     return static_cast<std::int64_t>(number);
 }
 
-Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style)
+Value convertToText(const Value& value, const SqlType& from, const SqlType& to, int style,
+                    const Language& language)
 {
     if (isCharacter(from.id) || from.id == TypeId::Xml)
         return fittedText(std::get<std::string>(value.data), to);
     if (isBinary(from.id))
         return fittedText(textOfBytes(std::get<Bytes>(value.data), to, style), to);
     if (isDateTime(from.id))
-        return fittedText(textOfDate(std::get<DateTimeValue>(value.data), from, style), to);
+        return fittedText(textOfDate(std::get<DateTimeValue>(value.data), from, style, language), to);
     if (from.id == TypeId::UniqueIdentifier) {
         if (to.length > 0 && to.length < 36)
             failConversion(8170, {"Insufficient result space to convert uniqueidentifier value to char."});

@@ -8,9 +8,6 @@ namespace practice {
 
 namespace {
 
-constexpr std::array<const char*, 12> shortMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
 [[gnu::format(printf, 1, 2)]] std::string print(const char* format, ...)
 {
     std::array<char, 64> buffer{};
@@ -124,11 +121,12 @@ std::optional<Style> styleOf(int style)
     }
 }
 
-std::string dateText(const Style& style, const Civil& date)
+std::string dateText(const Style& style, const Civil& date, const Language& language)
 {
     const int year = style.century ? date.year : date.year % 100;
     const int width = style.century ? 4 : 2;
-    const char* name = shortMonths.at(static_cast<std::size_t>(date.month - 1));
+    const std::string month(listedName(language.shortMonths, date.month - 1));
+    const char* name = month.c_str();
     const char mark = style.separator;
     switch (style.date) {
     case DatePart::MonthNameDayYear:
@@ -200,7 +198,8 @@ std::string offsetText(int minutes)
 
 } // namespace
 
-std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType& type, int style)
+std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType& type, int style,
+                                      const Language& language)
 {
     const auto found = styleOf(style);
     if (!found)
@@ -208,7 +207,8 @@ std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType&
     const bool zulu = found->time == TimePart::IsoZulu;
     const bool iso = zulu || found->time == TimePart::Iso;
     const DateTimeValue shown = type.id == TypeId::DateTimeOffset && !zulu ? localTime(value) : value;
-    std::string date = type.id == TypeId::Time ? std::string() : dateText(*found, civilFromDays(shown.days));
+    std::string date =
+        type.id == TypeId::Time ? std::string() : dateText(*found, civilFromDays(shown.days), language);
     std::string time = type.id == TypeId::Date ? std::string() : timeText(*found, type, shown.ticks);
     if (type.id == TypeId::Time && !time.empty() && time.front() == ' ')
         time.erase(0, 1);

@@ -2,6 +2,7 @@
 // its neighbours.
 #include "types/date_time.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <string>
@@ -11,9 +12,8 @@ namespace practice {
 
 namespace {
 
-constexpr std::array<std::string_view, 12> months{"january",   "february", "march",    "april",
-                                                  "may",       "june",     "july",     "august",
-                                                  "september", "october",  "november", "december"};
+/// In the order of DateOrder.
+constexpr std::array<std::string_view, 6> orders{"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
 
 struct Number
 {
@@ -21,13 +21,10 @@ struct Number
     int digits = 0;
 };
 
-int monthOf(std::string_view word)
+/// The parts of a numeric date as the order names them, each by its letter.
+std::string_view partsOf(DateOrder order)
 {
-    for (std::size_t i = 0; i < months.size(); ++i) {
-        if (word == months[i] || (word.size() == 3 && months[i].starts_with(word)))
-            return static_cast<int>(i) + 1;
-    }
-    return 0;
+    return orders.at(static_cast<std::size_t>(order));
 }
 
 int fullYear(const Number& number)
@@ -40,7 +37,9 @@ int fullYear(const Number& number)
 class DateReader
 {
 public:
-    DateReader(std::string_view text, DateOrder order) : text_(text), order_(order) {}
+    DateReader(std::string_view text, const DateSettings& settings, bool yearFirst)
+        : text_(text), settings_(settings), yearFirst_(yearFirst)
+    {}
 
     ParsedDate read()
     {
@@ -63,7 +62,11 @@ private:
         return position_ + ahead < text_.size() ? text_[position_ + ahead] : '\0';
     }
     [[nodiscard]] static bool isDigit(char c) { return c >= '0' && c <= '9'; }
-    [[nodiscard]] static bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
+    [[nodiscard]] static bool isLetter(char c)
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x80 || std::isalpha(byte) != 0;
+    }
 
     void fail(DateFault fault)
     {
@@ -143,13 +146,15 @@ private:
     void readName()
     {
         const std::string word = readWord();
-        if (word == "t" && (compact_ || !numbers_.empty()) && isDigit(peek()))
+        if (word == "t" && (compact_ || !numbers_.empty()) && isDigit(peek())) {
+            iso_ = true;
             return;
+        }
         if (word == "z" && hasTime_) {
             result_.hasOffset = true;
             return;
         }
-        const int month = monthOf(word);
+        const int month = monthNamed(*settings_.language, word);
         if (month == 0 || month_ != 0)
             return fail(DateFault::Malformed);
         month_ = month;
@@ -293,24 +298,20 @@ private:
 
     void resolveNumeric()
     {
-        const Number& a = numbers_[0];
-        const Number& b = numbers_[1];
-        const Number& c = numbers_[2];
-        if (a.digits == 4)
-            return setDate(a.value, b.value, c.value);
-        if (b.digits == 4)
-            return setDate(b.value, a.value, c.value);
-        switch (order_) {
-        case DateOrder::DayMonthYear:
-            return setDate(fullYear(c), b.value, a.value);
-        case DateOrder::YearMonthDay:
-            // A year of four digits at the end is still the year.
-            if (c.digits == 4)
-                return setDate(c.value, a.value, b.value);
-            return setDate(fullYear(a), b.value, c.value);
-        default:
-            return setDate(fullYear(c), a.value, b.value);
-        }
+        if (numbers_[0].digits == 4 && (yearFirst_ || iso_))
+            return setDate(numbers_[0].value, numbers_[1].value, numbers_[2].value);
+        const std::string_view parts = partsOf(settings_.order);
+        if (yearFirst_ && settings_.order == DateOrder::YearDayMonth)
+            return fail(DateFault::Malformed);
+        // Four digits are the year wherever they stand; the other two keep their order.
+        std::size_t year = parts.find('y');
+        for (std::size_t i = 0; i < numbers_.size(); ++i)
+            year = numbers_[i].digits == 4 ? i : year;
+        const std::size_t first = year == 0 ? 1 : 0;
+        const std::size_t second = year == 2 ? 1 : 2;
+        const bool monthFirst = parts.find('m') < parts.find('d');
+        setDate(fullYear(numbers_[year]), numbers_[monthFirst ? first : second].value,
+                numbers_[monthFirst ? second : first].value);
     }
 
     void setDate(int year, int month, int day)
@@ -323,7 +324,9 @@ private:
     }
 
     std::string_view text_;
-    DateOrder order_;
+    DateSettings settings_;
+    bool yearFirst_;
+    bool iso_ = false; ///< a T stands between date and time
     std::size_t position_ = 0;
     ParsedDate result_;
     DateFault fault_ = DateFault::None;
@@ -335,9 +338,11 @@ private:
 
 } // namespace
 
-DateOrder dateOrderOfStyle(int style)
+std::optional<DateOrder> dateOrderOfStyle(int style)
 {
     switch (style % 100) {
+    case 0:
+        return std::nullopt;
     case 3:
     case 4:
     case 5:
@@ -357,9 +362,21 @@ DateOrder dateOrderOfStyle(int style)
     }
 }
 
-ParsedDate parseDate(std::string_view text, DateOrder order)
+std::optional<DateOrder> dateOrderNamed(std::string_view name)
 {
-    return DateReader(text, order).read();
+    for (std::size_t i = 0; i < orders.size(); ++i) {
+        const bool same =
+            std::equal(name.begin(), name.end(), orders[i].begin(), orders[i].end(),
+                       [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
+        if (same)
+            return static_cast<DateOrder>(i);
+    }
+    return std::nullopt;
+}
+
+ParsedDate parseDate(std::string_view text, const DateSettings& settings, bool yearFirst)
+{
+    return DateReader(text, settings, yearFirst).read();
 }
 
 } // namespace practice

@@ -1,6 +1,7 @@
 // Calendar arithmetic, and the rounding and limits of each type of date and time.
 #pragma once
 
+#include "types/language.h"
 #include "types/value.h"
 
 #include <cstdint>
@@ -64,17 +65,11 @@ struct Civil
 [[nodiscard]] DateTimeValue currentLocalTime();
 [[nodiscard]] DateTimeValue currentUtcTime();
 
-/// The order in which a numeric date without a four-digit first part is read.
-enum class DateOrder : std::uint8_t
-{
-    MonthDayYear,
-    DayMonthYear,
-    YearMonthDay
-};
-
-/// The order that a CONVERT style from text implies (3, 4, 5, 103 ... day first; 2, 11 ... year
-/// first; month first otherwise).
-[[nodiscard]] DateOrder dateOrderOfStyle(int style);
+/// The order that a CONVERT style from text implies: 3, 4, 5, 103 ... day first; 2, 11 ... year first;
+/// none for 0 and 100, which leave it to the session; month first otherwise.
+[[nodiscard]] std::optional<DateOrder> dateOrderOfStyle(int style);
+/// "mdy", "dmy" ... in any case, as SET DATEFORMAT names them.
+[[nodiscard]] std::optional<DateOrder> dateOrderNamed(std::string_view name);
 
 enum class DateFault : std::uint8_t
 {
@@ -91,12 +86,15 @@ struct ParsedDate
     int fractionDigits = 0;
 };
 
-/// Reads every form of date and time that SQL Server knows under us_english: separated and compact
-/// numeric dates, ISO 8601, month names, times alone. A missing date is 1900-01-01.
-[[nodiscard]] ParsedDate parseDate(std::string_view text, DateOrder order = DateOrder::MonthDayYear);
+/// Reads every form of date and time that SQL Server knows: separated and compact numeric dates, ISO
+/// 8601, month names, times alone. A missing date is 1900-01-01.
+/// @param yearFirst with a year of four digits in front month and day follow, whatever the order: so do
+/// the types that came with date, while datetime keeps the order of its other two parts
+[[nodiscard]] ParsedDate parseDate(std::string_view text, const DateSettings& settings = {},
+                                   bool yearFirst = false);
 
 /// Text in a CONVERT style; none when there is no such style. `type` tells which parts there are.
 [[nodiscard]] std::optional<std::string> formatDate(const DateTimeValue& value, const SqlType& type,
-                                                    int style);
+                                                    int style, const Language& language = usEnglish());
 
 } // namespace practice

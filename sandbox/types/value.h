@@ -1,6 +1,7 @@
 // One Transact-SQL value, as it passes between engine, wire and functions.
 #pragma once
 
+#include "types/language.h"
 #include "types/sql_type.h"
 
 #include <array>

@@ -125,6 +125,7 @@ public:
     void cancel() noexcept override { m_cancelled = true; }
     [[nodiscard]] const std::string& database() const override { return m_database; }
     [[nodiscard]] int id() const override { return 51; }
+    [[nodiscard]] int textSize() const override { return -1; }
 
 private:
     Dialogue& m_dialogue;

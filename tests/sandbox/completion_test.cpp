@@ -95,7 +95,7 @@ class Completions : public testing::Test
 protected:
     Completions()
     {
-        (void)one_.ask(loginPacket("Secret1", 4096, "tempdb"));
+        (void)one_.ask(loginPacket({.password = "Secret1", .database = "tempdb"}));
         for (const char* text :
              {"CREATE TABLE t (a int NOT NULL)", "INSERT t VALUES (1) INSERT t VALUES (2)"})
             (void)ask(text);

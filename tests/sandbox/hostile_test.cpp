@@ -3,8 +3,8 @@
 #include "engine/api/session.h"
 #include "engine_harness.h"
 #include "raw_client.h"
+#include "raw_server.h"
 #include "tds/server.h"
-
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
@@ -42,38 +42,6 @@ std::string nested(std::string_view open, std::string_view inner, std::string_vi
     return times(many, open) + std::string(inner) + times(many, close);
 }
 
-/// The number of the first error of a reply, looked for up to its first columns; 0 for none, -1 for no
-/// reply.
-int firstError(const Bytes& reply)
-{
-    ByteReader reader(reply);
-    while (!reader.atEnd()) {
-        switch (static_cast<Token>(reader.number<std::uint8_t>())) {
-        case Token::Error:
-            reader.skip(2);
-            return reader.number<std::int32_t>();
-        case Token::Done:
-            reader.skip(12);
-            break;
-        case Token::Info:
-        case Token::EnvironmentChange:
-            reader.skip(reader.number<std::uint16_t>());
-            break;
-        default:
-            return 0;
-        }
-    }
-    return reply.empty() ? -1 : 0;
-}
-
-/// The status of the completion that a reply ends with.
-int lastStatus(const Bytes& reply)
-{
-    ByteReader reader(reply);
-    reader.skip(reply.size() - 12);
-    return reader.number<std::uint16_t>();
-}
-
 long peakMegabytes()
 {
     rusage usage{};
@@ -81,27 +49,7 @@ long peakMegabytes()
     return usage.ru_maxrss / 1024;
 }
 
-class Hostile : public testing::Test
-{
-protected:
-    [[nodiscard]] RawClient client() const
-    {
-        RawClient one(tds_.port());
-        if (firstError(one.ask(loginPacket("Secret1", 32'767, "tempdb"))) != 0)
-            throw std::runtime_error("not logged in");
-        return one;
-    }
-    static int ask(RawClient& one, std::string_view text) { return firstError(one.ask(batchMessage(text))); }
-
-    TemporaryDirectory directory_;
-    std::unique_ptr<Server> server_ =
-        openServer({.dataDirectory = directory_.path(), .serverName = "HOST", .saPassword = "Secret1"});
-    TdsServer tds_{*server_, [] {
-                       ListenOptions options;
-                       options.port = 0;
-                       return options;
-                   }()};
-};
+using Hostile = RawServer;
 
 } // namespace
 

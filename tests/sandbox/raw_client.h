@@ -48,16 +48,26 @@ inline Bytes packet(PacketType type, const Bytes& payload, std::uint8_t status =
     return out;
 }
 
-inline Bytes loginPacket(std::string_view password = "contraseña", std::uint32_t packetSize = 4096,
-                         std::string_view database = "Ventas")
+struct LoginFields
+{
+    std::string_view password = "contraseña";
+    std::uint32_t packetSize = 4096;
+    std::string_view database = "Ventas";
+    std::string_view language = "";
+    std::uint8_t optionFlags2 = 0x02; ///< of an ODBC driver
+    std::uint32_t version = 0x74000004;
+};
+
+inline Bytes loginPacket(const LoginFields& login = {})
 {
     Bytes fixed;
     Bytes texts;
     fixed.reserve(94);
     append(fixed, std::uint32_t{0}); // the length, filled in below
-    append(fixed, std::uint32_t{0x74000004});
-    append(fixed, packetSize);
+    append(fixed, login.version);
+    append(fixed, login.packetSize);
     fixed.resize(36);
+    fixed[25] = login.optionFlags2;
     const auto field = [&](std::string_view utf8, bool secret = false) {
         Bytes text;
         appendText(text, utf8);
@@ -69,10 +79,11 @@ inline Bytes loginPacket(std::string_view password = "contraseña", std::uint32_
     };
     field("host");
     field("sa");
-    field(password, true);
-    for (const std::string_view text : {"tests", "server", "", "client", ""})
+    field(login.password, true);
+    for (const std::string_view text : {"tests", "server", "", "client"})
         field(text);
-    field(database);
+    field(login.language);
+    field(login.database);
     fixed.resize(94);
     fixed.insert(fixed.end(), texts.begin(), texts.end());
     const auto length = static_cast<std::uint32_t>(fixed.size());

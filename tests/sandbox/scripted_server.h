@@ -128,6 +128,7 @@ public:
 
     [[nodiscard]] const std::string& database() const override { return database_; }
     [[nodiscard]] int id() const override { return 51; }
+    [[nodiscard]] int textSize() const override { return -1; }
 
 private:
     static void sendTypes(ResultSink& sink)

@@ -79,7 +79,7 @@ protected:
     [[nodiscard]] RawClient loggedIn(std::uint32_t packetSize = 4096) const
     {
         RawClient one = client();
-        if (tokens(one.ask(loginPacket("contraseña", packetSize))).find("loginack") == std::string::npos)
+        if (tokens(one.ask(loginPacket({.packetSize = packetSize}))).find("loginack") == std::string::npos)
             throw std::runtime_error("not logged in");
         return one;
     }
@@ -108,7 +108,7 @@ TEST_F(Wire, AnswersLoginsInTheServersOrder)
               "change 1 info 5701 change 7 change 2 loginack change 4 done(0x0,0) ");
 
     RawClient other = client();
-    EXPECT_EQ(tokens(other.ask(loginPacket("otra"))), "error 18456 done(0x2,0) ");
+    EXPECT_EQ(tokens(other.ask(loginPacket({.password = "otra"}))), "error 18456 done(0x2,0) ");
     EXPECT_TRUE(other.reply().empty());
 }
 

@@ -19,7 +19,10 @@ struct LoginRequest
     std::string database; ///< "" for the login's default database
     std::string application;
     std::string host;
-    std::string language;
+    std::string language;          ///< "" for the login's own
+    bool languageRequired = false; ///< there is no session without that language
+    bool odbc = true;              ///< the client is an ODBC driver or its like
+    int textSize = 2147483647;     ///< what TEXTSIZE is at first
     /// Asked by the program itself and not over the wire: no password is wanted.
     bool trusted = false;
 };
@@ -61,6 +64,8 @@ public:
 
     [[nodiscard]] virtual const std::string& database() const = 0;
     [[nodiscard]] virtual int id() const = 0; ///< @@SPID
+    /// The most bytes of a text, image or (max) value that its client wants; -1 for all.
+    [[nodiscard]] virtual int textSize() const = 0;
 };
 
 /// Why a login was refused: 18456 and its kin, sent to the client before the connection closes.

@@ -71,16 +71,11 @@ bool mentions(const ast::QueryBody& body, const std::string& name)
 
 } // namespace
 
-std::string temporaryName(const SessionContext& session, const std::string& name)
-{
-    return name.starts_with("##") ? name : name + session.temporarySuffix();
-}
-
 ObjectPtr Translator::object(const ast::ObjectName& name)
 {
     Catalog& catalog = context_.session.catalog();
     if (name.object.starts_with('#')) {
-        ObjectPtr found = catalog.object(tempdbId, "", temporaryName(context_.session, name.object));
+        ObjectPtr found = catalog.object(tempdbId, "", context_.session.temporaryName(name.object));
         if (!found)
             raise(208, {name.object});
         return found;

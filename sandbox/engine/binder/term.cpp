@@ -201,7 +201,10 @@ Term foldedConstant(const Term& term, const SqlType& to, Conversion conversion, 
         return {};
     // Assignments that cut off must go through their function, which knows what may be lost.
     const bool lossy = conversion == Conversion::Assignment && (isCharacter(to.id) || isBinary(to.id));
-    if (lossy)
+    // What a date says depends on the session at the time.
+    const bool dated =
+        (isCharacter(term.type.id) && isDateTime(to.id)) || (isDateTime(term.type.id) && isCharacter(to.id));
+    if (lossy || dated)
         return {};
     try {
         Term folded = constantTerm(convert(*term.constant, term.type, to, style), to);

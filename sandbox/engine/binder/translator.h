@@ -228,9 +228,6 @@ private:
 /// The type that is written, with its facets. @throws SqlError 131, 243 ...
 [[nodiscard]] SqlType resolveType(const ast::DataType& type, bool declaration);
 
-/// Where in tempdb's catalog "#name" lies for a session.
-[[nodiscard]] std::string temporaryName(const SessionContext& session, const std::string& name);
-
 [[nodiscard]] std::string writtenName(const ast::ObjectName& name);
 
 /// An exact numeric, float, money or date operation. @throws SqlError 402, 8117 ...

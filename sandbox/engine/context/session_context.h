@@ -31,7 +31,7 @@ struct SessionOptions
     bool ansiNullDefault = true;
     bool quotedIdentifier = true;
     bool concatNullYieldsNull = true;
-    bool arithAbort = true;
+    bool arithAbort = false;
     bool implicitTransactions = false;
     bool noExec = false;
     bool parseOnly = false;
@@ -39,8 +39,7 @@ struct SessionOptions
     int rowCount = 0; ///< SET ROWCOUNT; 0 for all
     int textSize = 2147483647;
     int dateFirst = 7;
-    std::string dateFormat = "mdy";
-    std::string language = "us_english";
+    DateSettings dates;
     int isolationLevel = 2; ///< 1 read uncommitted, 2 read committed, 3 repeatable read, 4 serializable
     /// "db.schema.table" for which SET IDENTITY_INSERT is ON, folded; "" for none.
     std::string identityInsert;
@@ -84,8 +83,12 @@ public:
     }
     virtual void sendMessage(Message message) = 0; ///< adds line and procedure
 
-    /// The spid's own scope for "#name" in tempdb's catalog: the suffix that its names carry there.
-    [[nodiscard]] virtual const std::string& temporarySuffix() const = 0;
+    /// The name in tempdb's catalog of what "#name" means where the running statement stands: the
+    /// innermost scope's. Of no object when there is none. "##name" is for all.
+    [[nodiscard]] virtual std::string temporaryName(const std::string& name) const = 0;
+    /// The one that "#name" is to have there once the running statement has created it; one that is
+    /// taken when the scope has such a name.
+    [[nodiscard]] virtual std::string newTemporaryName(const std::string& name) = 0;
 
     /// Takes the write lock and makes sure that a transaction runs. DDL and DML are called with it
     /// held already; procedures that write call it themselves before they read.

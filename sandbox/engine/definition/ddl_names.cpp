@@ -11,12 +11,6 @@ bool isTemporary(const std::string& name)
     return name.starts_with('#');
 }
 
-std::string catalogName(SessionContext& session, const std::string& name)
-{
-    const bool own = isTemporary(name) && !name.starts_with("##");
-    return own ? name + session.temporarySuffix() : name;
-}
-
 bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
 {
     constexpr int granted = 206; // 204 and 205 grant, 206 denies
@@ -70,7 +64,7 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
         raise(2702, {name.database});
     place.database = databaseOf(session, name);
     requireWritable(*place.database);
-    place.name = catalogName(session, name.object);
+    place.name = isTemporary(name.object) ? session.newTemporaryName(name.object) : name.object;
     place.written = name.object;
     const auto user = session.catalog().userOf(place.database->id, session.login());
     if (!user)
@@ -91,7 +85,7 @@ ObjectPtr findNamed(SessionContext& session, const ast::ObjectName& name)
 {
     const DatabasePtr database = databaseOf(session, name);
     if (isTemporary(name.object))
-        return session.catalog().object(database->id, "", catalogName(session, name.object));
+        return session.catalog().object(database->id, "", session.temporaryName(name.object));
     const auto user = session.catalog().userOf(database->id, session.login());
     return session.catalog().object(database->id, name.schema, name.object, user ? user->id : 1);
 }

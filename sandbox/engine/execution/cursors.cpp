@@ -1,6 +1,7 @@
 #include "engine/execution/statements.h"
 #include "engine/execution/step_query.h"
 #include "engine/messages/errors.h"
+#include "engine/session/session_scope.h"
 
 #include <algorithm>
 
@@ -25,18 +26,11 @@ void open(SessionState& session, Cursor& cursor)
     if (cursor.open)
         raise(16905);
     // The query belongs to the batch that declared the cursor, so its plan is kept there too.
-    const CompiledBatchPtr present = std::exchange(session.frame().compiled, cursor.owner);
-    try {
-        QueryPlan& plan = planQuery(session, *cursor.query);
-        cursor.columns = plan.columns;
-        cursor.rows.clear();
-        stepQuery(session, plan,
-                  [&cursor](const std::vector<Value>& values) { cursor.rows.push_back(values); });
-    } catch (...) {
-        session.frame().compiled = present;
-        throw;
-    }
-    session.frame().compiled = present;
+    const Temporarily<CompiledBatchPtr> compiled(session.frame().compiled, cursor.owner);
+    QueryPlan& plan = planQuery(session, *cursor.query);
+    cursor.columns = plan.columns;
+    cursor.rows.clear();
+    stepQuery(session, plan, [&cursor](const std::vector<Value>& values) { cursor.rows.push_back(values); });
     cursor.open = true;
     cursor.position = -1;
     session.cursorRows = static_cast<int>(cursor.rows.size());

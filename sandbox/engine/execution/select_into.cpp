@@ -2,6 +2,7 @@
 
 #include "engine/execution/step_query.h"
 #include "engine/messages/errors.h"
+#include "engine/session/session_scope.h"
 #include "tsql/parser.h"
 
 namespace practice {
@@ -69,19 +70,14 @@ void selectInto(SessionState& session, QueryPlan& plan, const ast::ObjectName& t
         // Read first: the statement must not be running while the schema changes.
         std::vector<std::vector<Value>> read;
         stepQuery(session, plan, [&read](const std::vector<Value>& values) { read.push_back(values); });
-        const bool quiet = std::exchange(session.options().noCount, true);
-        try {
+        {
+            const Temporarily<bool> quiet(session.options().noCount, true);
             (void)session.queryText(definition);
-        } catch (...) {
-            session.options().noCount = quiet;
-            throw;
         }
-        session.options().noCount = quiet;
         Translator translator(session.bindContext());
         return fill(session, translator.object(target), read);
     });
-    if (target.object.starts_with('#') && !target.object.starts_with("##"))
-        session.frame().temporaryTables.push_back(target.object);
+    session.ownGlobalTemporary(target.object);
     session.lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::select);
 }

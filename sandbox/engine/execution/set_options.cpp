@@ -1,8 +1,10 @@
 #include "engine/execution/change_target.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
+#include "types/date_time.h"
 #include "types/text_encoding.h"
 
+#include <algorithm>
 #include <array>
 
 namespace practice {
@@ -107,22 +109,29 @@ void setValue(SessionState& session, const std::string& name, const ast::Express
             raise(507);
         options.rowCount = rows;
     } else if (name == "TEXTSIZE") {
-        options.textSize = numberOf(session, value);
+        constexpr int least = 4096;
+        const int bytes = numberOf(session, value);
+        options.textSize = bytes == 0 ? least : std::max(bytes, -1);
     } else if (name == "LOCK_TIMEOUT") {
         const auto* unary = ast::tryAs<ast::Unary>(&value);
         session.store().setLockTimeout(unary != nullptr ? -1 : numberOf(session, value));
     } else if (name == "DATEFIRST") {
         const int first = numberOf(session, value);
         if (first < 1 || first > 7)
-            raise(2744, {std::to_string(first)});
+            raise(2742, {std::to_string(first)});
         options.dateFirst = first;
     } else if (name == "DATEFORMAT") {
-        options.dateFormat = lowerCase(wordOf(session, value));
+        const std::string word = wordOf(session, value);
+        const auto order = dateOrderNamed(word);
+        if (!order)
+            raise(2741, {word});
+        options.dates.order = *order;
     } else if (name == "LANGUAGE") {
-        const std::string language = wordOf(session, value);
-        const std::string before = std::exchange(options.language, language);
-        session.sink().environment(EnvironmentChange::Language, language, before);
-        session.inform(5703, {language});
+        const std::string word = wordOf(session, value);
+        const Language* language = findLanguage(word);
+        if (language == nullptr)
+            raise(2740, {word});
+        session.useLanguage(*language, std::string(options.dates.language->name));
     } else if (name == "TRANSACTION ISOLATION LEVEL") {
         options.isolationLevel = isolationLevel(wordOf(session, value));
     }

@@ -29,6 +29,9 @@ void planAhead(SessionState& session, const ast::Statement& statement);
 void executeSetOption(SessionState& session, const ast::SetOptionStatement& statement);
 void executePrint(SessionState& session, const ast::PrintStatement& statement);
 void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& statement);
+void executeWaitFor(SessionState& session, const ast::WaitForStatement& statement);
+/// What can be said of a WAITFOR before its batch runs. @throws SqlError 148
+void checkWaitFor(const ast::WaitForStatement& statement);
 void executeDbcc(SessionState& session, const ast::DbccStatement& statement);
 
 void declareCursor(SessionState& session, const ast::DeclareCursorStatement& statement);

@@ -2,6 +2,7 @@
 
 #include "engine/binder/parsed_texts.h"
 #include "engine/messages/errors.h"
+#include "engine/session/temporary_objects.h"
 #include "types/conversion.h"
 
 #include <algorithm>
@@ -46,11 +47,8 @@ std::string databaseNameOf(SessionState& session, const Object& table)
 
 std::string ownerName(SessionState&, const Object& table)
 {
-    std::string name = table.name;
     // A temporary table's suffix is the server's own affair.
-    if (name.starts_with('#') && !name.starts_with("##"))
-        name.resize(std::min(name.find("____"), name.size()));
-    return table.owner + "." + name;
+    return table.owner + "." + temporaryWrittenName(table.name);
 }
 
 std::string fullName(SessionState& session, const Object& table)

@@ -65,37 +65,37 @@ Value assignBytes(Value value, const SqlType& target)
     return value;
 }
 
-Value assigned(const Value& value, const SqlType& from, const SqlType& to)
+Value assigned(const Value& value, const SqlType& from, const SqlType& to, const DateSettings& dates)
 {
     const bool fromTextOrBytes = isCharacter(from.id) || isBinary(from.id) || from.id == TypeId::SqlVariant;
     if (isCharacter(to.id)) {
         if (!fromTextOrBytes)
-            return convert(value, from, to);
-        Value text = convert(value, from, unbounded(to));
+            return convert(value, from, to, 0, dates);
+        Value text = convert(value, from, unbounded(to), 0, dates);
         if (auto* held = std::get_if<std::string>(&text.data))
             *held = assignText(std::move(*held), to);
         return text;
     }
     if (isBinary(to.id) && to.id != TypeId::Timestamp && fromTextOrBytes) {
-        Value bytes = convert(value, from, unbounded(to));
+        Value bytes = convert(value, from, unbounded(to), 0, dates);
         return bytes.isNull() ? bytes : assignBytes(std::move(bytes), to);
     }
-    return convert(value, from, to);
+    return convert(value, from, to, 0, dates);
 }
 
 // cvt(value, from type, to type, style)
-void cvt(const Call& call)
+void cvt(const Call& call, const DateSettings& dates)
 {
     const SqlType from = call.type(1);
     const SqlType to = call.type(2);
-    call.result(convert(call.value(0, from), from, to, static_cast<int>(call.integer(3))), to);
+    call.result(convert(call.value(0, from), from, to, static_cast<int>(call.integer(3)), dates), to);
 }
 
 // trycvt(value, from type, to type, style): NULL where cvt fails
-void tryConversion(const Call& call)
+void tryConversion(const Call& call, const DateSettings& dates)
 {
     try {
-        cvt(call);
+        cvt(call, dates);
     } catch (const ConversionError&) {
         sqlite3_result_null(call.context());
     }
@@ -130,7 +130,7 @@ void depth(const Call& call)
 }
 
 // asg(value, from type, to type): as an INSERT or UPDATE converts
-void asg(const Call& call)
+void asg(const Call& call, const DateSettings& dates)
 {
     const SqlType from = call.type(1);
     const SqlType to = call.type(2);
@@ -144,7 +144,7 @@ void asg(const Call& call)
             return call.result(std::string_view(assignText(std::string(text), to)));
         }
     }
-    call.result(assigned(call.value(0, from), from, to), to);
+    call.result(assigned(call.value(0, from), from, to, dates), to);
 }
 
 // pad(text, type): to the length of a char or nchar
@@ -268,15 +268,15 @@ void oneFinal(sqlite3_context* context)
 
 } // namespace
 
-void registerConversionFunctions(sqlite3* connection)
+void registerConversionFunctions(sqlite3* connection, const DateSettings& dates)
 {
     defineFunction(connection, "t_checksum", -1, checksum, Nulls::Handle);
-    defineFunction(connection, "t_cvt", 4, cvt);
-    defineFunction(connection, "t_trycvt", 4, tryConversion);
+    defineDatedFunction(connection, "t_cvt", 4, cvt, dates);
+    defineDatedFunction(connection, "t_trycvt", 4, tryConversion, dates);
     defineFunction(connection, "t_rowlimit", 1, rowLimit, Nulls::Handle);
     defineFunction(connection, "t_percentage", 2, percentage);
     defineFunction(connection, "t_depth", 1, depth);
-    defineFunction(connection, "t_asg", 3, asg);
+    defineDatedFunction(connection, "t_asg", 3, asg, dates);
     defineFunction(connection, "t_pad", 2, pad);
     defineFunction(connection, "t_required", 4, required, Nulls::Handle);
     defineFunction(connection, "t_fail", -1, fail, Nulls::Handle, Purity::Volatile);

@@ -62,11 +62,6 @@ constexpr PartName partNames[] = {
     {"tz", DatePart::TimeZone},
 };
 
-constexpr std::array monthNames = {"January", "February", "March",     "April",   "May",      "June",
-                                   "July",    "August",   "September", "October", "November", "December"};
-constexpr std::array dayNames = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                 "Thursday", "Friday", "Saturday"};
-
 DatePart partAt(const Call& call, int i)
 {
     return static_cast<DatePart>(call.integer(i));
@@ -113,7 +108,7 @@ std::optional<DateTimeValue> addMonths(const DateTimeValue& value, std::int64_t 
 {
     const Civil date = civilFromDays(value.days);
     const std::int64_t total = std::int64_t{date.year} * 12 + date.month - 1 + months;
-    if (total < 12 || total >= 10'000 * 12)
+    if (total < 12 || total >= std::int64_t{10'000} * 12)
         return std::nullopt;
     const int year = static_cast<int>(total / 12);
     const int month = static_cast<int>(total % 12) + 1;
@@ -276,15 +271,14 @@ void datePart(const Call& call)
 }
 
 // datename(part, value, type, first day of the week)
-void dateName(const Call& call)
+void dateName(const Call& call, const DateSettings& dates)
 {
     const DatePart part = partAt(call, 0);
     const DateTimeValue value = pointAt(call, 1, 2);
     if (part == DatePart::Month)
-        return call.result(
-            std::string_view(monthNames[static_cast<std::size_t>(civilFromDays(value.days).month - 1)]));
+        return call.result(listedName(dates.language->months, civilFromDays(value.days).month - 1));
     if (part == DatePart::WeekDay)
-        return call.result(std::string_view(dayNames[static_cast<std::size_t>(weekday(value.days))]));
+        return call.result(listedName(dates.language->days, (weekday(value.days) + 6) % 7));
     if (part == DatePart::TimeZone) {
         std::array<char, 16> text{};
         const int minutes = value.offsetMinutes < 0 ? -value.offsetMinutes : value.offsetMinutes;
@@ -306,11 +300,11 @@ void endOfMonth(const Call& call)
 }
 
 // isdate(text)
-void isDate(const Call& call)
+void isDate(const Call& call, const DateSettings& dates)
 {
     if (call.isNull(0))
         return call.result(0);
-    const ParsedDate parsed = parseDate(call.text(0));
+    const ParsedDate parsed = parseDate(call.text(0), dates);
     const bool valid = parsed.fault == DateFault::None && parsed.value.days >= day1753 &&
                        call.text(0).find_first_not_of(' ') != std::string_view::npos;
     call.result(valid ? 1 : 0);
@@ -367,14 +361,14 @@ const char* datePartName(DatePart part)
     return found->name.data();
 }
 
-void registerDateFunctions(sqlite3* connection)
+void registerDateFunctions(sqlite3* connection, const DateSettings& dates)
 {
     defineFunction(connection, "t_dateadd", 4, dateAdd);
     defineFunction(connection, "t_datediff", 6, dateDiff);
     defineFunction(connection, "t_datepart", 4, datePart);
-    defineFunction(connection, "t_datename", 4, dateName);
+    defineDatedFunction(connection, "t_datename", 4, dateName, dates);
     defineFunction(connection, "t_eomonth", 2, endOfMonth);
-    defineFunction(connection, "t_isdate", 1, isDate, Nulls::Handle);
+    defineDatedFunction(connection, "t_isdate", 1, isDate, dates, Nulls::Handle);
     defineFunction(connection, "t_datefromparts", 3, dateFromParts);
     defineFunction(connection, "t_datetimefromparts", 7, dateTimeFromParts);
 }

@@ -10,7 +10,8 @@ namespace practice {
 
 namespace {
 
-void invoke(CallBody body, Nulls nulls, const Call& call)
+template <typename Work>
+void invoke(Work body, Nulls nulls, const Call& call)
 {
     try {
         if (nulls == Nulls::Propagate) {
@@ -38,6 +39,20 @@ void onCall(sqlite3_context* context, int count, sqlite3_value** arguments)
     invoke(body, nulls, Call(context, count, arguments));
 }
 
+struct DatedDefinition
+{
+    DatedBody body;
+    const DateSettings& dates;
+    Nulls nulls;
+};
+
+void onDatedCall(sqlite3_context* context, int count, sqlite3_value** arguments)
+{
+    const auto& definition = *static_cast<const DatedDefinition*>(sqlite3_user_data(context));
+    const auto body = [&definition](const Call& call) { definition.body(call, definition.dates); };
+    invoke(body, definition.nulls, Call(context, count, arguments));
+}
+
 } // namespace
 
 Message messageOf(const ConversionError& error)
@@ -63,14 +78,25 @@ void defineFunction(sqlite3* connection, const char* name, int arguments, CallBo
         throwStoreFailure(connection, code);
 }
 
-void registerSqlFunctions(sqlite3* connection)
+void defineDatedFunction(sqlite3* connection, const char* name, int arguments, DatedBody body,
+                         const DateSettings& dates, Nulls nulls)
 {
-    registerConversionFunctions(connection);
+    const int code =
+        sqlite3_create_function_v2(connection, name, arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
+                                   new DatedDefinition{body, dates, nulls}, &onDatedCall, nullptr, nullptr,
+                                   [](void* owned) { delete static_cast<DatedDefinition*>(owned); });
+    if (code != SQLITE_OK)
+        throwStoreFailure(connection, code);
+}
+
+void registerSqlFunctions(sqlite3* connection, const DateSettings& dates)
+{
+    registerConversionFunctions(connection, dates);
     registerArithmeticFunctions(connection);
     registerNumberFunctions(connection);
     registerTextFunctions(connection);
     registerPatternFunctions(connection);
-    registerDateFunctions(connection);
+    registerDateFunctions(connection, dates);
     registerHashFunctions(connection);
     registerVariantFunctions(connection);
     registerAggregates(connection);

@@ -5,6 +5,7 @@
 #include "engine/messages/errors.h"
 #include "engine/store/storage.h"
 #include "types/conversion.h"
+#include "types/language.h"
 #include "types/value.h"
 
 #include <cstdint>
@@ -80,18 +81,24 @@ enum class Purity : std::uint8_t
 void defineFunction(sqlite3* connection, const char* name, int arguments, CallBody body,
                     Nulls nulls = Nulls::Propagate, Purity purity = Purity::Deterministic);
 
-void registerConversionFunctions(sqlite3* connection);
+using DatedBody = void (*)(const Call&, const DateSettings&);
+
+/// For what reads or writes dates. The settings are looked at in each call and outlive the connection.
+void defineDatedFunction(sqlite3* connection, const char* name, int arguments, DatedBody body,
+                         const DateSettings& dates, Nulls nulls = Nulls::Propagate);
+
+void registerConversionFunctions(sqlite3* connection, const DateSettings& dates);
 void registerArithmeticFunctions(sqlite3* connection);
 void registerNumberFunctions(sqlite3* connection);
 void registerTextFunctions(sqlite3* connection);
 void registerPatternFunctions(sqlite3* connection);
-void registerDateFunctions(sqlite3* connection);
+void registerDateFunctions(sqlite3* connection, const DateSettings& dates);
 void registerHashFunctions(sqlite3* connection);
 void registerVariantFunctions(sqlite3* connection);
 void registerAggregates(sqlite3* connection);
 
 /// All of the above.
-void registerSqlFunctions(sqlite3* connection);
+void registerSqlFunctions(sqlite3* connection, const DateSettings& dates);
 
 /// The message that a failed conversion of ours becomes.
 [[nodiscard]] Message messageOf(const ConversionError& error);

@@ -95,6 +95,13 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
             fault(error);
         }
         return;
+    case ast::StatementKind::WaitFor:
+        try {
+            checkWaitFor(ast::as<ast::WaitForStatement>(statement));
+        } catch (const SqlError& error) {
+            fault(error);
+        }
+        return;
     default:
         moved = moved || (statement.kind >= ast::StatementKind::CreateTable &&
                           statement.kind <= ast::StatementKind::Use);

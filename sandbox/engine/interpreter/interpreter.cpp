@@ -2,6 +2,7 @@
 
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
+#include "engine/session/session_scope.h"
 #include "types/conversion.h"
 
 #include <algorithm>
@@ -87,25 +88,21 @@ std::uint16_t commandOf(const ast::Statement& statement)
     }
 }
 
-/// Lets go of the statement's view of the store however it ends.
-class StatementEnd
-{
-public:
-    explicit StatementEnd(SessionState& session) : session_(session) {}
-    ~StatementEnd() { session_.endStatement(); }
-    StatementEnd(const StatementEnd&) = delete;
-    StatementEnd& operator=(const StatementEnd&) = delete;
-
-private:
-    SessionState& session_;
-};
-
 } // namespace
 
 void Interpreter::runBatch(const std::string& text)
 {
-    auto frame = std::make_unique<Frame>();
-    session_.pushFrame(std::move(frame));
+    runRequest(text);
+    if (session_.doomed) {
+        session_.rollbackAll();
+        session_.sendMessage(makeMessage(3998));
+        session_.done(std::nullopt, commands::other, true);
+    }
+}
+
+void Interpreter::runRequest(const std::string& text)
+{
+    const FrameScope scope(session_, std::make_unique<Frame>(), ScopeKind::Request);
     try {
         session_.frame().compiled = session_.compile(text);
         if (prepare(session_.frame().compiled->batch.statements))
@@ -121,16 +118,6 @@ void Interpreter::runBatch(const std::string& text)
         // reported already
     } catch (const ScopeAborted&) {
         // reported already
-    } catch (...) {
-        session_.popFrame();
-        throw;
-    }
-    const std::unique_ptr<Frame> ended = session_.popFrame();
-    session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
-    if (session_.doomed) {
-        session_.rollbackAll();
-        session_.sendMessage(makeMessage(3998));
-        session_.done(std::nullopt, commands::other, true);
     }
 }
 
@@ -144,46 +131,27 @@ void Interpreter::runNested(const std::string& text)
         frame->procedure = session_.frame().procedure;
         frame->database = session_.frame().database;
     }
-    session_.pushFrame(std::move(frame));
-    try {
-        run(session_.frame().compiled->batch.statements);
-    } catch (...) {
-        session_.popFrame();
-        throw;
-    }
-    session_.popFrame();
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Nested);
+    run(session_.frame().compiled->batch.statements);
 }
 
 void Interpreter::runInner(const std::string& text, Frame& prepared, const std::string& family)
 {
     if (session_.nestLevel() >= deepestNesting)
         raise(217, {std::to_string(deepestNesting)});
-    const SessionOptions options = session_.options();
     auto frame = std::make_unique<Frame>(std::exchange(prepared, Frame{}));
     frame->compiled = session_.compile(text, family);
     frame->completion = Completion::Kind::InProcedure;
     if (session_.hasFrame())
         frame->database = session_.frame().database;
-    session_.pushFrame(std::move(frame));
-    session_.enterModule();
-    const auto leave = [this, &options, &prepared] {
-        std::unique_ptr<Frame> ended = session_.popFrame();
-        session_.dropTemporaryTables(ended->temporaryTables);
-        prepared = std::move(*ended);
-        session_.leaveModule();
-        session_.options() = options;
-    };
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Inner);
     try {
         if (prepare(session_.frame().compiled->batch.statements))
             run(session_.frame().compiled->batch.statements);
     } catch (const ScopeAborted&) {
-        leave();
-        return;
-    } catch (...) {
-        leave();
-        throw;
+        // reported already
     }
-    leave();
+    prepared.variables = std::move(session_.frame().variables);
 }
 
 Interpreter::Flow Interpreter::run(const ast::StatementList& statements)
@@ -262,6 +230,10 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         failed(error);
     } catch (const StoreError& failure) {
         failed({messageOf(failure)});
+    } catch (const Cancelled&) {
+        if (session_.options().xactAbort && session_.transactionCount() > 0)
+            session_.rollbackAll();
+        throw;
     }
 }
 
@@ -343,31 +315,20 @@ Interpreter::Flow Interpreter::loop(const ast::WhileStatement& node)
 Interpreter::Flow Interpreter::tryCatch(const ast::TryCatchStatement& node)
 {
     Frame& frame = session_.frame();
-    ++frame.tryDepth;
     try {
-        const Flow flow = run(node.tryPart);
-        --frame.tryDepth;
-        return flow;
+        const Temporarily<int> depth(frame.tryDepth, frame.tryDepth + 1);
+        return run(node.tryPart);
     } catch (const SqlError& error) {
-        --frame.tryDepth;
         if (error.message.severity >= 20)
             throw;
         const bool dooms =
             session_.options().xactAbort || (!error.confined && endsTransaction(error.message.number));
         session_.doomed = session_.doomed || (dooms && session_.transactionCount() > 0);
         session_.lastError = error.message.number;
-        frame.caught.push_back(error.message);
-    } catch (...) {
-        --frame.tryDepth;
-        throw;
-    }
-    try {
-        const Flow flow = run(node.catchPart);
-        frame.caught.pop_back();
-        return flow;
-    } catch (...) {
-        frame.caught.pop_back();
-        throw;
+        std::vector<Message> caught = frame.caught;
+        caught.push_back(error.message);
+        const Temporarily<std::vector<Message>> shown(frame.caught, std::move(caught));
+        return run(node.catchPart);
     }
 }
 
@@ -411,7 +372,7 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::Transaction:
         return transaction(ast::as<ast::TransactionStatement>(node));
     case Kind::WaitFor:
-        return waitFor(ast::as<ast::WaitForStatement>(node));
+        return executeWaitFor(session_, ast::as<ast::WaitForStatement>(node));
     case Kind::Print:
         return executePrint(session_, ast::as<ast::PrintStatement>(node));
     case Kind::Raiserror:
@@ -449,9 +410,10 @@ void Interpreter::definition(const ast::Statement& node)
     session_.startImplicitTransaction();
     // Databases come and go outside any transaction, and a backup writes files.
     const auto rows = session_.atomically([this, &node] { return executeDdl(session_, node); });
-    if (const auto* create = ast::tryAs<ast::CreateTableStatement>(&node);
-        create != nullptr && create->name.object.starts_with('#') && !create->name.object.starts_with("##"))
-        session_.frame().temporaryTables.push_back(create->name.object);
+    if (const auto* table = ast::tryAs<ast::CreateTableStatement>(&node))
+        session_.ownGlobalTemporary(table->name.object);
+    else if (const auto* procedure = ast::tryAs<ast::CreateProcedureStatement>(&node))
+        session_.ownGlobalTemporary(procedure->name.object);
     session_.done(rows, commands::other, session_.statementError != 0);
 }
 
@@ -508,33 +470,6 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
     constexpr std::uint16_t tokens[] = {commands::begin, commands::commit, commands::rollback,
                                         commands::begin};
     session_.done(std::nullopt, tokens[static_cast<std::size_t>(node.action)]);
-}
-
-void Interpreter::waitFor(const ast::WaitForStatement& node)
-{
-    const Value given = session_.evaluate(*node.time, varCharType(30));
-    const std::string text = given.isNull() ? "" : std::get<std::string>(given.data);
-    const SqlType timeType{TypeId::Time, 5, 0, 3};
-    Value time;
-    try {
-        time = convert(given, varCharType(30), timeType);
-    } catch (const ConversionError&) {
-        raise(148, {text});
-    }
-    constexpr std::int64_t ticksPerMillisecond = 10'000;
-    constexpr std::int64_t millisecondsPerDay = 86'400'000;
-    std::int64_t left = time.isNull() ? 0 : std::get<DateTimeValue>(time.data).ticks / ticksPerMillisecond;
-    if (!node.delay) {
-        left -= session_.now(false).ticks / ticksPerMillisecond;
-        left += left < 0 ? millisecondsPerDay : 0;
-    }
-    constexpr std::int64_t slice = 10;
-    session_.endStatement();
-    for (; left > 0; left -= slice) {
-        if (session_.store().cancelled())
-            throw Cancelled{};
-        sqlite3_sleep(static_cast<int>(std::min(left, slice)));
-    }
 }
 
 void Interpreter::throwMessage(const ast::ThrowStatement& node)

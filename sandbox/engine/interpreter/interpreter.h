@@ -19,7 +19,8 @@ public:
     /// A batch inside a running statement: errors are raised.
     void runNested(const std::string& text);
     /// EXEC ('text') and sp_executesql: a batch of its own scope whose errors are reported where the
-    /// caller's would be. `frame` brings its variables along.
+    /// caller's would be. `frame` brings its variables along
+    /// and has them as they are at the end.
     /// `family` keeps apart the plans of equal texts whose variables differ.
     void runInner(const std::string& text, Frame& frame, const std::string& family = {});
 
@@ -48,6 +49,7 @@ private:
     struct ScopeAborted
     {};
 
+    void runRequest(const std::string& text);
     Flow run(const ast::StatementList& statements);
     Flow statement(const ast::Statement& statement);
     Flow controlled(const ast::Statement& statement);
@@ -59,7 +61,6 @@ private:
     void declare(const ast::DeclareStatement& statement);
     void setVariable(const ast::SetVariableStatement& statement);
     void transaction(const ast::TransactionStatement& statement);
-    void waitFor(const ast::WaitForStatement& statement);
     void execute(const ast::ExecuteStatement& statement);
     void executeString(const ast::ExecuteStringStatement& statement);
     void throwMessage(const ast::ThrowStatement& statement);
@@ -81,6 +82,7 @@ private:
     int systemProcedure(const ast::ObjectName& name, std::vector<Parameter>& arguments, bool& known);
     int prepareText(std::vector<Parameter>& arguments, bool execute);
     int executeSql(std::vector<Parameter>& arguments);
+    void describePrepared(const std::string& declarations, const std::string& text, bool tell);
     void runPrepared(const std::string& declarations, const std::string& text,
                      std::vector<Parameter>& values);
     void insertRowsOf(const ast::InsertStatement& statement);

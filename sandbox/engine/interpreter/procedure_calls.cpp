@@ -5,6 +5,7 @@
 #include "engine/functions/sql_functions.h"
 #include "engine/interpreter/interpreter.h"
 #include "engine/messages/errors.h"
+#include "engine/session/session_scope.h"
 #include "tsql/parser.h"
 #include "types/conversion.h"
 #include "types/text_encoding.h"
@@ -100,12 +101,17 @@ void giveBack(Parameter& parameter, const Variable& result)
     }
 }
 
+int numberOf(const Parameter& parameter)
+{
+    const Value value = convert(parameter.value, parameter.type, intType());
+    return static_cast<int>(std::get<std::int64_t>(value.data));
+}
+
 int handleOf(const std::vector<Parameter>& arguments)
 {
     if (arguments.empty() || arguments.front().value.isNull())
         raise(8179, {"0"});
-    const Value value = convert(arguments.front().value, arguments.front().type, intType());
-    return static_cast<int>(std::get<std::int64_t>(value.data));
+    return numberOf(arguments.front());
 }
 
 } // namespace
@@ -116,12 +122,8 @@ bool Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
     auto frame = std::make_unique<Frame>();
     frame->compiled = std::make_shared<CompiledBatch>();
     frame->completion = Completion::Kind::Procedure;
-    session_.pushFrame(std::move(frame));
-    const auto leave = [this] {
-        const std::unique_ptr<Frame> ended = session_.popFrame();
-        session_.keepTemporaryTables(std::move(ended->temporaryTables), ended->tableVariables);
-        session_.endStatement();
-    };
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Request);
+    const StatementEnd end(session_);
     bool ended = false;
     try {
         session_.beginStatement();
@@ -133,11 +135,7 @@ bool Interpreter::runProcedureRequest(const ast::ObjectName& name, const std::st
         // reported already
     } catch (const ScopeAborted&) {
         // reported already
-    } catch (...) {
-        leave();
-        throw;
     }
-    leave();
     return ended;
 }
 
@@ -155,14 +153,16 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
     const DatabasePtr database =
         name.database.empty() ? session_.database() : catalog.database(name.database);
     ObjectPtr found;
-    if (database)
+    if (name.object.starts_with('#'))
+        found = catalog.object(tempdbId, "", session_.temporaryName(name.object));
+    else if (database)
         found = catalog.object(database->id, name.schema, name.object, session_.user().id);
     // Procedures called sp_ are looked for in master too.
     if (!found && maybeSystem)
         found = catalog.object(1, name.schema, name.object);
     if (!found || found->kind != ObjectKind::Procedure)
         raise(2812, {writtenName(name)});
-    if (session_.frame().procedureId == 0)
+    if (session_.frame().procedureId == 0 && found->databaseId != tempdbId)
         requirePermission(session_, *found, "EXECUTE");
     return runModule(found, arguments);
 }
@@ -175,29 +175,21 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
     auto frame = std::make_unique<Frame>();
     frame->compiled = compiled;
-    frame->procedure = procedure->name;
+    const std::string shown = temporaryWrittenName(procedure->name);
+    frame->procedure = shown;
     frame->procedureId = procedure->id;
     frame->completion = Completion::Kind::InProcedure;
-    frame->database = session_.catalog().database(procedure->databaseId);
+    // A temporary procedure works where it is called.
+    if (procedure->databaseId != tempdbId || !procedure->name.starts_with('#'))
+        frame->database = session_.catalog().database(procedure->databaseId);
+    else
+        frame->database = session_.frame().database;
     // Defaults and conversions are the procedure's own affair: its frame stands already.
-    session_.pushFrame(std::move(frame));
-    session_.enterModule();
-    const SessionOptions options = session_.options();
-    const int outer = std::exchange(status_, 0);
-    const auto leave = [this, &options, outer] {
-        std::unique_ptr<Frame> ended = session_.popFrame();
-        for (const auto& [variable, stored] : ended->tableVariables)
-            ended->temporaryTables.push_back(stored);
-        session_.leaveModule();
-        session_.dropTemporaryTables(ended->temporaryTables);
-        const std::string identityInsert = session_.options().identityInsert;
-        session_.options() = options;
-        session_.options().identityInsert = identityInsert;
-        return std::exchange(status_, outer);
-    };
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Module);
+    const Temporarily<int> status(status_, 0);
     try {
-        requireKnownArguments(procedure->name, definition.parameters, arguments);
-        passArguments(procedure->name, definition.parameters, arguments);
+        requireKnownArguments(shown, definition.parameters, arguments);
+        passArguments(shown, definition.parameters, arguments);
         if (prepare(definition.body))
             run(definition.body);
         for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
@@ -207,18 +199,13 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
             giveBack(*argument, session_.variable(definition.parameters[i].name));
         }
     } catch (const ScopeAborted&) {
-        leave();
         return -6;
     } catch (SqlError& error) {
         if (error.message.procedure.empty())
-            error.message.procedure = procedure->name;
-        leave();
-        throw;
-    } catch (...) {
-        leave();
+            error.message.procedure = shown;
         throw;
     }
-    return leave();
+    return status_;
 }
 
 void Interpreter::passArguments(const std::string& procedure,
@@ -305,10 +292,8 @@ void Interpreter::executeString(const ast::ExecuteStringStatement& node)
 {
     const Value text = session_.evaluate(*node.text, nVarCharType(maxLength));
     if (!text.isNull()) {
-        const DatabasePtr before = session_.database();
         Frame frame;
         runInner(std::get<std::string>(text.data), frame);
-        session_.returnTo(before);
     }
     if (session_.frame().completion == Completion::Kind::Statement)
         session_.sink().returnStatus(0);
@@ -342,14 +327,10 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
     }
     // A database prefix makes the procedure work on that database.
     const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
-    const DatabasePtr before =
-        std::exchange(session_.frame().database, wanted ? wanted : session_.frame().database);
-    const Completion::Kind completion =
-        std::exchange(session_.frame().completion, Completion::Kind::InProcedure);
-    const auto restore = [this, &before, completion] {
-        session_.frame().database = before;
-        session_.frame().completion = completion;
-    };
+    const Temporarily<DatabasePtr> database(session_.frame().database,
+                                            wanted ? wanted : session_.frame().database);
+    const Temporarily<Completion::Kind> completion(session_.frame().completion,
+                                                   Completion::Kind::InProcedure);
     // What it writes outside a transaction is its own to commit, like a statement's.
     const bool alone = session_.transactionCount() == 0 && !session_.store().inTransaction();
     std::optional<Savepoint> savepoint;
@@ -363,12 +344,10 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
         else if (alone && session_.store().inTransaction() && session_.transactionCount() == 0)
             session_.store().commit();
     } catch (...) {
-        restore();
         if (!savepoint && session_.store().inTransaction())
             session_.undoFirstWrites();
         throw;
     }
-    restore();
     known = status.has_value();
     return status.value_or(0);
 }
@@ -397,13 +376,51 @@ int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
     session_.preparedTexts[handle] = {declarations, text};
     giveBack(arguments[0], {intType(), Value{std::int64_t{handle}, {}}});
     if (!execute) {
-        (void)session_.compile(text);
+        constexpr int returnMetadata = 1;
+        const Parameter* options = argumentFor(arguments, "@options", 3);
+        const bool described = options == nullptr || options->value.isNull() || options->isDefault ||
+                               (numberOf(*options) & returnMetadata) != 0;
+        describePrepared(declarations, text, described);
         return 0;
     }
     std::vector<Parameter> values(arguments.begin() + 3, arguments.end());
     runPrepared(declarations, text, values);
     std::move(values.begin(), values.end(), arguments.begin() + 3);
     return 0;
+}
+
+/// Binds what sp_prepare was given, and tells the columns of its results, which have no rows yet.
+void Interpreter::describePrepared(const std::string& declarations, const std::string& text, bool tell)
+try {
+    auto frame = std::make_unique<Frame>();
+    for (const Declared& parameter : declaredParameters(session_, declarations))
+        frame->variables[lowerCase(parameter.name)] = {parameter.type, {}};
+    frame->compiled = session_.compile(text, declarations);
+    frame->completion = Completion::Kind::InProcedure;
+    frame->tryDepth = 1; // so that errors come back here
+    frame->database = session_.frame().database;
+    const FrameScope scope(session_, std::move(frame), ScopeKind::Inner);
+    const ast::StatementList& statements = session_.frame().compiled->batch.statements;
+    (void)prepare(statements);
+    for (const auto& statement : statements) {
+        // What comes first may make what the others read.
+        const auto* select = ast::tryAs<ast::SelectStatement>(statement.get());
+        if (select == nullptr)
+            return;
+        const QueryPlan& plan = planQuery(session_, select->query);
+        if (!plan.assigned.empty() || plan.block->into)
+            return;
+        if (tell) {
+            session_.sink().columns(plan.described);
+            session_.done(0, commands::select);
+        }
+    }
+} catch (const SqlError& error) {
+    session_.preparedTexts.erase(session_.lastHandle);
+    if (session_.catchesErrors())
+        throw;
+    session_.sendMessage(error.message);
+    raise(8180);
 }
 
 void Interpreter::runPrepared(const std::string& declarations, const std::string& text,
@@ -423,13 +440,11 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
             raise(8162, {declared[i].name});
         Variable variable{declared[i].type, value->value};
         if (!value->value.isNull() && !(value->type == variable.type))
-            variable.value = convert(value->value, value->type, variable.type);
+            variable.value = convert(value->value, value->type, variable.type, 0, session_.options().dates);
         frame.variables[lowerCase(declared[i].name)] = std::move(variable);
     }
-    const DatabasePtr before = session_.database();
     // The same text may come with other declarations: its plans are kept apart by them.
     runInner(text, frame, declarations);
-    session_.returnTo(before);
     for (std::size_t i = 0; i < declared.size(); ++i) {
         Parameter* value = argumentFor(values, declared[i].name, i);
         if (value == nullptr || !value->output)
@@ -441,19 +456,14 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
 void Interpreter::insertRowsOf(const ast::InsertStatement& node)
 {
     CollectingSink collected;
-    ResultSink& outer = session_.sink();
-    session_.setSink(collected);
-    collected.passMessagesTo(outer);
-    try {
+    collected.passMessagesTo(session_.sink());
+    {
+        const SinkScope scope(session_, collected);
         if (const auto* call = ast::tryAs<ast::ExecuteStatement>(node.execute.get()))
             execute(*call);
         else
             executeString(ast::as<ast::ExecuteStringStatement>(*node.execute));
-    } catch (...) {
-        session_.setSink(outer);
-        throw;
     }
-    session_.setSink(outer);
     insertRows(session_, node, collected.described, collected.rows);
 }
 

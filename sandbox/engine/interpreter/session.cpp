@@ -6,6 +6,7 @@
 #include "engine/messages/errors.h"
 #include "engine/procedures/system_procedures.h"
 #include "engine/session/session_state.h"
+#include "engine/session/temporary_objects.h"
 #include "tsql/parser.h"
 
 #include <atomic>
@@ -21,8 +22,9 @@ class EngineSession : public Session
 {
 public:
     EngineSession(const ServerOptions& options, SessionRegistry& registry, int spid,
-                  const LoginRequest& request, const Login& login)
-        : state_(options.dataDirectory, options.serverName, spid, request, login), registry_(registry)
+                  const LoginRequest& request, const Login& login, TemporaryLeftovers& leftovers)
+        : state_(options.dataDirectory, options.serverName, spid, request, login, leftovers),
+          registry_(registry), leftovers_(leftovers)
     {
         state_.setNestedRunner([this](const std::string& text) { Interpreter(state_).runNested(text); });
         registerSessionList(state_.connection(), registry);
@@ -37,8 +39,8 @@ public:
         state_.useDatabase(database);
         initialDatabase_ = database;
         registry_.end(id(), state_.database()->id, 0);
-        state_.sink().environment(EnvironmentChange::Language, state_.options().language, "");
-        state_.inform(5703, {state_.options().language});
+        state_.useLanguage(firstLanguage(), "");
+        state_.rememberOptions();
     }
 
     void executeBatch(std::string_view text, ResultSink& sink) override
@@ -100,8 +102,16 @@ public:
 
     [[nodiscard]] const std::string& database() const override { return state_.databaseName(); }
     [[nodiscard]] int id() const override { return state_.spid(); }
+    [[nodiscard]] int textSize() const override { return state_.options().textSize; }
 
 private:
+    [[nodiscard]] const Language& firstLanguage()
+    {
+        const Language* asked = findLanguage(state_.client().language);
+        const Language* own = findLanguage(state_.login().language);
+        return asked != nullptr ? *asked : own != nullptr ? *own : usEnglish();
+    }
+
     /// What is common to all requests: a cancel ends one without a word, a fault with its message.
     template <typename Work>
     void request(ResultSink& sink, Work work, std::uint16_t command = commands::other)
@@ -124,11 +134,14 @@ private:
             state_.abandon();
             state_.done(std::nullopt, command, true);
         }
+        const CancelShield shield(state_.store());
         registry_.end(id(), state_.database()->id, state_.transactionCount());
+        leftovers_.sweep(state_.store());
     }
 
     SessionState state_;
     SessionRegistry& registry_;
+    TemporaryLeftovers& leftovers_;
     std::string initialDatabase_;
 };
 
@@ -154,7 +167,11 @@ public:
     [[nodiscard]] std::unique_ptr<Session> login(const LoginRequest& request, ResultSink& sink) override
     {
         const Login login = accepted(request);
-        auto session = std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login);
+        if (request.languageRequired && !request.language.empty() &&
+            findLanguage(request.language) == nullptr)
+            throw LoginRefused(makeMessage(4019, {request.language}));
+        auto session =
+            std::make_unique<EngineSession>(options_, registry_, nextSpid_++, request, login, leftovers_);
         try {
             session->open(request.database.empty() ? login.defaultDatabase : request.database, sink);
         } catch (const SqlError&) {
@@ -183,6 +200,7 @@ private:
     Store store_;
     std::mutex mutex_;
     SessionRegistry registry_;
+    TemporaryLeftovers leftovers_;
     std::atomic<int> nextSpid_ = firstSpid;
 };
 

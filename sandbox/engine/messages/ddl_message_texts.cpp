@@ -279,6 +279,7 @@ constexpr MessageText texts[] = {
     {15026, 16, 1, "Logical device '%s' already exists."},
     {15028, 16, 1, "The server '%s' already exists."},
     {15032, 16, 1, "The database '%s' already exists."},
+    {15033, 16, 1, "'%s' is not a valid official language name."},
     {15044, 16, 1,
      "The type, '%s', is an unknown backup device type. Use the type 'disk', 'tape', or 'pipe'."},
     {15045, 16, 1, "The logical name cannot be NULL."},

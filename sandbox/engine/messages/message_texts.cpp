@@ -316,6 +316,11 @@ constexpr MessageText texts[] = {
      "String or binary data would be truncated in table '%s', column '%s'. Truncated value: '%s'."},
     {2732, 16, 1,
      "Error number %s is invalid. The number must be from %s through %s and it cannot be 50000."},
+    {2740, 16, 1,
+     "SET LANGUAGE failed because '%s' is not an official language name or a language alias on this SQL "
+     "Server."},
+    {2741, 16, 1, "SET DATEFORMAT date order '%s' is invalid."},
+    {2742, 16, 1, "SET DATEFIRST %s is out of range."},
     {2747, 16, 1,
      "Too many substitution parameters for RAISERROR. Cannot exceed %s substitution parameters."},
     {2748, 16, 1, "Cannot specify %s data type (parameter %s) as a substitution parameter."},
@@ -343,6 +348,8 @@ constexpr MessageText texts[] = {
      "back the transaction."},
     {3998, 16, 1,
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
+    {4019, 16, 1,
+     "Language requested in login '%s' is not an official language name on this SQL Server. Login fails."},
     {4060, 11, 1, "Cannot open database \"%s\" requested by the login. The login failed."},
     {4064, 11, 1, "Cannot open user default database. Login failed."},
     {4104, 16, 1, "The multi-part identifier \"%s\" could not be bound."},
@@ -468,6 +475,7 @@ constexpr MessageText texts[] = {
      "is inconsistent. Check previous errors."},
     {9002, 17, 2, "The transaction log for database '%s' is full due to '%s'."},
     {9810, 16, 1, "The datepart %s is not supported by date function %s for data type %s."},
+    {9815, 16, 1, "Waitfor delay and waitfor time cannot be of type %s."},
     {10704, 15, 1,
      "To rethrow an error, a THROW statement must be used inside a CATCH block. Insert the THROW statement "
      "inside a "

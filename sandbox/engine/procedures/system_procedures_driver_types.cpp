@@ -4,11 +4,15 @@
 namespace practice {
 namespace {
 
-int datatypeInfo(const ProcedureCall& call)
+/// @param newer false for a client that takes the types of 2008 for texts
+int sendDatatypes(const ProcedureCall& call, bool newer)
 {
     const int wanted = call.numberOr(0, 0);
     const bool third = call.numberOr(1, 2) >= 3;
-    const std::string type = third ? "v.column2" : "v.column3";
+    const auto shown = [newer](const std::string& column) {
+        return newer ? column : "CASE WHEN v.column1 BETWEEN 40 AND 43 THEN -9 ELSE " + column + " END";
+    };
+    const std::string type = shown(third ? "v.column2" : "v.column3");
     // Types with a length report their longest, decimals their largest precision.
     const std::string columns = R"(
 TYPE_NAME           sysname        t.name || s.suffix
@@ -28,7 +32,9 @@ AUTO_INCREMENT      smallint?      CASE WHEN s.suffix <> '' THEN 1 ELSE v.column
 LOCAL_TYPE_NAME     sysname?       t.name || s.suffix
 MINIMUM_SCALE       smallint?      v.column17
 MAXIMUM_SCALE       smallint?      v.column18
-SQL_DATA_TYPE       smallint       v.column8
+SQL_DATA_TYPE       smallint       )" +
+                                shown("v.column8") +
+                                R"(
 SQL_DATETIME_SUB    smallint?      v.column9
 NUM_PREC_RADIX      int?           v.column7
 INTERVAL_PRECISION  smallint?      NULL
@@ -43,6 +49,15 @@ USERTYPE            smallint       t.usertype
         source += " AND " + type + " = " + std::to_string(wanted);
     call.sendRows(columns.c_str(), source + " ORDER BY 2, 12, 11, 1");
     return 0;
+}
+
+int datatypeInfo(const ProcedureCall& call)
+{
+    return sendDatatypes(call, true);
+}
+int olderDatatypeInfo(const ProcedureCall& call)
+{
+    return sendDatatypes(call, false);
 }
 
 int serverInfo(const ProcedureCall& call)
@@ -75,6 +90,8 @@ attribute_value  varchar(255)?  v.column3
 
 constexpr SystemProcedure procedures[] = {
     {"sp_datatype_info", "@data_type= @ODBCVer=", datatypeInfo},
+    {"sp_datatype_info_90", "@data_type= @ODBCVer=", olderDatatypeInfo},
+    {"sp_datatype_info_100", "@data_type= @ODBCVer=", datatypeInfo},
     {"sp_server_info", "@attribute_id=", serverInfo},
 };
 

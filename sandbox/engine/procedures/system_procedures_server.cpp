@@ -1,7 +1,9 @@
+#include "engine/catalog/system_tables/system_tables.h"
 #include "engine/context/security_principals.h"
 #include "engine/messages/errors.h"
 #include "engine/procedures/system_procedures.h"
 #include "engine/store/storage.h"
+#include "types/language.h"
 
 namespace practice {
 namespace {
@@ -121,10 +123,24 @@ int helpSort(const ProcedureCall& call)
     return 0;
 }
 
+int helpLanguage(const ProcedureCall& call)
+{
+    std::string filter;
+    if (const auto& wanted = call.text(0)) {
+        const Language* language = findLanguage(*wanted);
+        if (language == nullptr)
+            raise(15033, {*wanted});
+        filter = " WHERE l.column1 = " + std::to_string(language->id);
+    }
+    call.sendRows(languageColumns(), languageRows() + (" l" + filter) + " ORDER BY l.column1");
+    return 0;
+}
+
 constexpr SystemProcedure procedures[] = {
     {"sp_who", "@loginame=", who},
     {"sp_who2", "@loginame=", who2},
     {"sp_configure", "@configname= @configvalue=", configure},
+    {"sp_helplanguage", "@language=", helpLanguage},
     {"sp_helpsort", "", helpSort},
     {"xp_msver", "@optname=", version},
 };

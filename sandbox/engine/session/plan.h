@@ -21,6 +21,7 @@ struct Plan
     std::uint64_t catalogVersion = 0;
     int databaseId = 0;
     bool concatNullYieldsNull = true;
+    std::uint64_t visibility = 0;
     std::vector<ParameterSlot> slots;
 };
 

@@ -21,7 +21,7 @@ ObjectPtr objectNamed(SessionState& session, std::string_view text)
         return nullptr;
     Catalog& catalog = session.catalog();
     if (name.object.starts_with('#'))
-        return catalog.object(tempdbId, "", temporaryName(session, name.object));
+        return catalog.object(tempdbId, "", session.temporaryName(name.object));
     const DatabasePtr database = name.database.empty() ? session.database() : catalog.database(name.database);
     return database ? catalog.object(database->id, name.schema, name.object, session.user().id) : nullptr;
 }

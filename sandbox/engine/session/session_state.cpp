@@ -5,7 +5,9 @@
 #include "engine/binder/parsed_texts.h"
 #include "engine/catalog/catalog_functions.h"
 #include "engine/functions/sql_functions.h"
+#include "engine/interpreter/interpreter.h"
 #include "engine/messages/errors.h"
+#include "engine/session/session_scope.h"
 #include "types/conversion.h"
 #include "types/date_time.h"
 #include "types/text_encoding.h"
@@ -18,20 +20,25 @@ namespace practice {
 
 namespace {
 
-std::string suffixOf(int spid)
+/// What a connection begins with: ODBC drivers get what the standard wants, others the server's own
+/// defaults, which are older.
+SessionOptions firstOptions(const LoginRequest& client)
 {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "___________%012X", static_cast<unsigned>(spid));
-    return text.data();
+    SessionOptions options;
+    options.textSize = client.textSize;
+    options.ansiNulls = options.ansiPadding = options.ansiWarnings = options.ansiNullDefault = client.odbc;
+    options.quotedIdentifier = options.concatNullYieldsNull = client.odbc;
+    return options;
 }
 
 /// Conversion of SET and of parameters: what is too long is cut, anything else fails as usual.
-Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to)
+Value convertedForVariable(const Value& value, const SqlType& from, const SqlType& to,
+                           const DateSettings& dates)
 {
     if (value.isNull() || from == to)
         return value;
     try {
-        return convert(value, from, to);
+        return convert(value, from, to, 0, dates);
     } catch (const ConversionError& error) {
         throw SqlError{messageOf(error)};
     }
@@ -45,11 +52,12 @@ SqlType declaredType(SessionState&, const ast::DataType& type)
 }
 
 SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
-                           int spid, LoginRequest client, Login login)
+                           int spid, LoginRequest client, Login login, TemporaryLeftovers& leftovers)
     : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
-      login_(std::move(login)), store_(dataDirectory / "store.db"), temporarySuffix_(suffixOf(spid))
+      login_(std::move(login)), store_(dataDirectory / "store.db"), options_(firstOptions(client_)),
+      leftovers_(leftovers)
 {
-    registerSqlFunctions(connection());
+    registerSqlFunctions(connection(), options_.dates);
     registerCatalogFunctions(connection());
     registerSessionFunctions(*this);
     catalog_ = std::make_unique<Catalog>(connection());
@@ -58,7 +66,9 @@ SessionState::SessionState(const std::filesystem::path& dataDirectory, const std
 
 SessionState::~SessionState()
 {
+    frames_.clear();
     store_.rollback();
+    dropAllTemporaries();
 }
 
 DatabasePtr SessionState::database()
@@ -99,6 +109,15 @@ void SessionState::useDatabase(const std::string& name)
     inform(5701, {found->name});
 }
 
+void SessionState::useLanguage(const Language& language, const std::string& before)
+{
+    const std::string name(language.name);
+    options_.dates = {dateOrderNamed(language.dateFormat).value_or(DateOrder::MonthDayYear), &language};
+    options_.dateFirst = language.dateFirst;
+    sink().environment(EnvironmentChange::Language, name, before);
+    inform(5703, {name});
+}
+
 void SessionState::sendMessage(Message message)
 {
     if (!frames_.empty()) {
@@ -132,7 +151,7 @@ void SessionState::declare(const std::string& name, const SqlType& type)
 void SessionState::assign(const std::string& name, const Value& value, const SqlType& type)
 {
     Variable& target = variable(name);
-    target.value = convertedForVariable(value, type, target.type);
+    target.value = convertedForVariable(value, type, target.type, options_.dates);
 }
 
 const Value* SessionState::liveVariable(const std::string& name, SqlType& type)
@@ -157,8 +176,7 @@ BindContext SessionState::bindContext()
             },
             [this](const std::string& name) {
                 const auto found = frame().tableVariables.find(name);
-                return found == frame().tableVariables.end() ? std::string()
-                                                             : temporaryName(*this, found->second);
+                return found == frame().tableVariables.end() ? std::string() : temporaryName(found->second);
             },
             !frames_.empty() && frame().procedureId != 0};
 }
@@ -229,7 +247,7 @@ Value SessionState::evaluate(const ast::Expression& expression, const SqlType& t
 {
     const Variable result = evaluate(expression);
     requireConversion(result.type, target, Conversion::Implicit);
-    return convertedForVariable(result.value, result.type, target);
+    return convertedForVariable(result.value, result.type, target, options_.dates);
 }
 
 bool SessionState::isTrue(const ast::Expression& condition)
@@ -295,14 +313,10 @@ void SessionState::runText(const std::string& text)
 std::vector<std::vector<Value>> SessionState::queryText(const std::string& text)
 {
     CollectingSink collected;
-    ResultSink* before = std::exchange(sink_, &collected);
-    try {
+    {
+        const SinkScope scope(*this, collected);
         runText(text);
-    } catch (...) {
-        sink_ = before;
-        throw;
     }
-    sink_ = before;
     return std::move(collected.rows);
 }
 
@@ -360,33 +374,6 @@ std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& 
     return columns;
 }
 
-void SessionState::dropTemporaryTables(std::vector<std::string>& names)
-{
-    CollectingSink ignored;
-    ResultSink* before = std::exchange(sink_, &ignored);
-    for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        try {
-            if (catalog_->object(2, "", temporaryName(*this, *name)))
-                runText("DROP TABLE [" + *name + "]");
-        } catch (const SqlError&) {
-            continue; // a doomed transaction takes it along
-        }
-    }
-    names.clear();
-    sink_ = before;
-}
-
-void SessionState::keepTemporaryTables(std::vector<std::string> names,
-                                       const std::unordered_map<std::string, std::string>& tableVariables)
-{
-    temporaryTables_.insert(temporaryTables_.end(), names.begin(), names.end());
-    std::vector<std::string> ended;
-    ended.reserve(tableVariables.size());
-    for (const auto& [variable, stored] : tableVariables)
-        ended.push_back(stored);
-    dropTemporaryTables(ended);
-}
-
 void SessionState::createTableVariable(const ast::Declaration& declaration)
 {
     std::uint32_t begin = UINT32_MAX;
@@ -434,19 +421,17 @@ void SessionState::returnTo(const DatabasePtr& database)
 
 void SessionState::abandon()
 {
-    frames_.clear();
-    nestLevel_ = 0;
     if (transactionCount_ == 0)
         store_.rollback();
+    else if (doomed)
+        rollbackAll();
 }
 
 void SessionState::reset()
 {
     rollbackAll();
-    dropTemporaryTables(temporaryTables_);
-    while (!frames_.empty())
-        frames_.pop_back();
-    options_ = {};
+    dropAllTemporaries();
+    options_ = initialOptions_;
     store_.setLockTimeout(-1);
     lastError = 0;
     lastRowCount = 0;

@@ -4,6 +4,7 @@
 #include "engine/binder/translator.h"
 #include "engine/context/session_context.h"
 #include "engine/session/plan.h"
+#include "engine/session/temporary_objects.h"
 
 #include <functional>
 #include <map>
@@ -57,7 +58,8 @@ struct Frame
     std::string procedure;                                       ///< shown in messages; "" in a batch
     int procedureId = 0;
     DatabasePtr database; ///< where a module's names are looked up; none for the session's own
-    std::vector<std::string> temporaryTables;
+    std::vector<TemporaryObject> temporaries;
+    bool ownScope = true;        ///< its temporary objects and theirs alone go when it ends
     std::vector<Message> caught; ///< errors of the CATCH blocks that run, the innermost last
     int tryDepth = 0;
     Completion::Kind completion = Completion::Kind::Statement;
@@ -70,7 +72,7 @@ class SessionState : public SessionContext
 {
 public:
     SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName, int spid,
-                 LoginRequest client, Login login);
+                 LoginRequest client, Login login, TemporaryLeftovers& leftovers);
     ~SessionState() override;
 
     /// How the room above runs a batch inside a running statement; set before the first request.
@@ -88,10 +90,12 @@ public:
     [[nodiscard]] const Principal& user() override;
     void useDatabase(const std::string& name) override;
     [[nodiscard]] SessionOptions& options() override { return options_; }
+    [[nodiscard]] const SessionOptions& options() const { return options_; }
     [[nodiscard]] int transactionCount() const override { return transactionCount_; }
     [[nodiscard]] ResultSink& sink() override { return *sink_; }
     void sendMessage(Message message) override;
-    [[nodiscard]] const std::string& temporarySuffix() const override { return temporarySuffix_; }
+    [[nodiscard]] std::string temporaryName(const std::string& name) const override;
+    [[nodiscard]] std::string newTemporaryName(const std::string& name) override;
     void beginWrite() override;
     void attempt(const std::function<void()>& part) override;
     [[nodiscard]] std::string_view batchText() const override { return frames_.back()->compiled->text; }
@@ -104,6 +108,11 @@ public:
     [[nodiscard]] std::string convertExpression(const std::string& sqlite, const SqlType& from,
                                                 const SqlType& to) override;
     [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query) override;
+
+    /// SET LANGUAGE, with the environment change and message 5703.
+    void useLanguage(const Language& language, const std::string& before);
+    /// What `reset` goes back to.
+    void rememberOptions() { initialOptions_ = options_; }
 
     // Frames and variables.
     [[nodiscard]] Frame& frame() { return *frames_.back(); }
@@ -149,6 +158,7 @@ public:
 
     // Results.
     void setSink(ResultSink& sink) { sink_ = &sink; }
+    ResultSink* exchangeSink(ResultSink* sink) { return std::exchange(sink_, sink); }
     /// Ends the running statement. A call in a client's batch ends as a procedure does.
     void done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error = false);
 
@@ -174,10 +184,11 @@ public:
     void abandon();
     /// Back to what a fresh login has.
     void reset();
-    void dropTemporaryTables(std::vector<std::string>& names);
-    /// A batch's temporary tables stay for the session, its table variables go.
-    void keepTemporaryTables(std::vector<std::string> names,
-                             const std::unordered_map<std::string, std::string>& tableVariables);
+    /// Drops the table variables of a frame that has ended, and its temporary tables unless they stay
+    /// with the session. Temporary procedures always do.
+    void endScope(Frame& ended, bool tablesStay) noexcept;
+    /// "##name" goes with the session that made it.
+    void ownGlobalTemporary(const std::string& name);
     void createTableVariable(const ast::Declaration& declaration);
 
     IdentityCounter identityCounter;
@@ -206,6 +217,10 @@ public:
 private:
     void announceTransaction(EnvironmentChange kind);
     void setTransactionCount(int count);
+    [[nodiscard]] Frame* innermostScope() const;
+    void dropTemporaries(const std::vector<int>& ids) noexcept;
+    /// All temporary objects of the session.
+    void dropAllTemporaries() noexcept;
     QueryPlan& scalarPlan(const ast::Expression& expression, bool condition);
 
     std::filesystem::path dataDirectory_;
@@ -222,7 +237,7 @@ private:
     int userDatabase_ = 0; ///< database and state of the catalog for which `user_` was looked up
     std::uint64_t userVersion_ = 0;
     SessionOptions options_;
-    std::string temporarySuffix_;
+    SessionOptions initialOptions_;
     ResultSink* sink_ = nullptr;
     std::function<void(const std::string&)> runNested_;
     std::vector<std::unique_ptr<Frame>> frames_;
@@ -235,8 +250,12 @@ private:
     std::vector<std::string> savepoints_;
     std::uint64_t transactionDescriptor_ = 0;
 
-    std::vector<std::string> temporaryTables_;
-    int tableVariables_ = 0; ///< made so far: they need names
+    std::vector<TemporaryObject> temporaries_; ///< those that stay from batch to batch
+    std::vector<int> globalTemporaries_;
+    int temporaryNames_ = 0; ///< given out so far
+    TemporaryLeftovers& leftovers_;
+    std::uint64_t visibility_ = 0; ///< counts the times that names of tempdb were lost and objects stayed
+    int tableVariables_ = 0;       ///< made so far: they need names
 
     bool clockRead_ = false;
     DateTimeValue localNow_;
@@ -252,7 +271,7 @@ PlanType* SessionState::findPlan(const void* node)
         return nullptr;
     Plan& plan = *found->second;
     if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
-        plan.concatNullYieldsNull != options_.concatNullYieldsNull)
+        plan.concatNullYieldsNull != options_.concatNullYieldsNull || plan.visibility != visibility_)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -263,6 +282,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
     plan->catalogVersion = catalog().version();
     plan->databaseId = database()->id;
     plan->concatNullYieldsNull = options_.concatNullYieldsNull;
+    plan->visibility = visibility_;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;

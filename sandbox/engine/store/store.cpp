@@ -193,7 +193,7 @@ int Store::onBusy(void* self, int attempts)
     auto& store = *static_cast<Store*>(self);
     if (attempts == 0)
         store.waited_ = 0;
-    if (store.cancelled() || (store.lockTimeout_ >= 0 && store.waited_ >= store.lockTimeout_))
+    if (store.stopping() || (store.lockTimeout_ >= 0 && store.waited_ >= store.lockTimeout_))
         return 0;
     const int pause = attempts < 20 ? 1 : 10;
     sqlite3_sleep(pause);
@@ -203,7 +203,7 @@ int Store::onBusy(void* self, int attempts)
 
 int Store::onProgress(void* self)
 {
-    return static_cast<Store*>(self)->cancelled() ? 1 : 0;
+    return static_cast<Store*>(self)->stopping() ? 1 : 0;
 }
 
 void Store::beginWrite()
@@ -211,7 +211,7 @@ void Store::beginWrite()
     try {
         execute(connection_, "BEGIN IMMEDIATE");
     } catch (const StoreError& failure) {
-        if (cancelled())
+        if (stopping())
             throw Cancelled{};
         if ((failure.code & 0xff) == SQLITE_BUSY)
             raise(1222);

@@ -125,8 +125,11 @@ public:
     void cancel() noexcept;
     [[nodiscard]] bool cancelled() const noexcept { return cancelled_.load(std::memory_order_relaxed); }
     void clearCancel() noexcept { cancelled_.store(false, std::memory_order_relaxed); }
+    /// What runs now is to be stopped: there was a cancel, and no CancelShield holds it off.
+    [[nodiscard]] bool stopping() const noexcept { return cancelled() && shields_ == 0; }
 
 private:
+    friend class CancelShield;
     void runEndActions() noexcept;
     static int onBusy(void* self, int attempts);
     static int onProgress(void* self);
@@ -134,8 +137,22 @@ private:
     sqlite3* connection_ = nullptr;
     std::vector<std::function<void()>> endActions_;
     std::atomic<bool> cancelled_ = false;
+    int shields_ = 0;
     int lockTimeout_ = -1;
     int waited_ = 0; ///< milliseconds in the present wait
+};
+
+/// Lets what cleans up run to its end in a request that was cancelled.
+class CancelShield
+{
+public:
+    explicit CancelShield(Store& store) : store_(store) { ++store_.shields_; }
+    ~CancelShield() { --store_.shields_; }
+    CancelShield(const CancelShield&) = delete;
+    CancelShield& operator=(const CancelShield&) = delete;
+
+private:
+    Store& store_;
 };
 
 /// Undoes what happened since its making unless released. Works inside a transaction only.

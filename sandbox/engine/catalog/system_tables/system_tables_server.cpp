@@ -1,12 +1,51 @@
 #include "engine/catalog/system_tables/system_tables.h"
+#include "engine/store/storage.h"
+#include "types/language.h"
 
 namespace practice {
+
+const char* languageColumns()
+{
+    return R"(
+langid       smallint        column1
+dateformat   nchar(3)        column2
+datefirst    tinyint         column3
+upgrade      int?            0
+name         sysname         column4
+alias        sysname?        column5
+months       nvarchar(372)?  column6
+shortmonths  nvarchar(132)?  column7
+days         nvarchar(217)?  column8
+lcid         int             column9
+msglangid    smallint        column10
+)";
+}
+
+const char* languageRows()
+{
+    static const std::string rows = [] {
+        std::string text;
+        for (const Language& language : languages()) {
+            text += (text.empty() ? "FROM (VALUES (" : ", (") + std::to_string(language.id);
+            text += ", " + quotedText(std::string(language.dateFormat)) + ", " +
+                    std::to_string(language.dateFirst);
+            for (const std::string_view list :
+                 {language.name, language.alias, language.months, language.shortMonths, language.days})
+                text += ", " + quotedText(std::string(list));
+            text +=
+                ", " + std::to_string(language.lcid) + ", " + std::to_string(language.messageLanguage) + ')';
+        }
+        return text + ')';
+    }();
+    return rows.c_str();
+}
+
 namespace {
 
 constexpr const char* processSource =
     "FROM json_each(practice_sessions()) j LEFT JOIN cat_login l ON l.name = j.value ->> 'login'";
 
-constexpr SystemTableDefinition definitions[] = {
+const SystemTableDefinition definitions[] = {
     {"dbo", "spt_values", true,
      R"(
 name    nvarchar(35)? v.name
@@ -85,45 +124,7 @@ collation        sysname?        NULL
 )",
      "FROM cat_server s"},
 
-    {"dbo", "syslanguages", true,
-     R"(
-langid       smallint        column1
-dateformat   nchar(3)        column2
-datefirst    tinyint         column3
-upgrade      int?            0
-name         sysname         column4
-alias        sysname?        column5
-months       nvarchar(372)?  column6
-shortmonths  nvarchar(132)?  column7
-days         nvarchar(217)?  column8
-lcid         int             column9
-msglangid    smallint        column10
-)",
-     "FROM (VALUES "
-     "(0, 'mdy', 7, 'us_english', 'English', "
-     "'January,February,March,April,May,June,July,August,September,October,"
-     "November,December', 'Jan,Feb,Mar,Apr,May,Jun,Jul,Aug,Sep,Oct,Nov,Dec', "
-     "'Monday,Tuesday,Wednesday,Thursday,Friday,Saturday,Sunday', 1033, 1033), "
-     "(1, 'dmy', 1, 'Deutsch', 'German', "
-     "'Januar,Februar,März,April,Mai,Juni,Juli,August,September,Oktober,November,"
-     "Dezember', 'Jan,Feb,Mär,Apr,Mai,Jun,Jul,Aug,Sep,Okt,Nov,Dez', "
-     "'Montag,Dienstag,Mittwoch,Donnerstag,Freitag,Samstag,Sonntag', 1031, 1031), "
-     "(2, 'dmy', 1, 'Français', 'French', "
-     "'janvier,février,mars,avril,mai,juin,juillet,août,septembre,octobre,"
-     "novembre,décembre', 'janv,févr,mars,avr,mai,juin,juil,août,sept,oct,nov,déc', "
-     "'lundi,mardi,mercredi,jeudi,vendredi,samedi,dimanche', 1036, 1036), "
-     "(5, 'dmy', 1, 'Español', 'Spanish', "
-     "'Enero,Febrero,Marzo,Abril,Mayo,Junio,Julio,Agosto,Septiembre,Octubre,"
-     "Noviembre,Diciembre', 'Ene,Feb,Mar,Abr,May,Jun,Jul,Ago,Sep,Oct,Nov,Dic', "
-     "'Lunes,Martes,Miércoles,Jueves,Viernes,Sábado,Domingo', 3082, 3082), "
-     "(6, 'dmy', 1, 'Italiano', 'Italian', "
-     "'gennaio,febbraio,marzo,aprile,maggio,giugno,luglio,agosto,settembre,"
-     "ottobre,novembre,dicembre', 'gen,feb,mar,apr,mag,giu,lug,ago,set,ott,nov,dic', "
-     "'lunedì,martedì,mercoledì,giovedì,venerdì,sabato,domenica', 1040, 1040), "
-     "(23, 'dmy', 1, 'British', 'British English', "
-     "'January,February,March,April,May,June,July,August,September,"
-     "October,November,December', 'Jan,Feb,Mar,Apr,May,Jun,Jul,Aug,Sep,Oct,Nov,Dec', "
-     "'Monday,Tuesday,Wednesday,Thursday,Friday,Saturday,Sunday', 2057, 1033))"},
+    {"dbo", "syslanguages", true, languageColumns(), languageRows()},
 
     {"dbo", "syscharsets", true,
      R"(
