@@ -3,7 +3,6 @@
 #include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/Idioma.h"
-#include "core/LeeIdioma.h"
 #include "core/mdlRegistro.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -8,6 +8,10 @@
 
 class QSettings;
 
+/// Key, below the current user's settings, and value that hold the language.
+inline const QString ClaveRegistro = QStringLiteral("Software\\quermo");
+inline const QString ValorIdioma = QStringLiteral("Idioma");
+
 /// The only hive there is.
 enum Colmena
 {

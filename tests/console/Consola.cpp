@@ -3,7 +3,6 @@
 #include "app/Main.h"
 #include "browser/frmAdministrador.h"
 #include "core/Global.h"
-#include "core/LeeIdioma.h"
 #include "core/frmConectar.h"
 #include "core/mdiPrincipal.h"
 #include "core/mdlRegistro.h"

@@ -3,7 +3,6 @@
 
 #include "browser/frmAdministrador.h"
 #include "core/Global.h"
-#include "core/LeeIdioma.h"
 #include "core/mdiPrincipal.h"
 #include "core/mdlRegistro.h"
 #include "platform/ado/Connection.h"

@@ -1,7 +1,7 @@
 #include "platform/controls/Form.h"
 
+#include "platform/controls/FormHost.h"
 #include "platform/controls/LoadedWindows.h"
-#include "platform/controls/MdiForm.h"
 #include "platform/controls/Pointer.h"
 
 #include <QApplication>
@@ -63,7 +63,7 @@ void Form::Show()
     Load();
     if (!m_loaded)
         return; // its own handler gave up
-    auto* host = MdiForm::instance();
+    auto* host = FormHost::instance();
     if (host && !m_frame && !isVisible()) {
         m_frame = host->adopt(this);
         show();
@@ -118,7 +118,7 @@ bool Form::Unload()
         // The area activates another child when the frame goes; the form itself dies with it.
         m_frame->hide();
         m_frame->deleteLater();
-        if (auto* host = MdiForm::instance())
+        if (auto* host = FormHost::instance())
             host->release(m_frame);
     } else {
         deleteLater();
@@ -129,8 +129,8 @@ bool Form::Unload()
 void Form::SetFocus()
 {
     Load();
-    if (m_frame && MdiForm::instance())
-        MdiForm::instance()->bringForward(m_frame);
+    if (m_frame && FormHost::instance())
+        FormHost::instance()->bringForward(m_frame);
     else
         activateWindow();
 }

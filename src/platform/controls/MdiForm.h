@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/controls/Form.h"
+#include "platform/controls/FormHost.h"
 
 #include <QMainWindow>
 
@@ -11,7 +12,7 @@ namespace controls {
 
 /// One a process. MDIForm_Load runs before it shows, MDIForm_Activate each time its window becomes the
 /// active one. Closing its frame unloads the children first; one that cancels keeps the window open.
-class MdiForm : public QMainWindow
+class MdiForm : public QMainWindow, public FormHost
 {
     Q_OBJECT
 
@@ -34,11 +35,9 @@ public:
     [[nodiscard]] Form* ActiveForm() const;
     [[nodiscard]] QMdiArea* area() const { return m_area; }
 
-    /// For Form: wraps a form into a frame of the area, makes it the active one, and forgets the frame of
-    /// one that goes.
-    QMdiSubWindow* adopt(Form* form);
-    void bringForward(QMdiSubWindow* frame);
-    void release(QMdiSubWindow* frame);
+    QMdiSubWindow* adopt(Form* form) override;
+    void bringForward(QMdiSubWindow* frame) override;
+    void release(QMdiSubWindow* frame) override;
 
 signals:
     void unloaded();
