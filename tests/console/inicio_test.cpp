@@ -4,6 +4,7 @@
 #include "browser/frmAdministrador.h"
 #include "core/Funciones.h"
 #include "core/Global.h"
+#include "core/LeeIdioma.h"
 #include "core/frmConectar.h"
 #include "core/frmIdioma.h"
 #include "core/mdiPrincipal.h"
