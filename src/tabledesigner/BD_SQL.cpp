@@ -2,7 +2,10 @@
 
 #include "core/Funciones.h"
 #include "core/Global.h"
+#include "platform/basic/RuntimeError.h"
 #include "tabledesigner/Nombres.h"
+
+#include <exception>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -39,6 +42,13 @@ QString Busca(ado::Connection& conexion, const QString& tabla, const QString& da
     return BuscaRegistro(conexion, tabla, dato, primera, otras);
 }
 
+QStringList Sentencias(const QString& cola)
+{
+    QStringList sentencias = cola.split(u'*');
+    sentencias.removeIf([](const QString& sentencia) { return sentencia.trimmed().isEmpty(); });
+    return sentencias;
+}
+
 } // namespace
 
 void EjecutaSQL(ado::Connection& conexion, const QString& texto)
@@ -55,10 +65,24 @@ void PonEnCola(QString& cola, const QString& sentencia)
 
 void EjecutaCola(ado::Connection& conexion, QString& cola)
 {
-    for (const QString& sentencia : cola.split(u'*'))
-        if (!sentencia.trimmed().isEmpty())
-            EjecutaSQL(conexion, sentencia);
+    for (const QString& sentencia : Sentencias(cola))
+        EjecutaSQL(conexion, sentencia);
     cola.clear();
+}
+
+void EjecutaColaEntera(ado::Connection& conexion, const QString& cola)
+{
+    std::exception_ptr fallo;
+    for (const QString& sentencia : Sentencias(cola)) {
+        try {
+            EjecutaSQL(conexion, sentencia);
+        } catch (const basic::RuntimeError&) {
+            if (!fallo)
+                fallo = std::current_exception();
+        }
+    }
+    if (fallo)
+        std::rethrow_exception(fallo);
 }
 
 QString DameIdTabla(ado::Connection& conexion, const QString& tabla)

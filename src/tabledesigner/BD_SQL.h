@@ -31,6 +31,9 @@ void EjecutaSQL(ado::Connection& conexion, const QString& texto);
 void PonEnCola(QString& cola, const QString& sentencia);
 /// Runs the queued statements, cut at each "*", and empties the queue once all have run.
 void EjecutaCola(ado::Connection& conexion, QString& cola);
+/// Runs them all, also behind one that fails, since each gives back what was dropped; then raises the
+/// first failure.
+void EjecutaColaEntera(ado::Connection& conexion, const QString& cola);
 
 /// Id of a user table, "" when there is none.
 QString DameIdTabla(ado::Connection& conexion, const QString& tabla);

@@ -195,8 +195,7 @@ try {
                        CeldaActual(datos, ColCampo::Longitud), CeldaActual(datos, ColCampo::Nulo),
                        CeldaActual(datos, ColCampo::Tipo), {},
                        datos.CamposTabla.at(datos.FilaActual.Fila, ColCampo::NombreDF).trimmed());
-    EjecutaCola(conexion, indices);
-    EjecutaCola(conexion, relaciones);
+    EjecutaColaEntera(conexion, indices + u"*"_s + relaciones);
     resultado = true;
 } catch (...) {
     InformaError(u"BuscaCambiaVinculos"_s);
