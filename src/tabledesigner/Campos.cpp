@@ -14,7 +14,6 @@ namespace {
 
 constexpr int PrecisionMaxima = 28;
 constexpr int EscalaMaxima = 28;
-constexpr int UltimaLineaRelacion = 15; // a foreign key has at most 16 pairs of columns
 
 QString& Celda(FilaRejilla& fila, int columna)
 {
@@ -253,7 +252,7 @@ bool RenombraEnMemoria(DatosTabla& datos)
     if (enServidor.trimmed().isEmpty())
         return true;
     for (int i = 0; i < ContadorRelaciones; ++i)
-        RenombraLineas(datos.CamposRelacion(i), ColCampoRelacion::Propia, UltimaLineaRelacion, enServidor,
+        RenombraLineas(datos.CamposRelacion(i), ColCampoRelacion::Propia, MaximoColumnasClave - 1, enServidor,
                        nombre);
     for (int i = 0; i < ContadorIndices; ++i)
         RenombraLineas(datos.CamposIndice(i), ColCampoIndice::Nombre, UltimaFila - 1, enServidor, nombre);

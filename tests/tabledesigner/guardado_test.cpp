@@ -103,17 +103,16 @@ TEST_F(Guardado, ANewTableIsOneStatementAndItsRenamesAreRefusedUnseen)
     Escribe(*datos, 2, {u"b"_s, 3, u"10"_s, u"0"_s, u"'x'"_s});
     Llegado();
     EXPECT_TRUE(Guarda(*datos));
-    const QString sinTabla = u"Select id from Taller..sysobjects where name = 't' and type Like 'U'"_s;
-    const QString tabla = u"Select id from Taller..sysobjects where name = 't' and type Like 'U'"_s;
+    const QString busca = u"Select id from Taller..sysobjects where name = 't' and type Like 'U'"_s;
     EXPECT_EQ(
         Llegado(),
-        Lineas({u"BEGIN TRANSACTION"_s, sinTabla, u"USE Taller"_s,
+        Lineas({u"BEGIN TRANSACTION"_s, busca, u"USE Taller"_s,
                 u"Select name from Taller..sysobjects where name = 't' and type = 'U'"_s,
-                u"EXEC sp_rename 't.[]', 'a', 'COLUMN'"_s, sinTabla,
-                u"EXEC sp_rename 't.[]', 'b', 'COLUMN'"_s, sinTabla,
+                u"EXEC sp_rename 't.[]', 'a', 'COLUMN'"_s, busca, u"EXEC sp_rename 't.[]', 'b', 'COLUMN'"_s,
+                busca,
                 u"CREATE TABLE Taller..t (a int   NULL,\rb char (10)  NOT NULL CONSTRAINT [DF_t_b] DEFAULT "
                 u"('x'))"_s,
-                tabla, u"SELECT * from Taller..sysreferences WHERE fkeyid=#"_s, tabla,
+                busca, u"SELECT * from Taller..sysreferences WHERE fkeyid=#"_s, busca,
                 u"SELECT * from Taller..sysreferences WHERE fkeyid=#"_s,
                 u"Select * from Taller..sysobjects  where type = 'U' and name = 't' order by name"_s,
                 u"Select * from Taller..syscolumns  where id = # order by colid"_s,
