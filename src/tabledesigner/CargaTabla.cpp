@@ -25,7 +25,11 @@ void PonPredeterminado(Matriz& campos, int fila, const QString& idPredeterminado
 {
     if (idPredeterminado.toInt() == 0)
         return;
-    campos(fila, ColCampo::Predeterminado) = DameTextoPredeterminado(ConexionSQL, idPredeterminado);
+    const QString texto = DameTextoPredeterminado(ConexionSQL, idPredeterminado);
+    // Without its text a default would look as if the user had emptied it, and a save would drop it.
+    if (texto.isEmpty())
+        return;
+    campos(fila, ColCampo::Predeterminado) = texto;
     campos(fila, ColCampo::NombreDF) = DameNombrePredeterminado(ConexionSQL, idPredeterminado);
 }
 

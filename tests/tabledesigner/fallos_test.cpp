@@ -154,6 +154,32 @@ TEST_F(Fallos, TheConnectionLostAtEachStatement)
     CadaConexionPerdida(ClaveCambiada);
 }
 
+TEST_F(Fallos, WhatCouldNotBeLoadedIsNotTakenForDeleted)
+{
+    const auto abre = [] { return Abre(u"mi t"_s); };
+    const auto completa = [] {
+        Guarda(*TablaNueva());
+        return TablaNueva();
+    };
+    Prepara(completa);
+    int sentencias = 0;
+    ado::setStatementObserver([&sentencias](const QString&) { ++sentencias; });
+    abre();
+    ado::setStatementObserver({});
+    for (int k = 1; k <= sentencias; ++k) {
+        SCOPED_TRACE(k);
+        Prepara(completa);
+        const QString antes = Catalogo();
+        Falla(k, [] { basic::raise(50000, u"rechazada"_s); });
+        const auto datos = abre();
+        ado::setStatementObserver({});
+        EXPECT_EQ(Avisos(), QStringList{u" Error Nº:50000 (rechazada)."_s});
+        Guarda(*datos);
+        EXPECT_EQ(Catalogo(), antes);
+        EXPECT_EQ(TransaccionesAbiertas(), 0);
+    }
+}
+
 TEST_F(Fallos, OnlyTheRefusalOfTheRenameItselfIsPassedOver)
 {
     for (const int numero : {15248, 15253}) {

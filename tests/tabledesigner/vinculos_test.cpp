@@ -147,6 +147,18 @@ TEST_F(Vinculos, ARenameGoesOutWithTheNextCell)
     EXPECT_EQ(Avisos(), QStringList());
 }
 
+TEST_F(Vinculos, AColumnRenamedByAnEditIsDroppedUnderItsNewName)
+{
+    Ejecuta({u"create table t (a int null constraint DF_t_b default (1), z int null)"_s});
+    const auto datos = Abre(u"t"_s);
+    Edita(*datos, 0, ColCampo::Nombre, u"b"_s);
+    EXPECT_TRUE(Edita(*datos, 0, ColCampo::Nulo, u"0"_s));
+    EliminaCampo(*datos, 0);
+    EXPECT_TRUE(Guarda(*datos));
+    EXPECT_EQ(Catalogo(), u"t.z:int,4,1,-\n\n\n"_s);
+    EXPECT_EQ(Avisos(), QStringList());
+}
+
 TEST_F(Vinculos, TablesThatReferenceEachOtherEndTheWalk)
 {
     Ejecuta({u"create table x (a int not null constraint PK_x primary key)"_s,
