@@ -101,6 +101,7 @@ TEST_F(Guardado, ANewTableIsOneStatementAndItsRenamesAreRefusedUnseen)
     const auto datos = Nueva(u"t"_s);
     Escribe(*datos, 0, {u"a"_s, 8});
     Escribe(*datos, 2, {u"b"_s, 3, u"10"_s, u"0"_s, u"'x'"_s});
+    datos->GrupoDatos = u"PRIMARY"_s;
     Llegado();
     EXPECT_TRUE(Guarda(*datos));
     const QString busca = u"Select id from Taller..sysobjects where name = 't' and type Like 'U'"_s;
@@ -173,7 +174,7 @@ TEST_F(Guardado, ChangesDropsAndAddsColumnsOfATableWithData)
     datos->CamposTabla(4, ColCampo::Escala) = u"1"_s;
     EliminaCampo(*datos, 2);
     Escribe(*datos, 4, {u"f"_s, 16});
-    Escribe(*datos, 5, {u"g"_s, 23, u"9"_s});
+    Escribe(*datos, UltimaFila - 1, {u"g"_s, 23, u"9"_s});
     Escribe(*datos, UltimaFila, {u"nunca"_s, 8});
     Cambios();
     EXPECT_TRUE(Guarda(*datos));
@@ -363,9 +364,12 @@ TEST_F(Guardado, ASystemTableLoadsAndTheBuildingBlocksDrop)
     EXPECT_FALSE(ExisteLaRelacion(ConexionSQL, u"h"_s, u"p"_s, u"no,"_s));
     EXPECT_FALSE(ExisteLaRelacion(ConexionSQL, u"h"_s, u"p"_s, {}));
     EXPECT_FALSE(ExisteLaRelacion(ConexionSQL, u"p"_s, u"h"_s, u"a,"_s));
+    Ejecuta({u"alter table h add y int null constraint FK_y references p (a)"_s});
+    EliminaLosVinculos(ConexionSQL, u"h"_s, u"Y"_s);
+    EXPECT_EQ(Consulta(u"select name from Taller..sysobjects where xtype = 'F'"_s), u"FK_h"_s);
     RelacionConOtrasTablas(ConexionSQL, u"p"_s);
     EliminaConstraint(ConexionSQL, u"p"_s);
-    EXPECT_EQ(Catalogo(), u"h.x:int,4,1,-\np.a:int,4,0,-\np.b:int,4,1,-\np.PK_p:1\n\n"_s);
+    EXPECT_EQ(Catalogo(), u"h.x:int,4,1,-\nh.y:int,4,1,-\np.a:int,4,0,-\np.b:int,4,1,-\np.PK_p:1\n\n"_s);
     EXPECT_EQ(Avisos(), QStringList());
 }
 
