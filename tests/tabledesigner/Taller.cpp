@@ -203,7 +203,7 @@ bool Taller::Guarda(DatosTabla& datos)
 QStringList Taller::Nuevas()
 {
     const QStringList todas = Servidor().statementLog();
-    const QStringList nuevas = todas.mid(m_leidas);
+    QStringList nuevas = todas.mid(m_leidas);
     m_leidas = todas.size();
     return nuevas;
 }

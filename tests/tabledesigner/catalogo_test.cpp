@@ -76,7 +76,7 @@ protected:
     void TearDown() override { controls::setMessageBoxAnswerer({}); }
 
     /// Tests a cell; "go to column: row".
-    QString Comprueba(QStringList celdas, int columna)
+    QString Comprueba(const QStringList& celdas, int columna)
     {
         FilaRejilla fila = Fila(celdas);
         const auto destino = CompruebaCelda(fila, columna);
