@@ -123,6 +123,8 @@ try {
     CreaRecordset(ConexionSQL, Registros, texto, correcto);
     if (correcto)
         MuestraResultados();
+    else
+        MuestraMensajes(ConexionSQL.Messages());
 } catch (...) {
     InformaError(u"Ejecuta"_s);
 }

@@ -37,8 +37,8 @@ private:
     /// What a run brought beside its rows.
     struct Balance
     {
-        QStringList mensajes;
-        QList<qint64> afectadas; ///< rows changed, one entry a statement without rows; -1 not counted
+        QStringList lineas;      ///< what the server said, errors behind the first result included
+        QList<qint64> afectadas; ///< rows changed, one entry a counting statement without rows
         std::vector<basic::RuntimeError> errores; ///< behind the first result
     };
 
@@ -48,11 +48,10 @@ private:
 
     void MuestraResultados();
     Balance CapturaResultados();
-    static std::optional<ado::Recordset> SiguienteResultado(ado::Recordset& actual,
-                                                            std::vector<basic::RuntimeError>& errores);
+    static std::optional<ado::Recordset> SiguienteResultado(ado::Recordset& actual, Balance& balance);
     void CargaConjuntos();
     void MuestraSinFilas(const QList<qint64>& afectadas);
-    void MuestraMensajes(const Balance& balance);
+    void MuestraMensajes(const QStringList& lineas);
 
     ado::Recordset Registros;               ///< the last run's first result
     std::vector<ado::Recordset> Conjuntos_; ///< all its results that have columns

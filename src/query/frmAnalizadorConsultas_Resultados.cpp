@@ -44,24 +44,25 @@ frmAnalizadorConsultas::Balance frmAnalizadorConsultas::CapturaResultados()
     Balance balance;
     std::optional<ado::Recordset> resultado = Registros;
     while (resultado && balance.errores.size() < MaximoErrores) {
-        balance.mensajes = resultado->Messages();
+        balance.lineas += resultado->Messages();
         if (resultado->FieldCount() > 0)
             Conjuntos_.push_back(*resultado);
-        else
+        else if (resultado->RecordsAffected() >= 0)
             balance.afectadas += resultado->RecordsAffected();
-        resultado = SiguienteResultado(*resultado, balance.errores);
+        resultado = SiguienteResultado(*resultado, balance);
     }
     return balance;
 }
 
-std::optional<ado::Recordset>
-frmAnalizadorConsultas::SiguienteResultado(ado::Recordset& actual, std::vector<basic::RuntimeError>& errores)
+std::optional<ado::Recordset> frmAnalizadorConsultas::SiguienteResultado(ado::Recordset& actual,
+                                                                         Balance& balance)
 {
-    while (errores.size() < MaximoErrores) {
+    while (balance.errores.size() < MaximoErrores) {
         try {
             return actual.NextRecordset();
         } catch (const basic::RuntimeError& error) {
-            errores.push_back(error);
+            balance.errores.push_back(error);
+            balance.lineas += u"Nº "_s + QString::number(error.number()) + u": "_s + error.description();
         }
     }
     return std::nullopt;
@@ -74,7 +75,7 @@ void frmAnalizadorConsultas::MuestraResultados()
     CargaConjuntos();
     if (Conjuntos_.empty())
         MuestraSinFilas(balance.afectadas);
-    MuestraMensajes(balance);
+    MuestraMensajes(balance.lineas);
     if (!balance.errores.empty())
         MuestraError(u"Error cargando datos."_s, u"Ejecuta"_s, balance.errores.front().number(),
                      balance.errores.front().description());
@@ -113,12 +114,10 @@ void frmAnalizadorConsultas::MuestraSinFilas(const QList<qint64>& afectadas)
     lblResultado->setText(lineas.isEmpty() ? texto : lineas.last());
 }
 
-/// What the server printed, and the errors behind the first result, below the grid.
-void frmAnalizadorConsultas::MuestraMensajes(const Balance& balance)
+/// What the server printed, and the errors behind the first result, below the grid, in the order in which
+/// they came.
+void frmAnalizadorConsultas::MuestraMensajes(const QStringList& lineas)
 {
-    QStringList lineas = balance.mensajes;
-    for (const basic::RuntimeError& error : balance.errores)
-        lineas += u"Nº "_s + QString::number(error.number()) + u": "_s + error.description();
     txtMensajes->setPlainText(lineas.join(u'\n'));
     txtMensajes->setVisible(!lineas.isEmpty());
 }

@@ -107,6 +107,38 @@ TEST_F(Consultas, ABatchShowsEachResultAndWhatStandsBesideThem)
     EXPECT_EQ(Celda(0, 0), u"5"_s);
 }
 
+TEST_F(Consultas, EveryMessageReachesThePaneInItsPlace)
+{
+    ArrancaYConecta(Es);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    auto* panel = forma()->txtMensajes;
+    Corre(u"print 'solo'"_s);
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_EQ(panel->toPlainText(), u"solo"_s);
+    Corre(u"print 'a' select 1 print 'b' raiserror('mal', 16, 1) print 'c' select 2 print 'd'"_s);
+    EXPECT_EQ(panel->toPlainText(), u"a\nb\nNº 50000: mal\nc\nd"_s);
+    Avisos();
+    Corre(u"print 'antes' raiserror('primero', 16, 1) print 'detrás'"_s);
+    EXPECT_EQ(panel->toPlainText(), u"antes\ndetrás"_s) << "the box tells the error";
+    EXPECT_EQ(Avisos().size(), 1);
+    Corre(u"select 1"_s);
+    EXPECT_FALSE(panel->isVisible());
+}
+
+TEST_F(Consultas, ATextWithBracesKeepsTheSessionsScope)
+{
+    ArrancaYConecta(Es);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    const QString texto =
+        u"use tempdb create table #x (d datetime) insert #x values ({d '2020-01-02'}) /* /* */ ? */"_s;
+    Corre(texto);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_EQ(UltimaEnElServidor(u"use tempdb"_s), texto);
+    Corre(u"select convert(char(8), d, 112), db_name() from #x"_s);
+    EXPECT_EQ(Celda(0, 0), u"20200102"_s);
+    EXPECT_EQ(Celda(0, 1), u"tempdb"_s);
+}
+
 TEST_F(Consultas, AStatementWithoutRowsSaysWhatHappened)
 {
     Prepara(Es);

@@ -46,6 +46,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expectSentence([&] { connect(text); });
     quoteBack(text);
     for (const auto family : {ado::Driver::Family::FreeTds, ado::Driver::Family::Microsoft})
-        expectSentence([&] { fuzz::check(ado::textForDriver(text, family).size() >= text.size()); });
+        expectSentence([&] {
+            fuzz::check(ado::textForDriver(text, family, false).text.size() >= text.size());
+            fuzz::check(ado::textForDriver(text, family, true).text.size() == text.size());
+        });
     return 0;
 }

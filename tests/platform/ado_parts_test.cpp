@@ -202,20 +202,39 @@ TEST(StatementTexts, AreWrappedOnlyWhereADriverWouldRewriteThem)
         u"ñ€😀"_s,
     };
     for (const QString& text : unchanged) {
-        EXPECT_EQ(utf8(textForDriver(text, FreeTds)), utf8(text));
-        EXPECT_EQ(utf8(textForDriver(text, Microsoft)), utf8(text));
+        EXPECT_EQ(utf8(textForDriver(text, FreeTds, false).text), utf8(text));
+        EXPECT_EQ(utf8(textForDriver(text, Microsoft, false).text), utf8(text));
     }
     const QString rewritten[] = {u"select {d '2020-01-01'}"_s, u"{call sp_help}"_s,  u"{"_s, u"{ fn now()}"_s,
                                  u"-- x\n{d '1'}"_s,           u"/* /* */ {t '1'}"_s};
     for (const QString& text : rewritten) {
-        EXPECT_EQ(utf8(textForDriver(text, FreeTds)),
+        EXPECT_EQ(utf8(textForDriver(text, FreeTds, false).text),
                   "EXEC(N'" + utf8(QString(text).replace(u"'"_s, u"''"_s)) + "')");
-        EXPECT_EQ(utf8(textForDriver(text, Microsoft)), utf8(text));
+        EXPECT_EQ(utf8(textForDriver(text, Microsoft, false).text), utf8(text));
     }
-    EXPECT_EQ(textForDriver(u"select 'a', ?"_s, Microsoft), u"EXEC(N'select ''a'', ?')");
-    EXPECT_EQ(numberOf([] { textForDriver(u"delete t"_s + QChar(u'\0') + u" where 1=0"_s, FreeTds); }),
+    EXPECT_EQ(textForDriver(u"select 'a', ?"_s, Microsoft, false).text, u"EXEC(N'select ''a'', ?')");
+    EXPECT_EQ(numberOf([] { textForDriver(u"delete t"_s + QChar(u'\0') + u" where 1=0"_s, FreeTds, false); }),
               number::BadStatement);
-    EXPECT_EQ(numberOf([] { textForDriver(QString(), Microsoft); }), number::NoCommandText);
+    EXPECT_EQ(numberOf([] { textForDriver(QString(), Microsoft, false); }), number::NoCommandText);
+}
+
+TEST(StatementTexts, TravelUnderStandInsThatTheyDoNotHold)
+{
+    const QString text = u"select {d '2020'} \uE0C0 ?"_s + QChar(u'\0') + QChar(0xD800) + u"? 😀"_s;
+    const EncodedText encoded = textForDriver(text, Driver::Family::FreeTds, true);
+    EXPECT_EQ(encoded.standIns.size(), 4U);
+    QString restored = encoded.text;
+    for (const StandIn& standIn : encoded.standIns) {
+        EXPECT_FALSE(text.contains(QChar(standIn.sent)));
+        EXPECT_FALSE(encoded.text.contains(QChar(standIn.meant)));
+        restored.replace(QChar(standIn.sent), QChar(standIn.meant));
+    }
+    EXPECT_EQ(utf8(restored), utf8(text));
+    EXPECT_TRUE(textForDriver(u"select '}'"_s, Driver::Family::FreeTds, true).standIns.empty());
+    QString halves;
+    for (char16_t half = 0xD800; half < 0xDA00; ++half)
+        halves += QString(QChar(half)) + u' ';
+    EXPECT_EQ(numberOf([&] { textForDriver(halves, Driver::Family::FreeTds, true); }), number::BadStatement);
 }
 
 /// Every kind of storage, with nulls at all places of a word and of a group, over several blocks.

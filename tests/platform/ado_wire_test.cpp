@@ -216,11 +216,17 @@ TEST_F(AdoWire, SendsEveryTextAsTyped)
         sent += QString::fromStdString(text);
     EXPECT_TRUE(observed == sent);
 
-    // What FreeTDS would rewrite or refuse arrives inside EXEC, complete, and is observed as typed.
-    observed.clear();
-    connection.Execute(u"select {d '2020-01-01'}, ?"_s);
-    EXPECT_EQ(server.engine.dialogue.heard().back(), "EXEC(N'select {d ''2020-01-01''}, ?')");
-    EXPECT_EQ(observed, QStringList{u"select {d '2020-01-01'}, ?"_s});
+    // So does what FreeTDS would rewrite, refuse or cut.
+    for (const QString& text :
+         {u"select {d '2020-01-01'}, ?"_s,
+          u"/* /* */ ? */ select {fn now()}, '{', [?], \"{call\" -- {t '1'}"_s, u"{call sp_help}"_s,
+          u"exec sp_help ?"_s, u"exec {?= call x}"_s, u"select 'ñ€😀{\uE0C0\uE0FF'"_s, u"{"_s,
+          QString(u"select 1"_s + QChar(u'\0') + u", 2 {"_s), u"{d '"_s + QString(70'000, u'?') + u"'}"_s}) {
+        observed.clear();
+        connection.Execute(text);
+        EXPECT_EQ(QString::fromStdString(server.engine.dialogue.heard().back()), text);
+        EXPECT_EQ(observed, QStringList{text});
+    }
     ado::setStatementObserver({});
 }
 

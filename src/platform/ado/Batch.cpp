@@ -1,6 +1,8 @@
 #include "platform/ado/Batch.h"
 
+#include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/Fetch.h"
+#include "platform/ado/Observer.h"
 #include "platform/ado/Session.h"
 #include "platform/ado/StatementText.h"
 #include <optional>
@@ -9,12 +11,51 @@ using namespace Qt::StringLiterals;
 
 namespace ado {
 
-Batch::Batch(Session& session) : m_session(&session), m_statement(session.newStatement()) {}
+namespace {
+
+// What a result holds beside its rows.
+constexpr std::size_t bytesOfResult = 1024;
+constexpr std::size_t bytesOfColumn = 512;
+
+} // namespace
+
+/// The time that is left runs while this lives.
+class Batch::Turn
+{
+public:
+    explicit Turn(Batch& batch)
+        : m_batch(batch), m_begin(Clock::now()),
+          m_limit(batch.m_session->limit(batch.m_statement, batch.m_left))
+    {}
+    ~Turn()
+    {
+        if (m_batch.m_isLimited)
+            m_batch.m_left -= std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_begin);
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    Batch& m_batch;
+    Clock::time_point m_begin;
+    Watchdog::Limit m_limit;
+};
+
+Batch::Batch(Session& session)
+    : m_session(&session), m_statement(session.newStatement()),
+      m_isLimited(session.statementTimeout().count() > 0), m_left(session.statementTimeout())
+{}
+
+void Batch::prepare(const QString& text)
+{
+    m_text = textForDriver(text, m_session->family(), m_session->restoresStandIns());
+    observe(m_text.standIns.empty() ? m_text.text : text);
+}
 
 std::shared_ptr<const Result> Batch::open(const QString& text)
 {
-    m_text = textForDriver(text, m_session->family());
-    const auto limit = m_session->limit(m_statement);
+    prepare(text);
+    const Turn turn(*this);
     try {
         return readNext(true);
     } catch (const basic::RuntimeError&) {
@@ -23,27 +64,31 @@ std::shared_ptr<const Result> Batch::open(const QString& text)
     }
 }
 
-Result Batch::execute(const QString& text)
+std::shared_ptr<const Result> Batch::execute(const QString& text)
 {
-    m_text = textForDriver(text, m_session->family());
-    const auto limit = m_session->limit(m_statement);
-    Result outcome;
+    prepare(text);
+    const Turn turn(*this);
+    auto outcome = std::make_shared<Result>();
     std::optional<basic::RuntimeError> firstError;
     while (m_stage != Stage::Ended && m_stage != Stage::Refused) {
         try {
             const auto result = readNext(false);
-            if (result && result->affected >= 0)
-                outcome.affected = result->affected;
+            if (!result)
+                break;
+            outcome->messages += result->messages;
+            if (result->affected >= 0)
+                outcome->affected = result->affected;
         } catch (const basic::RuntimeError& error) {
             if (!firstError)
                 firstError = error;
         }
     }
     runToEnd();
-    if (firstError)
-        throw *firstError;
-    outcome.messages = m_messages;
-    return outcome;
+    outcome->messages += m_messages.take();
+    if (!firstError)
+        return outcome;
+    m_messages.add(outcome->messages);
+    throw *firstError;
 }
 
 std::shared_ptr<const Result> Batch::next()
@@ -57,15 +102,25 @@ std::shared_ptr<const Result> Batch::next()
     }
     if (m_stage == Stage::Ended)
         return nullptr;
-    const auto limit = m_session->limit(m_statement);
-    return readNext(true);
+    requireTime();
+    const Turn turn(*this);
+    try {
+        return readNext(true);
+    } catch (const basic::RuntimeError& error) {
+        if (m_messages.isEmpty())
+            throw;
+        m_kept.emplace_front(error);
+        return messagesAlone();
+    }
 }
 
 void Batch::finish(bool keep)
 {
     if (m_stage == Stage::Ended)
         return;
-    const auto limit = m_session->limit(m_statement);
+    if (m_isLimited && m_left.count() <= 0)
+        return end();
+    const Turn turn(*this);
     if (!keep) {
         runToEnd();
         return;
@@ -75,6 +130,8 @@ void Batch::finish(bool keep)
             if (auto result = readNext(true))
                 m_kept.emplace_back(std::move(result));
         } catch (const basic::RuntimeError& error) {
+            if (!m_messages.isEmpty())
+                m_kept.emplace_back(messagesAlone());
             m_kept.emplace_back(error);
         }
     }
@@ -82,20 +139,26 @@ void Batch::finish(bool keep)
 
 void Batch::detach()
 {
-    m_statement.reset();
-    m_stage = Stage::Ended;
+    end();
     m_session = nullptr;
 }
 
-/// To the end of the batch without its rows and errors.
+/// To the end of the batch without its rows and errors; its messages are kept as long as there is room.
 void Batch::runToEnd()
 {
+    bool keeps = true;
     while (m_stage != Stage::Ended) {
         SQLRETURN outcome = SQL_ERROR;
         {
             const Watchdog::Call call(m_session->watchdog());
-            outcome = m_stage == Stage::Refused ? m_session->driverMoreResults(m_statement)
+            outcome = m_stage == Stage::Refused ? m_session->library().moreResults(m_statement.get())
                                                 : SQLMoreResults(m_statement.get());
+        }
+        try {
+            if (keeps && outcome != SQL_SUCCESS)
+                m_messages.add(messages(diagnostics()));
+        } catch (const basic::RuntimeError&) {
+            keeps = false;
         }
         const bool isLast = outcome == SQL_NO_DATA || m_session->watchdog().expired() ||
                             (!SQL_SUCCEEDED(outcome) && !m_session->isAlive());
@@ -104,9 +167,20 @@ void Batch::runToEnd()
     }
 }
 
+/// Raises the time-out of a batch whose time has gone between its results.
+void Batch::requireTime()
+{
+    if (!m_isLimited || m_left.count() > 0)
+        return;
+    end();
+    throw statementTimeOut();
+}
+
 /// Releases the statement. A statement that is not at its end is cancelled by that.
 void Batch::end()
 {
+    if (m_stage == Stage::Ended)
+        return;
     const Watchdog::Call call(m_session->watchdog());
     m_statement.reset();
     m_stage = Stage::Ended;
@@ -118,13 +192,19 @@ SQLRETURN Batch::advance()
     if (m_stage != Stage::Unsent)
         return SQLMoreResults(m_statement.get());
     m_stage = Stage::Sent;
-    const SQLRETURN outcome =
-        SQLExecDirectW(m_statement.get(), odbc::wide(m_text), static_cast<SQLINTEGER>(m_text.size()));
+    const StandInsRestored restored(m_text.standIns);
+    const SQLRETURN outcome = SQLExecDirectW(m_statement.get(), odbc::wide(m_text.text),
+                                             static_cast<SQLINTEGER>(m_text.text.size()));
     // For the driver manager a statement that begins with an error has not been executed, and it would
     // not ask the driver for the results behind.
     if (!SQL_SUCCEEDED(outcome) && outcome != SQL_NO_DATA)
         m_stage = Stage::Refused;
     return outcome;
+}
+
+std::vector<Diagnostic> Batch::diagnostics() const
+{
+    return readDiagnostics(m_statement.get(), m_session->library());
 }
 
 std::shared_ptr<const Result> Batch::readNext(bool withRows)
@@ -137,18 +217,30 @@ std::shared_ptr<const Result> Batch::readNext(bool withRows)
             throw statementTimeOut();
         }
         if (outcome != SQL_SUCCESS) {
-            const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement.get());
-            m_messages += messages(records);
+            const auto records = diagnostics();
+            try {
+                m_messages.add(messages(records));
+            } catch (const basic::RuntimeError&) {
+                end();
+                throw;
+            }
             if (!SQL_SUCCEEDED(outcome) && outcome != SQL_NO_DATA)
                 fail(records);
         }
         if (outcome == SQL_NO_DATA && !isFirst) {
             end();
-            return nullptr;
+            return m_messages.isEmpty() ? nullptr : messagesAlone();
         }
         if (auto result = describe(withRows))
             return result;
     }
+}
+
+std::shared_ptr<const Result> Batch::messagesAlone()
+{
+    auto result = std::make_shared<Result>();
+    result->messages = m_messages.take();
+    return result;
 }
 
 void Batch::fail(const std::vector<Diagnostic>& records)
@@ -165,26 +257,36 @@ std::shared_ptr<const Result> Batch::describe(bool withRows)
     SQLSMALLINT columns = 0;
     SQLLEN count = -1;
     SQLNumResultCols(m_statement.get(), &columns);
-    auto result = std::make_shared<Result>();
     if (columns == 0) {
         SQLRowCount(m_statement.get(), &count);
         if (count < 0)
             return nullptr;
-        result->affected = count;
-    } else if (withRows) {
-        try {
-            result->table = fetchTable(m_statement.get(), columns, m_session->family(), m_session->watchdog(),
-                                       m_messages);
-        } catch (const basic::RuntimeError&) {
-            if (m_session->watchdog().expired() || !m_session->isAlive())
-                end();
-            throw;
-        }
-        checkComplete(result->table);
-        result->affected = result->table.rowCount();
     }
-    result->messages = m_messages;
+    auto result = std::make_shared<Result>();
+    result->affected = count;
+    try {
+        result->share.grow(bytesOfResult);
+        result->messages = m_messages.take(result->share);
+        if (columns > 0 && withRows)
+            fill(*result, columns);
+    } catch (const basic::RuntimeError& error) {
+        m_messages.putBack(result->messages);
+        if (error.number() == number::ResultsTooLarge || m_session->watchdog().expired() ||
+            !m_session->isAlive())
+            end();
+        throw;
+    }
     return result;
+}
+
+void Batch::fill(Result& result, int columns)
+{
+    result.share.grow(static_cast<std::size_t>(columns) * bytesOfColumn);
+    result.table = fetchTable(
+        m_statement.get(), columns,
+        {m_session->family(), m_session->library(), m_session->watchdog(), m_messages, result.share});
+    checkComplete(result.table);
+    result.affected = result.table.rowCount();
 }
 
 /// An answer that breaks off or is damaged can look to the driver like a shorter one. Unless the server
@@ -198,8 +300,6 @@ void Batch::checkComplete(const Table& table)
     const bool isComplete = count < 0 ? m_session->isAlive() : table.rowCount() >= count;
     if (isComplete || table.columns().front().name.endsWith(documentName))
         return;
-    if (!m_session->isAlive())
-        end();
     throw damagedAnswer();
 }
 

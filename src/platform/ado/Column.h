@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/ado/Recordset.h"
+#include "platform/ado/FieldKind.h"
+#include "platform/basic/Variant.h"
 #include <QString>
 #include <QStringView>
 #include <cstdint>

@@ -2,18 +2,34 @@
 
 #include "platform/ado/Batch.h"
 #include "platform/ado/ErrorNumbers.h"
-#include "platform/ado/Observer.h"
 #include "platform/ado/Session.h"
 #include "platform/basic/RuntimeError.h"
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace ado {
 
 Connection::Connection() = default;
-Connection::~Connection() = default;
+Connection::~Connection()
+{
+    Close();
+}
+
 Connection::Connection(Connection&&) noexcept = default;
-Connection& Connection::operator=(Connection&&) noexcept = default;
+
+Connection& Connection::operator=(Connection&& other) noexcept
+{
+    if (this == &other)
+        return *this;
+    Close();
+    m_session = std::move(other.m_session);
+    m_batch = std::move(other.m_batch);
+    m_messages = std::move(other.m_messages);
+    m_commandTimeout = other.m_commandTimeout;
+    m_connectionTimeout = other.m_connectionTimeout;
+    return *this;
+}
 
 void Connection::setCommandTimeout(int seconds)
 {
@@ -51,7 +67,7 @@ void Connection::Open(const QString& text, const QString& user, const QString& p
     // Without a user the drivers try other ways to log in, and fail without saying why.
     if (request.user.isEmpty())
         basic::raise(number::LoginFailed, u"Login failed for user ''."_s);
-    m_session.reset();
+    Close();
     m_session = std::make_unique<Session>(
         request, std::chrono::seconds(request.timeout.value_or(m_connectionTimeout)));
 }
@@ -63,29 +79,50 @@ int Connection::State() const
 
 void Connection::Close()
 {
+    if (m_batch && m_session) {
+        const Watchdog::Limit closing = m_session->closingLimit();
+        m_batch->detach();
+    }
+    m_batch.reset();
     m_session.reset();
 }
 
-Session& Connection::session() const
+void Connection::requireSession() const
 {
     if (State() == 0)
         basic::raise(m_session ? number::DriverFailure : basic::error::BadConnection,
                      m_session ? u"The connection with the server was lost. Connect again."_s
                                : basic::standardDescription(basic::error::BadConnection));
+}
+
+std::shared_ptr<Batch> Connection::newBatch()
+{
+    requireSession();
+    if (m_batch)
+        m_batch->finish(m_batch.use_count() > 1);
+    m_messages.clear();
     m_session->setStatementTimeout(std::chrono::seconds(m_commandTimeout));
-    return *m_session;
+    m_batch = std::make_shared<Batch>(*m_session);
+    return m_batch;
+}
+
+void Connection::keepMessages(Batch& batch)
+{
+    m_messages = batch.takeMessages();
 }
 
 void Connection::Execute(const QString& text, qint64* affected, int)
 {
-    Session& live = session();
-    m_messages.clear();
-    const auto batch = live.newBatch();
-    observe(text);
-    const Result outcome = batch->execute(text);
-    m_messages = outcome.messages;
-    if (affected != nullptr)
-        *affected = outcome.affected;
+    const auto batch = newBatch();
+    try {
+        const auto outcome = batch->execute(text);
+        m_messages = outcome->messages;
+        if (affected != nullptr)
+            *affected = outcome->affected;
+    } catch (const basic::RuntimeError&) {
+        keepMessages(*batch);
+        throw;
+    }
 }
 
 void Connection::BeginTrans()

@@ -1,3 +1,4 @@
+// A session with a server.
 #pragma once
 
 #include <QString>
@@ -6,6 +7,7 @@
 
 namespace ado {
 
+class Batch;
 class Session;
 
 /// A session with a server. Assigning another closes the one that was there. Recordsets stay readable
@@ -25,7 +27,7 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Seconds that one statement may run, counted from its sending to the end of its results; 0 is
+    /// Seconds that one text may run, counted over its sending and the reading of all its results; 0 is
     /// without limit. 30 at first. Takes effect with the next statement.
     void setCommandTimeout(int seconds);
     [[nodiscard]] int CommandTimeout() const;
@@ -53,16 +55,22 @@ public:
     void CommitTrans();
     void RollbackTrans();
 
-    /// What the server said beside errors (PRINT, low severities) during the last Execute, in order.
+    /// What the server said beside errors (PRINT, low severities) during the last Execute, in order, or
+    /// before and behind the error that ended the last statement.
     [[nodiscard]] QStringList Messages() const;
 
 private:
     friend class Recordset;
 
-    /// The session; raises 3709 without one, -2147467259 when the server has gone.
-    [[nodiscard]] Session& session() const;
+    /// Raises 3709 without a session, -2147467259 when the server has gone.
+    void requireSession() const;
+    /// A new batch. One batch at a time has results to read, so an earlier one first comes to its end.
+    std::shared_ptr<Batch> newBatch();
+    /// After an error of a batch that has just been sent.
+    void keepMessages(Batch& batch);
 
     std::unique_ptr<Session> m_session;
+    std::shared_ptr<Batch> m_batch; ///< the last one
     QStringList m_messages;
     int m_commandTimeout = 30;
     int m_connectionTimeout = 15;

@@ -3,6 +3,7 @@
 #include "platform/ado/ErrorNumbers.h"
 #include <QRegularExpression>
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr SQLSMALLINT stateLength = 5;
 constexpr qsizetype usualTextLength = 1024;
+constexpr SQLSMALLINT lastRecord = 32767;
 
 // FreeTDS's own numbers for what happens on the client's side.
 constexpr int freeTdsFirst = 20000;
@@ -55,25 +57,28 @@ basic::RuntimeError lostConnection()
             "Connect again."_s};
 }
 
-/// The record's text ends where the driver wrote its length; a longer text is read again.
-bool readRecord(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT index, Diagnostic& record)
+/// Reads record by record with a function that is SQLGetDiagRec. A record's text ends where the driver wrote
+/// its length; a longer text is read again.
+template <class Read>
+std::vector<Diagnostic> readRecords(Read read)
 {
-    QString state(stateLength + 1, u'\0');
-    QString text(usualTextLength, u'\0');
-    SQLINTEGER native = 0;
-    SQLSMALLINT length = 0;
-    SQLRETURN outcome = SQLGetDiagRecW(kind, handle, index, odbc::wide(state), &native, odbc::wide(text),
-                                       static_cast<SQLSMALLINT>(text.size()), &length);
-    if (outcome == SQL_SUCCESS_WITH_INFO && length >= text.size()) {
-        text.resize(length + 1);
-        outcome = SQLGetDiagRecW(kind, handle, index, odbc::wide(state), &native, odbc::wide(text),
-                                 static_cast<SQLSMALLINT>(text.size()), &length);
+    std::vector<Diagnostic> records;
+    for (SQLSMALLINT index = 1; index < lastRecord; ++index) {
+        QString state(stateLength + 1, u'\0');
+        QString text(usualTextLength, u'\0');
+        SQLINTEGER native = 0;
+        SQLSMALLINT length = 0;
+        SQLRETURN outcome = read(index, state, native, text, length);
+        if (outcome == SQL_SUCCESS_WITH_INFO && length >= text.size()) {
+            text.resize(length + 1);
+            outcome = read(index, state, native, text, length);
+        }
+        if (!SQL_SUCCEEDED(outcome))
+            break;
+        text.truncate(length);
+        records.push_back({state.first(stateLength), static_cast<int>(native), withoutOriginGroups(text)});
     }
-    if (!SQL_SUCCEEDED(outcome))
-        return false;
-    text.truncate(length);
-    record = {state.first(stateLength), static_cast<int>(native), withoutOriginGroups(text)};
-    return true;
+    return records;
 }
 
 } // namespace
@@ -100,11 +105,20 @@ bool Diagnostic::isLost() const
 
 std::vector<Diagnostic> readDiagnostics(SQLSMALLINT kind, SQLHANDLE handle)
 {
-    std::vector<Diagnostic> records;
-    Diagnostic record;
-    for (SQLSMALLINT index = 1; readRecord(kind, handle, index, record); ++index)
-        records.push_back(record);
-    return records;
+    return readRecords([kind, handle](SQLSMALLINT index, QString& state, SQLINTEGER& native, QString& text,
+                                      SQLSMALLINT& length) {
+        return SQLGetDiagRecW(kind, handle, index, odbc::wide(state), &native, odbc::wide(text),
+                              static_cast<SQLSMALLINT>(text.size()), &length);
+    });
+}
+
+std::vector<Diagnostic> readDiagnostics(SQLHSTMT statement, const DriverLibrary& library)
+{
+    SQLHSTMT const own = library.own(statement);
+    std::vector<Diagnostic> records = readRecords([own, &library](auto&&... place) {
+        return library.diagnostic(own, std::forward<decltype(place)>(place)...);
+    });
+    return records.empty() ? readDiagnostics(SQL_HANDLE_STMT, statement) : records;
 }
 
 QString withoutOriginGroups(const QString& text)

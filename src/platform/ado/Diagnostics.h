@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ado/DriverLibrary.h"
 #include "platform/ado/Odbc.h"
 #include "platform/basic/RuntimeError.h"
 #include <QString>
@@ -27,6 +28,9 @@ struct Diagnostic
 
 /// All records of a handle, in order. To be read before any other call on the handle.
 std::vector<Diagnostic> readDiagnostics(SQLSMALLINT kind, SQLHANDLE handle);
+/// The same of a statement, whose records can be many: from the driver itself, since the driver manager takes
+/// time that grows with the square of their number; from the driver manager when the driver has none to tell.
+std::vector<Diagnostic> readDiagnostics(SQLHSTMT statement, const DriverLibrary& library);
 
 /// `text` without the groups that name the driver manager, the driver and its data source; a group that
 /// belongs to the message itself stays.

@@ -26,8 +26,7 @@ struct Field
 class Fetcher
 {
 public:
-    Fetcher(SQLHSTMT statement, int columns, Driver::Family family, Watchdog& watchdog,
-            QStringList& messages);
+    Fetcher(SQLHSTMT statement, int columns, const FetchContext& context);
     ~Fetcher();
     Fetcher(const Fetcher&) = delete;
     Fetcher& operator=(const Fetcher&) = delete;
@@ -45,21 +44,19 @@ private:
     [[noreturn]] void fail();
 
     SQLHSTMT m_statement;
-    Watchdog& m_watchdog;
-    QStringList& m_messages;
+    const FetchContext& m_context;
     std::vector<Field> m_fields;
     std::vector<SQLUSMALLINT> m_rowStates;
     std::size_t m_rowsPerFetch = 1;
     SQLULEN m_fetched = 0;
 };
 
-Fetcher::Fetcher(SQLHSTMT statement, int columns, Driver::Family family, Watchdog& watchdog,
-                 QStringList& messages)
-    : m_statement(statement), m_watchdog(watchdog), m_messages(messages)
+Fetcher::Fetcher(SQLHSTMT statement, int columns, const FetchContext& context)
+    : m_statement(statement), m_context(context)
 {
     for (int number = 1; number <= columns; ++number)
         m_fields.push_back(
-            {describeField(statement, static_cast<SQLUSMALLINT>(number), family), false, {}, {}});
+            {describeField(statement, static_cast<SQLUSMALLINT>(number), context.family), false, {}, {}});
     bind();
 }
 
@@ -103,16 +100,16 @@ void Fetcher::bind()
 
 void Fetcher::fail()
 {
-    const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement);
-    m_messages += messages(records);
+    const auto records = readDiagnostics(m_statement, m_context.library);
+    m_context.messages.add(messages(records));
     throw statementError(records);
 }
 
 /// An error behind the last rows of a fetch comes with success, and among the messages.
 void Fetcher::takeMessages()
 {
-    const auto records = readDiagnostics(SQL_HANDLE_STMT, m_statement);
-    m_messages += messages(records);
+    const auto records = readDiagnostics(m_statement, m_context.library);
+    m_context.messages.add(messages(records));
     const auto end = m_rowStates.begin() + static_cast<std::ptrdiff_t>(m_fetched);
     if (std::find(m_rowStates.begin(), end, SQL_ROW_ERROR) != end ||
         std::ranges::any_of(records, &Diagnostic::isServerError))
@@ -126,13 +123,16 @@ bool Fetcher::fetch()
         return false;
     SQLRETURN outcome = SQL_ERROR;
     {
-        const Watchdog::Call call(m_watchdog);
+        const Watchdog::Call call(m_context.watchdog);
         outcome = SQLFetch(m_statement);
     }
-    if (m_watchdog.expired())
+    if (m_context.watchdog.expired())
         throw statementTimeOut();
-    if (outcome == SQL_NO_DATA)
+    if (outcome == SQL_NO_DATA) {
+        // The driver has read on behind the last row.
+        m_context.messages.add(messages(readDiagnostics(m_statement, m_context.library)));
         return false;
+    }
     if (!SQL_SUCCEEDED(outcome))
         fail();
     if (outcome == SQL_SUCCESS_WITH_INFO)
@@ -181,11 +181,11 @@ void Fetcher::addUnbound(SQLUSMALLINT number, Field& field, ColumnBuilder& build
         SQLLEN length = 0;
         SQLRETURN outcome = SQL_ERROR;
         {
-            const Watchdog::Call call(m_watchdog);
+            const Watchdog::Call call(m_context.watchdog);
             outcome = SQLGetData(m_statement, number, reader.cType, field.buffer.data(),
                                  static_cast<SQLLEN>(field.buffer.size()), &length);
         }
-        if (m_watchdog.expired())
+        if (m_context.watchdog.expired())
             throw statementTimeOut();
         if (outcome == SQL_NO_DATA)
             break;
@@ -215,6 +215,7 @@ Table Fetcher::read()
     for (const Field& field : m_fields)
         columns.push_back(field.reader.column);
     Table table(std::move(columns));
+    std::size_t shared = 0; // of the bytes added
     while (fetch()) {
         for (std::size_t index = 0; index < m_fields.size(); ++index) {
             ColumnBuilder& builder = table.builder(static_cast<int>(index));
@@ -224,6 +225,10 @@ Table Fetcher::read()
                 addUnbound(static_cast<SQLUSMALLINT>(index + 1), m_fields[index], builder);
         }
         table.rowsAdded(static_cast<qint64>(m_fetched));
+        if (table.bytesAdded() > shared) {
+            m_context.share.grow(table.bytesAdded() - shared);
+            shared = table.bytesAdded();
+        }
     }
     table.seal();
     return table;
@@ -231,10 +236,9 @@ Table Fetcher::read()
 
 } // namespace
 
-Table fetchTable(SQLHSTMT statement, int columns, Driver::Family family, Watchdog& watchdog,
-                 QStringList& messages)
+Table fetchTable(SQLHSTMT statement, int columns, const FetchContext& context)
 {
-    return Fetcher(statement, columns, family, watchdog, messages).read();
+    return Fetcher(statement, columns, context).read();
 }
 
 } // namespace ado

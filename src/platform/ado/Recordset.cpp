@@ -2,8 +2,6 @@
 
 #include "platform/ado/Batch.h"
 #include "platform/ado/Connection.h"
-#include "platform/ado/Observer.h"
-#include "platform/ado/Session.h"
 #include "platform/basic/RuntimeError.h"
 #include <algorithm>
 
@@ -20,11 +18,15 @@ void Recordset::Open(const QString& text, Connection& connection, int, int, int)
 {
     if (State() != 0)
         basic::raise(basic::error::ObjectOpen);
-    const auto batch = connection.session().newBatch();
-    observe(text);
-    auto result = batch->open(text);
+    const auto batch = connection.newBatch();
+    try {
+        auto result = batch->open(text);
+        m_result = result ? std::move(result) : std::make_shared<const Result>();
+    } catch (const basic::RuntimeError&) {
+        connection.keepMessages(*batch);
+        throw;
+    }
     m_batch = batch;
-    m_result = result ? std::move(result) : std::make_shared<const Result>();
     m_row = 0;
 }
 

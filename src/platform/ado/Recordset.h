@@ -1,5 +1,7 @@
+// The rows of a statement's results, read whole.
 #pragma once
 
+#include "platform/ado/FieldKind.h"
 #include "platform/basic/Variant.h"
 #include <QString>
 #include <QStringList>
@@ -11,18 +13,6 @@ namespace ado {
 class Batch;
 class Connection;
 struct Result;
-
-/// Families of column types; what the forms and the grid need to know of them.
-enum class FieldKind
-{
-    Boolean,
-    Integer,
-    Float,
-    Decimal,
-    Text,
-    Date,
-    Binary
-};
 
 /// The first result of a statement, read to its end when opened; further results wait for
 /// NextRecordset(). A handle: copies refer to the same rows, and have a current row each.
@@ -85,11 +75,12 @@ public:
 
     /// Rows that the statement of this result changed or returned; -1 when it did not count.
     [[nodiscard]] qint64 RecordsAffected() const;
-    /// What the server said beside errors, from the beginning of the batch up to this result.
+    /// What the server said beside errors, since the result before this one.
     [[nodiscard]] QStringList Messages() const;
 
-    /// The next result of the batch, or none after the last. Raises an error that stands before or in
-    /// that result; a call after the error goes on behind it. This recordset keeps its rows.
+    /// The next result of the batch, or none after the last. What the server says before an error or behind
+    /// the last result comes as a result of its own, without columns and count. Raises an error that stands
+    /// before or in that result; a call after the error goes on behind it. This recordset keeps its rows.
     [[nodiscard]] std::optional<Recordset> NextRecordset();
 
     /// Bytes that the rows occupy.

@@ -1,13 +1,10 @@
 #include "platform/ado/Session.h"
 
-#include "platform/ado/Batch.h"
 #include "platform/ado/Diagnostics.h"
+#include "platform/ado/DriverEncoding.h"
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/HostLookup.h"
 #include <QFile>
-#include <array>
-#include <dlfcn.h>
-#include <link.h>
 
 using namespace Qt::StringLiterals;
 
@@ -57,27 +54,6 @@ std::vector<RegisteredDriver> registeredDrivers(SQLHENV environment)
     return drivers;
 }
 
-/// Path of the loaded library with this file name; empty when there is none.
-std::string loadedLibrary(const QString& fileName)
-{
-    struct Search
-    {
-        std::string ending;
-        std::string path;
-    } search{"/" + fileName.section(u'/', -1).toStdString(), {}};
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void* data) {
-            auto* const wanted = static_cast<Search*>(data);
-            const std::string path = info->dlpi_name;
-            if (!path.ends_with(wanted->ending))
-                return 0;
-            wanted->path = path;
-            return 1;
-        },
-        &search);
-    return search.path;
-}
-
 } // namespace
 
 Session::Session(const ConnectionRequest& request, std::chrono::seconds timeout)
@@ -90,7 +66,7 @@ Session::Session(const ConnectionRequest& request, std::chrono::seconds timeout)
     if (!awaitLookup(address.host, timeout))
         throw connectTimeOut(address.description());
     connect(odbcConnectionString(m_driver, address, request), address.description(), timeout);
-    m_moreResults = findMoreResults();
+    m_library = DriverLibrary(m_dbc.get());
 }
 
 void Session::connect(const QString& text, const QString& server, std::chrono::seconds timeout)
@@ -101,6 +77,7 @@ void Session::connect(const QString& text, const QString& server, std::chrono::s
     const auto shutDown = [this] { m_sockets.shutDown(); };
     const auto limit = timeout.count() > 0 ? timeout + driverLead : timeout;
     SQLRETURN outcome = SQL_ERROR;
+    const unsigned long encodings = encodingsDone();
     {
         const Watchdog::Limit connecting(m_watchdog, limit, shutDown, shutDown);
         const Watchdog::Call call(m_watchdog);
@@ -109,6 +86,7 @@ void Session::connect(const QString& text, const QString& server, std::chrono::s
                                     SQL_DRIVER_NOPROMPT);
     }
     m_sockets.stop();
+    m_restoresStandIns = m_driver.family == Driver::Family::FreeTds && encodingsDone() != encodings;
     if (SQL_SUCCEEDED(outcome))
         return;
     if (m_watchdog.expired())
@@ -118,11 +96,8 @@ void Session::connect(const QString& text, const QString& server, std::chrono::s
 
 Session::~Session()
 {
-    const auto shutDown = [this] { m_sockets.shutDown(); };
-    const Watchdog::Limit closing(m_watchdog, closingTime, shutDown, shutDown);
+    const Watchdog::Limit closing = closingLimit();
     const Watchdog::Call call(m_watchdog);
-    if (m_current)
-        m_current->detach();
     SQLDisconnect(m_dbc.get());
     m_dbc.reset();
 }
@@ -135,14 +110,6 @@ bool Session::isAlive() const
     return SQL_SUCCEEDED(outcome) && dead == SQL_CD_FALSE;
 }
 
-std::shared_ptr<Batch> Session::newBatch()
-{
-    if (m_current)
-        m_current->finish(m_current.use_count() > 1);
-    m_current = std::make_shared<Batch>(*this);
-    return m_current;
-}
-
 odbc::Statement Session::newStatement() const
 {
     odbc::Statement statement(m_dbc.get());
@@ -152,31 +119,16 @@ odbc::Statement Session::newStatement() const
     return statement;
 }
 
-Watchdog::Limit Session::limit(const odbc::Statement& statement)
+Watchdog::Limit Session::limit(const odbc::Statement& statement, std::chrono::milliseconds duration)
 {
-    return {m_watchdog, m_statementTimeout, [handle = statement.get()] { SQLCancel(handle); },
+    return {m_watchdog, duration, [handle = statement.get()] { SQLCancel(handle); },
             [this] { m_sockets.shutDown(); }};
 }
 
-SQLRETURN Session::driverMoreResults(const odbc::Statement& statement) const
+Watchdog::Limit Session::closingLimit()
 {
-    SQLHSTMT driverStatement = statement.get();
-    if (m_moreResults == nullptr ||
-        !SQL_SUCCEEDED(
-            SQLGetInfoW(m_dbc.get(), SQL_DRIVER_HSTMT, &driverStatement, sizeof driverStatement, nullptr)))
-        return SQL_NO_DATA;
-    return m_moreResults(driverStatement);
-}
-
-Session::MoreResults Session::findMoreResults() const
-{
-    std::array<SQLCHAR, 1024> name{};
-    SQLSMALLINT length = 0;
-    if (!SQL_SUCCEEDED(SQLGetInfo(m_dbc.get(), SQL_DRIVER_NAME, name.data(), name.size(), &length)))
-        return nullptr;
-    const std::string path = loadedLibrary(QString::fromUtf8(reinterpret_cast<const char*>(name.data())));
-    void* const library = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    return library == nullptr ? nullptr : reinterpret_cast<MoreResults>(dlsym(library, "SQLMoreResults"));
+    const auto shutDown = [this] { m_sockets.shutDown(); };
+    return {m_watchdog, closingTime, shutDown, shutDown};
 }
 
 } // namespace ado

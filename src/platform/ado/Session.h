@@ -2,6 +2,7 @@
 
 #include "platform/ado/ConnectionString.h"
 #include "platform/ado/Driver.h"
+#include "platform/ado/DriverLibrary.h"
 #include "platform/ado/Odbc.h"
 #include "platform/ado/Sockets.h"
 #include "platform/ado/Watchdog.h"
@@ -10,10 +11,7 @@
 
 namespace ado {
 
-class Batch;
-
-/// One connection with a server, for as long as it lives. One batch at a time has results to read; a new
-/// one first brings the old to its end.
+/// One connection with a server, for as long as it lives.
 class Session
 {
 public:
@@ -26,35 +24,33 @@ public:
     /// False once the server has gone.
     [[nodiscard]] bool isAlive() const;
 
-    /// A new batch, after an earlier one has come to its end.
-    std::shared_ptr<Batch> newBatch();
-
     /// The time that each statement gets; 0 for any.
     void setStatementTimeout(std::chrono::seconds timeout) { m_statementTimeout = timeout; }
 
     // For batches.
     [[nodiscard]] odbc::Statement newStatement() const;
     [[nodiscard]] Driver::Family family() const { return m_driver.family; }
+    [[nodiscard]] const DriverLibrary& library() const { return m_library; }
+    /// Whether stand-ins in a text are restored on its way to the wire.
+    [[nodiscard]] bool restoresStandIns() const { return m_restoresStandIns; }
+    [[nodiscard]] std::chrono::milliseconds statementTimeout() const { return m_statementTimeout; }
     [[nodiscard]] Watchdog& watchdog() { return m_watchdog; }
-    /// Limits what is done on the statement from now on.
-    [[nodiscard]] Watchdog::Limit limit(const odbc::Statement& statement);
-    /// The driver's own SQLMoreResults on the statement, past the driver manager.
-    SQLRETURN driverMoreResults(const odbc::Statement& statement) const;
+    /// Limits what is done on the statement from now on; 0 is no limit.
+    [[nodiscard]] Watchdog::Limit limit(const odbc::Statement& statement, std::chrono::milliseconds duration);
+    /// Limits what ends a statement or the session.
+    [[nodiscard]] Watchdog::Limit closingLimit();
 
 private:
-    using MoreResults = SQLRETURN (*)(SQLHSTMT);
-
     void connect(const QString& text, const QString& server, std::chrono::seconds timeout);
-    [[nodiscard]] MoreResults findMoreResults() const;
 
     std::shared_ptr<odbc::Environment> m_environment;
     Driver m_driver;
     odbc::Dbc m_dbc;
     SocketTracker m_sockets;
     Watchdog m_watchdog;
-    MoreResults m_moreResults = nullptr;
+    DriverLibrary m_library;
+    bool m_restoresStandIns = false;
     std::chrono::seconds m_statementTimeout{0};
-    std::shared_ptr<Batch> m_current;
 };
 
 } // namespace ado

@@ -68,16 +68,18 @@ bool hasRewrittenPart(const QString& text, Driver::Family family)
 
 } // namespace
 
-QString textForDriver(const QString& text, Driver::Family family)
+EncodedText textForDriver(const QString& text, Driver::Family family, bool restoresStandIns)
 {
     if (text.isEmpty())
         basic::raise(number::NoCommandText, u"Command text was not set for the command object."_s);
+    if (restoresStandIns)
+        return withStandIns(text);
     if (family == Driver::Family::FreeTds && text.contains(QChar(u'\0')))
         basic::raise(number::BadStatement,
                      u"The statement contains a NUL character, which cannot be sent to the server."_s);
     if (!hasRewrittenPart(text, family))
-        return text;
-    return "EXEC(N'"_L1 + QString(text).replace(u'\'', "''"_L1) + "')"_L1;
+        return {text, {}};
+    return {"EXEC(N'"_L1 + QString(text).replace(u'\'', "''"_L1) + "')"_L1, {}};
 }
 
 } // namespace ado

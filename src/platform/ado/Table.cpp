@@ -55,10 +55,10 @@ std::size_t Table::memoryUsed() const
 void Table::rowsAdded(qint64 count)
 {
     m_rowCount += count;
-    std::size_t bytes = 0;
+    m_openBytes = 0;
     for (const ColumnBuilder& builder : m_builders)
-        bytes += builder.bytes();
-    if (m_rowCount - m_sealedRows >= rowsPerBlock || bytes >= bytesPerBlock)
+        m_openBytes += builder.bytes();
+    if (m_rowCount - m_sealedRows >= rowsPerBlock || m_openBytes >= bytesPerBlock)
         closeBlock();
 }
 
@@ -67,7 +67,8 @@ void Table::closeBlock()
     Block block{m_sealedRows, {}};
     block.columns.reserve(m_builders.size());
     for (ColumnBuilder& builder : m_builders)
-        block.columns.push_back(builder.seal());
+        m_sealedBytes += block.columns.emplace_back(builder.seal()).memoryUsed();
+    m_openBytes = 0;
     m_blocks.push_back(std::move(block));
     m_sealedRows = m_rowCount;
 }

@@ -21,6 +21,8 @@ public:
     /// "" for a null; text and binary cut behind `limit` characters unless 0.
     [[nodiscard]] QString text(qint64 row, int column, qsizetype limit) const;
     [[nodiscard]] std::size_t memoryUsed() const;
+    /// Bytes of the rows added so far, at little cost; what they occupy in the end may be less.
+    [[nodiscard]] std::size_t bytesAdded() const { return m_sealedBytes + m_openBytes; }
 
     /// Where the values of new rows go: every column must get the same number, then rowsAdded() is told.
     [[nodiscard]] ColumnBuilder& builder(int column) { return m_builders[static_cast<std::size_t>(column)]; }
@@ -47,6 +49,8 @@ private:
     std::vector<Block> m_blocks;
     qint64 m_rowCount = 0;
     qint64 m_sealedRows = 0;
+    std::size_t m_sealedBytes = 0;
+    std::size_t m_openBytes = 0; ///< of the rows that no block holds yet
 };
 
 } // namespace ado
