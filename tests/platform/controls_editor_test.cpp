@@ -83,7 +83,7 @@ TEST(SqlEditors, ScrollsBackWhenALongLineHasGone)
     EXPECT_EQ(sidewaysScroll(editor), 0);
 }
 
-class ChildFocus : public ::testing::Test
+class FocusOfChildren : public ::testing::Test
 {
 protected:
     struct EditorForm : Form
@@ -110,6 +110,7 @@ protected:
         auto* form = new EditorForm; // its frame deletes it
         form->Show();
         form->editor->setFocus();
+        QTest::qWait(1);
         EXPECT_TRUE(form->editor->hasFocus());
         return form;
     }
@@ -122,7 +123,7 @@ protected:
     MdiForm main;
 };
 
-TEST_F(ChildFocus, KeysThatGoRoundTheChildrenLeaveTheFocusInTheirLastControl)
+TEST_F(FocusOfChildren, KeysThatGoRoundTheChildrenLeaveTheFocusInTheirLastControl)
 {
     const auto* one = open();
     for (const auto key : {Qt::Key_F6, Qt::Key_Tab}) {
@@ -133,13 +134,36 @@ TEST_F(ChildFocus, KeysThatGoRoundTheChildrenLeaveTheFocusInTheirLastControl)
     const auto* two = open();
     for (const auto key : {Qt::Key_F6, Qt::Key_Tab, Qt::Key_F6}) {
         QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return one->editor->hasFocus(); }, 500)) << "key " << key;
+        QTest::qWait(1);
+        EXPECT_TRUE(one->editor->hasFocus()) << "key " << key;
         QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return two->editor->hasFocus(); }, 500)) << "key " << key;
+        QTest::qWait(1);
+        EXPECT_TRUE(two->editor->hasFocus()) << "key " << key;
     }
 }
 
-TEST_F(ChildFocus, ClicksOnTitleBarsLeaveTheFocusInTheLastControl)
+TEST_F(FocusOfChildren, MaximisedChildrenTakeTheFocusToTheirLastControl)
+{
+    const auto* one = open();
+    auto* two = open();
+    two->setWindowStateValue(Form::Maximized);
+    QTest::qWait(1);
+    for (const auto key : {Qt::Key_F6, Qt::Key_Tab, Qt::Key_F6}) {
+        QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier);
+        QTest::qWait(1);
+        EXPECT_TRUE(one->editor->hasFocus()) << "key " << key;
+        QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier);
+        QTest::qWait(1);
+        EXPECT_TRUE(two->editor->hasFocus()) << "key " << key;
+    }
+    two->setWindowStateValue(Form::Minimized);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return one->editor->hasFocus(); }, 500));
+    two->setWindowStateValue(Form::Normal);
+    two->SetFocus();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return two->editor->hasFocus(); }, 500));
+}
+
+TEST_F(FocusOfChildren, ClicksOnTitleBarsLeaveTheFocusInTheLastControl)
 {
     const auto* one = open();
     const auto* two = open();
@@ -154,6 +178,9 @@ TEST_F(ChildFocus, ClicksOnTitleBarsLeaveTheFocusInTheLastControl)
         QTest::mouseClick(secondFrame, Qt::LeftButton, {}, titleBar(secondFrame));
         EXPECT_TRUE(QTest::qWaitFor([&] { return two->editor->hasFocus(); }, 500));
     }
+    QTest::mouseClick(one->top->viewport(), Qt::LeftButton, {}, {40, 10});
+    QTest::qWait(20);
+    EXPECT_TRUE(one->top->hasFocus()) << "a click chooses the control";
 }
 
 } // namespace controls
