@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QMdiArea>
+#include <QTimer>
 
 #include <utility>
 
@@ -29,9 +30,8 @@ bool ChildFocus::eventFilter(QObject* watched, QEvent* event)
 
 void ChildFocus::later()
 {
-    if (std::exchange(m_waiting, true))
-        return;
-    QMetaObject::invokeMethod(this, &ChildFocus::settle, Qt::QueuedConnection);
+    if (!std::exchange(m_waiting, true))
+        QTimer::singleShot(0, this, &ChildFocus::settle);
 }
 
 void ChildFocus::settle()
