@@ -133,10 +133,11 @@ TEST_F(Guiones, AltAndALetterNeverChangeAViewThatIsAccepted)
     Manda(u"DVGuiones"_s, u"Ver"_s, ::mdiPrincipal->mnuDiseño);
     auto* editor = ::frmVista->txtSQL;
     QTest::mouseClick(editor->viewport(), Qt::LeftButton, {}, {60, 10});
-    for (const char letra : {'a', 'q', 'v', '1'}) {
-        QKeyEvent tecla(QEvent::KeyPress, QChar::toUpper(static_cast<uint>(letra)), Qt::AltModifier,
-                        QString(QLatin1Char(letra)));
-        QApplication::sendEvent(editor, &tecla);
+    const QList<std::pair<int, QString>> teclas{
+        {Qt::Key_A, u"a"_s}, {Qt::Key_Q, u"q"_s}, {Qt::Key_V, u"v"_s}, {Qt::Key_1, u"1"_s}};
+    for (const auto& [tecla, texto] : teclas) {
+        QKeyEvent pulsacion(QEvent::KeyPress, tecla, Qt::AltModifier, texto);
+        QApplication::sendEvent(editor, &pulsacion);
     }
     EXPECT_EQ(editor->Text(), vista);
     auto* aceptar = ::frmVista->cmdAceptar;

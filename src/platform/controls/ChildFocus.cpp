@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QMdiArea>
-#include <QTimer>
 
 #include <utility>
 
@@ -13,6 +12,8 @@ ChildFocus::ChildFocus(QMdiArea* area) : QObject(area), m_area(area)
 {
     connect(qApp, &QApplication::focusChanged, this, &ChildFocus::later);
     connect(area, &QMdiArea::subWindowActivated, this, &ChildFocus::later);
+    m_turn.setSingleShot(true);
+    connect(&m_turn, &QTimer::timeout, this, &ChildFocus::settle);
     qApp->installEventFilter(this);
 }
 
@@ -20,7 +21,7 @@ ChildFocus::ChildFocus(QMdiArea* area) : QObject(area), m_area(area)
 // and the next key finds all settled.
 bool ChildFocus::eventFilter(QObject* watched, QEvent* event)
 {
-    if (m_waiting && (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress))
+    if (m_turn.isActive() && (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress))
         settle();
     if (event->type() == QEvent::FocusIn && watched->isWidgetType() &&
         static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason)
@@ -30,14 +31,12 @@ bool ChildFocus::eventFilter(QObject* watched, QEvent* event)
 
 void ChildFocus::later()
 {
-    if (!std::exchange(m_waiting, true))
-        QTimer::singleShot(0, this, &ChildFocus::settle);
+    m_turn.start();
 }
 
 void ChildFocus::settle()
 {
-    if (!std::exchange(m_waiting, false))
-        return;
+    m_turn.stop();
     QMdiSubWindow* active = m_area->activeSubWindow();
     if (!active)
         return;

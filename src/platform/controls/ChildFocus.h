@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QMdiSubWindow>
 #include <QPointer>
+#include <QTimer>
 
 class QMdiArea;
 
@@ -32,7 +33,7 @@ private:
     QMdiArea* m_area;
     QPointer<QMdiSubWindow> m_active;
     QHash<const QObject*, QPointer<QWidget>> m_last; ///< by frame
-    bool m_waiting = false;
+    QTimer m_turn; ///< runs from a move of the focus to the end of the step that moved it
 };
 
 } // namespace controls
