@@ -26,8 +26,12 @@ try {
     dialogo.ShowOpen();
     if (dialogo.FileName().trimmed().isEmpty())
         return;
-    const QString texto = LeeScript(dialogo.FileName());
-    ::frmAnalizadorConsultas->txtSQL->setText(texto);
+    const basic::InputFile archivo(dialogo.FileName()); // before the form, which may be made here
+    auto* txtSQL = ::frmAnalizadorConsultas->txtSQL;
+    const ScriptLeido leido = LeeScript(archivo);
+    txtSQL->setText(leido.texto);
+    if (leido.error)
+        throw basic::RuntimeError(*leido.error);
 } catch (...) {
     InformaError(u"mnuAbrir_Click"_s);
 }
@@ -38,7 +42,8 @@ try {
     dialogo.ShowSave();
     if (dialogo.FileName().trimmed().isEmpty())
         return;
-    EscribeScript(dialogo.FileName(), ::frmAnalizadorConsultas->txtSQL->Text());
+    basic::OutputFile archivo(dialogo.FileName());
+    EscribeScript(archivo, ::frmAnalizadorConsultas->txtSQL->Text());
 } catch (...) {
     InformaError(u"mnuGuardar_Click"_s);
 }

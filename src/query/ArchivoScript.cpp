@@ -1,11 +1,5 @@
 #include "query/ArchivoScript.h"
 
-#include "platform/basic/RuntimeError.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -50,20 +44,10 @@ QString ConLineasDeWindows(const QString& texto)
     return lineas;
 }
 
-[[noreturn]] void ErrorDeArchivo(const QString& nombre, QFileDevice::FileError error)
+/// Without the beginning of a line whose end was not read.
+QString SoloLineasEnteras(const QString& texto)
 {
-    const QFileInfo archivo(nombre);
-    if (archivo.isDir())
-        basic::raise(basic::error::PathFileAccess);
-    if (!archivo.absoluteDir().exists())
-        basic::raise(basic::error::PathNotFound);
-    if (error == QFileDevice::ResourceError)
-        basic::raise(basic::error::DiskFull);
-    if (error == QFileDevice::PermissionsError)
-        basic::raise(basic::error::PermissionDenied);
-    if (!archivo.exists())
-        basic::raise(basic::error::FileNotFound);
-    basic::raise(error == QFileDevice::OpenError ? basic::error::PathFileAccess : basic::error::DeviceIo);
+    return texto.left(texto.lastIndexOf(u'\n') + 1);
 }
 
 } // namespace
@@ -86,25 +70,18 @@ QByteArray BytesDeTexto(const QString& texto)
     return soloAscii ? texto.toLatin1() : QByteArray("\xEF\xBB\xBF") + texto.toUtf8();
 }
 
-QString LeeScript(const QString& nombre)
+ScriptLeido LeeScript(const basic::InputFile& archivo)
 {
-    QFile archivo(nombre);
-    if (!archivo.open(QIODevice::ReadOnly))
-        ErrorDeArchivo(nombre, archivo.error());
-    const QByteArray bytes = archivo.readAll();
-    if (archivo.error() != QFileDevice::NoError)
-        ErrorDeArchivo(nombre, archivo.error());
-    return ConLineasDeWindows(TextoDeBytes(bytes));
+    QByteArray bytes;
+    try {
+        archivo.readAll(bytes);
+    } catch (const basic::RuntimeError& error) {
+        return {ConLineasDeWindows(SoloLineasEnteras(TextoDeBytes(bytes))), error};
+    }
+    return {ConLineasDeWindows(TextoDeBytes(bytes)), std::nullopt};
 }
 
-void EscribeScript(const QString& nombre, const QString& texto)
+void EscribeScript(basic::OutputFile& archivo, const QString& texto)
 {
-    QSaveFile archivo(nombre);
-    archivo.setDirectWriteFallback(
-        true); // a folder that takes no new files may hold a file that can be written
-    if (!archivo.open(QIODevice::WriteOnly))
-        ErrorDeArchivo(nombre, archivo.error());
-    archivo.write(BytesDeTexto(texto + u"\r\n"_s));
-    if (!archivo.commit())
-        ErrorDeArchivo(nombre, archivo.error());
+    archivo.replace(BytesDeTexto(texto + u"\r\n"_s));
 }

@@ -1,8 +1,13 @@
 // Script files: bytes on disk to and from the query text.
 #pragma once
 
+#include "platform/basic/Files.h"
+#include "platform/basic/RuntimeError.h"
+
 #include <QByteArray>
 #include <QString>
+
+#include <optional>
 
 /// The text of a script's bytes. UTF-16 and UTF-8 by their marks, then UTF-8 when the bytes are well formed,
 /// else Latin-1 with the Windows additions.
@@ -12,10 +17,15 @@ QString TextoDeBytes(const QByteArray& bytes);
 /// code page read either kind back.
 QByteArray BytesDeTexto(const QString& texto);
 
-/// Reads a whole script; its lines end in CR LF, the last one too.
-/// @throws basic::RuntimeError 53, 70, 75, 76 or 57
-QString LeeScript(const QString& nombre);
+/// A script's text, with lines that end in CR LF, the last one too.
+struct ScriptLeido
+{
+    QString texto;
+    std::optional<basic::RuntimeError> error; ///< the text then holds the lines read before it
+};
 
-/// Writes the text and a line end, replacing the file only once all is written.
-/// @throws basic::RuntimeError 70, 75, 76, 61 or 57
-void EscribeScript(const QString& nombre, const QString& texto);
+ScriptLeido LeeScript(const basic::InputFile& archivo);
+
+/// Puts the text and a line end in the place of what the file holds.
+/// @throws basic::RuntimeError 61, 70 or 57; the file then holds its old text
+void EscribeScript(basic::OutputFile& archivo, const QString& texto);

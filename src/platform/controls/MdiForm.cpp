@@ -1,5 +1,6 @@
 #include "platform/controls/MdiForm.h"
 
+#include "platform/controls/ChildFocus.h"
 #include "platform/controls/LoadedWindows.h"
 
 #include <QCloseEvent>
@@ -32,6 +33,7 @@ MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(thi
     setCentralWidget(m_area);
     resize(1200, 760);
     connect(m_area, &QMdiArea::subWindowActivated, this, &MdiForm::childActivated);
+    new ChildFocus(m_area);
     // Beside Ctrl+W and Ctrl+Tab, the keys that multi-document windows have elsewhere.
     const auto* close = new QShortcut(Qt::CTRL | Qt::Key_F4, this);
     connect(close, &QShortcut::activated, m_area, &QMdiArea::closeActiveSubWindow);

@@ -65,6 +65,18 @@ Palette paletteFor(bool dark)
     return {0x0033b3, 0x00627a, 0xa31515, 0x1750a6, 0x3f7f3f, 0x404040};
 }
 
+/// Whether the key's text is no input, since Alt or Ctrl is held. Some systems report AltGr as both of them;
+/// it never gives a plain letter or digit.
+bool isCommand(const QKeyEvent& event)
+{
+    const bool alt = event.modifiers().testFlag(Qt::AltModifier);
+    const bool control = event.modifiers().testFlag(Qt::ControlModifier);
+    if (!alt || !control || event.text().isEmpty())
+        return alt || control;
+    const QChar typed = event.text().front();
+    return !typed.isPrint() || (typed.unicode() < 0x80 && typed.isLetterOrNumber());
+}
+
 } // namespace
 
 SqlEditor::SqlEditor(QWidget* parent) : QsciScintilla(parent), m_find(new QLineEdit(this))
@@ -87,6 +99,10 @@ SqlEditor::SqlEditor(QWidget* parent) : QsciScintilla(parent), m_find(new QLineE
     constexpr long edge = 60; // pixels
     SendScintilla(SCI_SETXCARETPOLICY, static_cast<unsigned long>(CARET_SLOP | CARET_EVEN), edge);
     connect(this, &QsciScintilla::linesChanged, this, &SqlEditor::fitLineNumbers);
+    connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+        if ((updated & SC_UPDATE_CONTENT) != 0)
+            leaveUnusedWidth();
+    });
     m_find->setObjectName(QStringLiteral("txtBuscar"));
     m_find->setClearButtonEnabled(true);
     m_find->installEventFilter(this);
@@ -107,11 +123,12 @@ void SqlEditor::setText(const QString& text)
     const QByteArray bytes = text.toUtf8();
     const bool readOnly = isReadOnly();
     setReadOnly(false);
-    beginUndoAction();
     clear();
     SendScintilla(SCI_ADDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
-    endUndoAction();
+    SendScintilla(SCI_EMPTYUNDOBUFFER);
     SendScintilla(SCI_GOTOPOS, 0UL);
+    SendScintilla(SCI_SETSCROLLWIDTH, 1UL);
+    SendScintilla(SCI_SETXOFFSET, 0UL);
     setReadOnly(readOnly);
 }
 
@@ -153,7 +170,14 @@ void SqlEditor::keyPressEvent(QKeyEvent* event)
     }
     if (const int code = keyCode(*event); code != 0)
         emit KeyDown(code, shiftState(event->modifiers()));
-    QsciScintilla::keyPressEvent(event);
+    if (!isCommand(*event)) {
+        QsciScintilla::keyPressEvent(event);
+        return;
+    }
+    QKeyEvent command(event->type(), event->key(), event->modifiers(), event->nativeScanCode(),
+                      event->nativeVirtualKey(), event->nativeModifiers(), QString(), event->isAutoRepeat());
+    QsciScintilla::keyPressEvent(&command);
+    event->setAccepted(command.isAccepted());
 }
 
 void SqlEditor::changeEvent(QEvent* event)
@@ -242,6 +266,24 @@ void SqlEditor::showFound(bool found)
     if (!found)
         colours.setColor(QPalette::Text, paletteFor(palette().color(QPalette::Base).lightness() < 128).text);
     m_find->setPalette(colours);
+}
+
+/// Scrolls back when no line in view reaches beyond the edge any more; the width kept for a long line that
+/// has gone is given up.
+void SqlEditor::leaveUnusedWidth()
+{
+    const long offset = SendScintilla(SCI_GETXOFFSET);
+    if (offset == 0)
+        return;
+    const long first = SendScintilla(SCI_GETFIRSTVISIBLELINE);
+    const long last = qMin(first + SendScintilla(SCI_LINESONSCREEN), static_cast<long>(lines()) - 1);
+    for (long line = first; line <= last; ++line) {
+        const long end = SendScintilla(SCI_GETLINEENDPOSITION, line);
+        if (SendScintilla(SCI_POINTXFROMPOSITION, 0UL, end) + offset > viewport()->width())
+            return;
+    }
+    SendScintilla(SCI_SETSCROLLWIDTH, 1UL);
+    SendScintilla(SCI_SETXOFFSET, 0UL);
 }
 
 void SqlEditor::fitLineNumbers()

@@ -9,7 +9,7 @@ namespace controls {
 
 /// The text is kept as it was given, line ends of any kind included; Enter types a carriage return and a
 /// line feed. Tab types a tab; F6 and Shift+F6 move the focus on and back. Ctrl+F opens the find bar, F3 and
-/// Shift+F3 look on and back.
+/// Shift+F3 look on and back. A letter typed with Alt or Ctrl is a command and not text; AltGr types.
 class SqlEditor : public QsciScintilla
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ public:
     explicit SqlEditor(QWidget* parent = nullptr);
 
     [[nodiscard]] QString Text() const;
-    /// The cursor goes to the beginning.
+    /// The cursor goes to the beginning, and a new history begins: undo doesn't bring the old text back.
     void setText(const QString& text) override;
     [[nodiscard]] QString SelText() const { return selectedText(); }
 
@@ -40,6 +40,7 @@ private:
     void openFind();
     void placeFind();
     void showFound(bool found);
+    void leaveUnusedWidth();
     void fitLineNumbers();
 
     QLineEdit* m_find;
