@@ -193,6 +193,7 @@ void DataGrid::closeEditor()
         if (editor->hasFocus())
             setFocus(Qt::OtherFocusReason);
         editor->hide();
+        editor->setObjectName(QString());
         editor->deleteLater(); // it may be the one that is telling us of a key
     }
     markPlace();

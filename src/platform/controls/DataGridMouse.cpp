@@ -183,7 +183,8 @@ void DataGrid::focusLeft(Qt::FocusReason reason)
 
 bool DataGrid::hasFocusInside() const
 {
-    const QWidget* const focused = QApplication::focusWidget();
+    // The window's own: the application has none while a message box goes.
+    const QWidget* const focused = window()->focusWidget();
     return focused && (focused == this || focused == m_edit.editor);
 }
 
