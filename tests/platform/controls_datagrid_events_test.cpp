@@ -186,7 +186,7 @@ TEST_F(DataGrids, AHandlerOfLostFocusMayTakeItBackAndTheEditGoesOn)
     go(1, 1);
     QObject::connect(grid, &DataGrid::LostFocus, [this] {
         QDialog question(&window);
-        QTimer::singleShot(20, &question, &QDialog::accept);
+        QTimer::singleShot(20, qApp, [&] { question.accept(); });
         question.exec();
         note("asked");
         grid->Columns(1).setText("1");
@@ -211,7 +211,7 @@ TEST_F(DataGrids, AQuestionInTheUpdateStoresOnceAndWhatIsAnswered)
     int asked = 0;
     QObject::connect(grid, &DataGrid::BeforeColUpdate, [&] {
         QDialog question(&window);
-        QTimer::singleShot(20, &question, &QDialog::accept);
+        QTimer::singleShot(20, qApp, [&] { question.accept(); });
         question.exec();
         ++asked;
     });
@@ -328,6 +328,25 @@ TEST_F(DataGrids, ARebindInTheUpdateGivesTheEditUp)
     press(Qt::Key_Down);
     EXPECT_EQ(cells.at(1, 1), "b1");
     EXPECT_EQ(place(), "1,1");
+}
+
+TEST_F(DataGrids, APageThatHidesTheGridIsALossAndAFormThatClosesIsNone)
+{
+    open();
+    go(1, 1);
+    record();
+    type("9");
+    log.clear();
+    grid->hide();
+    EXPECT_EQ(taken(), QStringList({"LostFocus editing 1", "BeforeColUpdate 1 old b1 9/b1",
+                                    "AfterColUpdate 1 9/9", "AfterColEdit 1 9/9"}));
+    grid->show();
+    grid->SetFocus();
+    type("8");
+    log.clear();
+    window.close();
+    EXPECT_EQ(taken(), QStringList()) << "a form stores what is pending before it goes";
+    EXPECT_EQ(cells.at(1, 1), "9");
 }
 
 /// The grid goes in the handler of each event in turn.

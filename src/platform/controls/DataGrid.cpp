@@ -26,6 +26,8 @@ DataGrid::DataGrid(QWidget* parent)
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setAutoScroll(false);
     setWordWrap(false);
+    setTabKeyNavigation(false); // focusNextPrevChild() has its own way
+    setShowGrid(false);         // the cells draw their own lines, which show on a dark palette too
     setCornerButtonEnabled(false);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
@@ -33,16 +35,8 @@ DataGrid::DataGrid(QWidget* parent)
     connect(m_model, &QAbstractItemModel::modelReset, this, &DataGrid::keepPlace);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &DataGrid::placeEditor);
     connect(m_list, &ValueListPopup::chosen, this, [this](const QString& text) { setPendingText(text); });
-    connect(m_list, &ValueListPopup::keyTyped, this, [this](QKeyEvent* event) {
-        const QPointer<DataGrid> self(this);
-        if (!takeKey(*event) && self && m_edit.editor)
-            QCoreApplication::sendEvent(m_edit.editor, event);
-        if (self && m_edit.editor)
-            m_list->setCurrentRow(
-                m_model->column(m_edit.place.column).items.indexOfStart(m_edit.editor->text()));
-        else if (self)
-            m_list->hide();
-    });
+    connect(m_list, &ValueListPopup::keyTyped, this, &DataGrid::keyInList);
+    connect(this, &DataGrid::currentMovedByReader, this, &DataGrid::followReader, Qt::QueuedConnection);
 }
 
 DataGrid::~DataGrid()
@@ -273,18 +267,16 @@ void DataGrid::currentChanged(const QModelIndex& current, const QModelIndex& pre
     QTableView::currentChanged(current, previous);
     if (m_marking || !current.isValid())
         return;
-    // A screen reader moves the view's current cell by itself.
-    const Place wanted{current.row(), current.column()};
-    QMetaObject::invokeMethod(
-        this,
-        [this, wanted] {
-            const QPointer<DataGrid> self(this);
-            if (!outside(wanted))
-                moveTo(wanted);
-            if (self)
-                markPlace();
-        },
-        Qt::QueuedConnection);
+    emit currentMovedByReader(current.row(), current.column());
+}
+
+void DataGrid::followReader(int row, int column)
+{
+    const QPointer<DataGrid> self(this);
+    if (!outside({row, column}))
+        moveTo({row, column});
+    if (self)
+        markPlace();
 }
 
 void DataGrid::showEvent(QShowEvent* event)

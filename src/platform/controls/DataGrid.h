@@ -174,6 +174,8 @@ signals:
     /// In pixels of the viewport.
     void MouseDown(int button, int shift, int x, int y);
     void LostFocus();
+    /// A screen reader moved the view's current cell by itself; the grid follows with its events.
+    void currentMovedByReader(int row, int column);
 
 public:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -227,6 +229,7 @@ private:
     void markPlace();
     [[nodiscard]] int shownColumn(int from, int step, bool unlockedOnly) const;
     void setMinimumWidth(int column);
+    void followReader(int row, int column);
 
     // the edit
     [[nodiscard]] bool canEdit() const;
@@ -254,6 +257,7 @@ private:
     bool keyInCell(const QKeyEvent& event);
     bool keyInEditor(const QKeyEvent& event);
     bool keyAnywhere(const QKeyEvent& event);
+    void keyInList(QKeyEvent* event);
     void typeText(const QString& text, int key);
     void goOn();
     bool tabTo(int step);

@@ -14,6 +14,9 @@ namespace {
 constexpr int textMargin = 4;
 constexpr int rowPadding = 6;
 constexpr int pictureMargin = 2;
+constexpr int percent = 100;
+constexpr int boxStrength = 45;  // percent
+constexpr int gridStrength = 18; // percent
 
 QStyle* styleOf(const QStyleOptionViewItem& option)
 {
@@ -25,6 +28,18 @@ QPalette::ColorGroup groupOf(const QStyleOptionViewItem& option)
     return option.state.testFlag(QStyle::State_Enabled) ? QPalette::Active : QPalette::Disabled;
 }
 
+/// Between the text's colour and the ground's: seen on any palette, where the style's own lines may not be.
+QColor lineColour(const QPalette& palette, QPalette::ColorGroup group, int strength)
+{
+    const QColor text = palette.color(group, QPalette::Text);
+    const QColor base = palette.color(group, QPalette::Base);
+    const auto blend = [strength](int over, int under) {
+        return (over * strength + under * (percent - strength)) / percent;
+    };
+    return {blend(text.red(), base.red()), blend(text.green(), base.green()),
+            blend(text.blue(), base.blue())};
+}
+
 void paintTick(QPainter* painter, const QStyleOptionViewItem& option, const QRect& place, bool ticked)
 {
     QStyleOptionButton box;
@@ -32,6 +47,8 @@ void paintTick(QPainter* painter, const QStyleOptionViewItem& option, const QRec
     box.palette = option.palette;
     box.state = (option.state & QStyle::State_Enabled) | (ticked ? QStyle::State_On : QStyle::State_Off);
     styleOf(option)->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, painter, option.widget);
+    painter->setPen(lineColour(option.palette, groupOf(option), boxStrength));
+    painter->drawRect(place.adjusted(0, 0, -1, -1));
 }
 
 } // namespace
@@ -106,6 +123,9 @@ void DataGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         painter->drawText(content, static_cast<int>(shape.alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
                           option.fontMetrics.elidedText(text, Qt::ElideRight, content.width()));
     }
+    painter->setPen(lineColour(option.palette, group, gridStrength));
+    painter->drawLine(option.rect.topRight(), option.rect.bottomRight());
+    painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
     if (current && !focused) {
         painter->setPen(colour(QPalette::Highlight));
         painter->drawRect(option.rect.adjusted(0, 0, -1, -1));

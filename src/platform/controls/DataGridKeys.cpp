@@ -2,6 +2,7 @@
 #include "platform/controls/DataGrid.h"
 #include "platform/controls/DataGridModel.h"
 #include "platform/controls/Keys.h"
+#include "platform/controls/ValueListPopup.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
@@ -203,6 +204,21 @@ bool DataGrid::keyInCell(const QKeyEvent& event)
     return false;
 }
 
+/// A key typed over the open list.
+void DataGrid::keyInList(QKeyEvent* event)
+{
+    const QPointer<DataGrid> self(this);
+    const bool taken = takeKey(*event);
+    if (!self)
+        return;
+    if (!taken && m_edit.editor)
+        QCoreApplication::sendEvent(m_edit.editor, event);
+    if (m_edit.editor)
+        m_list->setCurrentRow(m_model->column(m_edit.place.column).items.indexOfStart(m_edit.editor->text()));
+    else
+        m_list->hide();
+}
+
 /// To the next column that can be edited, in this row or the next one that is there. False at the end, with
 /// the pending edit stored, for the focus to go on.
 bool DataGrid::tabTo(int step)
@@ -265,11 +281,13 @@ void DataGrid::moveByKey(int key, bool control)
 
 bool DataGrid::focusNextPrevChild(bool next)
 {
+    if (!isVisible() || !isEnabled()) // the focus is sent on, no key was pressed
+        return QTableView::focusNextPrevChild(next);
     const QPointer<DataGrid> self(this);
     QKeyEvent key(QEvent::KeyPress, next ? Qt::Key_Tab : Qt::Key_Backtab, Qt::NoModifier);
     if (takeKey(key))
         return true;
-    return self && QWidget::focusNextPrevChild(next);
+    return self && QTableView::focusNextPrevChild(next);
 }
 
 /// A composed text starts an edit like a typed character.
@@ -319,7 +337,7 @@ bool DataGrid::eventFilter(QObject* watched, QEvent* event)
             return true;
         if (key->key() != Qt::Key_Tab && key->key() != Qt::Key_Backtab)
             return false;
-        QWidget::focusNextPrevChild(key->key() == Qt::Key_Tab);
+        QTableView::focusNextPrevChild(key->key() == Qt::Key_Tab);
         return true;
     }
     case QEvent::ShortcutOverride:

@@ -19,6 +19,7 @@ constexpr int sideMargin = 12;
 ValueListPopup::ValueListPopup(QWidget* parent) : QListWidget(parent)
 {
     setWindowFlags(Qt::Popup);
+    setFrameStyle(QFrame::Box | QFrame::Plain);
     setUniformItemSizes(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setMouseTracking(true);
