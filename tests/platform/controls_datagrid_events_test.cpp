@@ -2,10 +2,23 @@
 #include "controls_datagrid.h"
 
 #include <QDialog>
-#include <QPushButton>
 #include <QTimer>
 
 namespace controls {
+
+namespace {
+
+/// A modal question that is answered at once.
+void ask(QWidget* parent)
+{
+    QDialog question(parent);
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, &question, &QDialog::accept);
+    answer.start(20);
+    question.exec();
+}
+
+} // namespace
 
 TEST_F(DataGrids, AnEditTellsItsEventsInOrderWithTheTextsOfTheTime)
 {
@@ -185,9 +198,7 @@ TEST_F(DataGrids, AHandlerOfLostFocusMayTakeItBackAndTheEditGoesOn)
     open();
     go(1, 1);
     QObject::connect(grid, &DataGrid::LostFocus, [this] {
-        QDialog question(&window);
-        QTimer::singleShot(20, qApp, [&] { question.accept(); });
-        question.exec();
+        ask(&window);
         note("asked");
         grid->Columns(1).setText("1");
         grid->SetFocus();
@@ -210,9 +221,7 @@ TEST_F(DataGrids, AQuestionInTheUpdateStoresOnceAndWhatIsAnswered)
     go(1, 1);
     int asked = 0;
     QObject::connect(grid, &DataGrid::BeforeColUpdate, [&] {
-        QDialog question(&window);
-        QTimer::singleShot(20, qApp, [&] { question.accept(); });
-        question.exec();
+        ask(&window);
         ++asked;
     });
     type("9");
