@@ -16,12 +16,13 @@ struct ArrayChange
     enum class Kind
     {
         Reshaped,
-        Cell
+        Cell,
+        Destroyed ///< the array is about to go; it must not be read any more
     };
 
     Kind kind;
-    int row = -1;    ///< of the cell; -1 when reshaped
-    int column = -1; ///< of the cell; -1 when reshaped
+    int row = -1;    ///< of the cell; -1 for the array as a whole
+    int column = -1; ///< of the cell; -1 for the array as a whole
 };
 
 /// Keeps a listener registered for as long as it lives; it may outlive the array.
@@ -77,7 +78,7 @@ public:
         notify({ArrayChange::Kind::Reshaped});
         return *this;
     }
-    ~BoundedArray2() = default;
+    ~BoundedArray2() { notify({ArrayChange::Kind::Destroyed}); }
 
     /// Sets the upper bounds and clears every element. -1 leaves the dimension without elements; less
     /// raises error 9.
