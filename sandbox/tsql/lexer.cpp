@@ -115,28 +115,28 @@ std::string Token::content() const
 
 void Lexer::resumeAfter(const Token& token, bool quotedIdentifier)
 {
-    m_position = token.end;
-    m_line = token.line;
-    m_quotedIdentifier = quotedIdentifier;
+    position_ = token.end;
+    line_ = token.line;
+    quotedIdentifier_ = quotedIdentifier;
 }
 
 void Lexer::skipBlanks()
 {
-    while (m_position < m_text.size()) {
-        const char c = m_text[m_position];
+    while (position_ < text_.size()) {
+        const char c = text_[position_];
         if (static_cast<std::uint8_t>(c) <= ' ') {
-            m_line += c == '\n';
-            ++m_position;
+            line_ += c == '\n';
+            ++position_;
         } else if (c == '-' && at(1) == '-') {
-            m_position = std::min(m_text.find('\n', m_position), m_text.size());
+            position_ = std::min(text_.find('\n', position_), text_.size());
         } else if (c == '/' && at(1) == '*') {
             skipComment();
         } else if (static_cast<std::uint8_t>(c) >= 0x80) {
             std::size_t next = 0;
-            const UChar32 character = characterAt(m_text, m_position, next);
+            const UChar32 character = characterAt(text_, position_, next);
             if (character != 0xFEFF && (character < 0 || !u_isUWhiteSpace(character)))
                 return;
-            m_position = next;
+            position_ = next;
         } else {
             return;
         }
@@ -145,18 +145,18 @@ void Lexer::skipBlanks()
 
 void Lexer::skipComment()
 {
-    const std::uint32_t line = m_line;
+    const std::uint32_t line = line_;
     std::size_t depth = 0;
     do {
-        if (m_position >= m_text.size())
+        if (position_ >= text_.size())
             throw SyntaxError{113, "Missing end comment mark '*/'.", static_cast<int>(line), 1};
-        const char c = m_text[m_position];
+        const char c = text_[position_];
         const bool opens = c == '/' && at(1) == '*';
         const bool closes = c == '*' && at(1) == '/';
         depth += opens;
         depth -= closes;
-        m_line += c == '\n';
-        m_position += opens || closes ? 2 : 1;
+        line_ += c == '\n';
+        position_ += opens || closes ? 2 : 1;
     } while (depth > 0);
 }
 
@@ -164,34 +164,34 @@ Token Lexer::take(TokenKind kind, std::size_t length)
 {
     Token token;
     token.kind = kind;
-    token.begin = static_cast<std::uint32_t>(m_position);
-    token.end = static_cast<std::uint32_t>(m_position + length);
-    token.line = m_line;
-    token.text = m_text.substr(m_position, length);
-    m_position += length;
+    token.begin = static_cast<std::uint32_t>(position_);
+    token.end = static_cast<std::uint32_t>(position_ + length);
+    token.line = line_;
+    token.text = text_.substr(position_, length);
+    position_ += length;
     return token;
 }
 
 Token Lexer::quoted(TokenKind kind, std::size_t prefix, char close)
 {
-    std::size_t end = m_position + prefix;
+    std::size_t end = position_ + prefix;
     while (true) {
-        end = m_text.find(close, end);
+        end = text_.find(close, end);
         if (end == std::string_view::npos) {
             const std::string_view rest =
-                leadingCharacters(m_text.substr(m_position + prefix), longestQuotedText);
+                leadingCharacters(text_.substr(position_ + prefix), longestQuotedText);
             throw SyntaxError{
                 105, "Unclosed quotation mark after the character string '" + std::string(rest) + "'.",
-                static_cast<int>(m_line), 1};
+                static_cast<int>(line_), 1};
         }
-        if (end + 1 >= m_text.size() || m_text[end + 1] != close)
+        if (end + 1 >= text_.size() || text_[end + 1] != close)
             break;
         end += 2;
     }
-    Token token = take(kind, end + 1 - m_position);
+    Token token = take(kind, end + 1 - position_);
     token.text = token.text.substr(prefix, token.text.size() - prefix - 1);
     token.quote = close;
-    m_line += static_cast<std::uint32_t>(std::ranges::count(token.text, '\n'));
+    line_ += static_cast<std::uint32_t>(std::ranges::count(token.text, '\n'));
     if (kind == TokenKind::QuotedName)
         checkNameLength(token);
     return token;
@@ -267,14 +267,14 @@ Token Lexer::binary()
 
 std::size_t Lexer::nameLength(std::size_t from) const
 {
-    std::size_t position = m_position + from;
-    while (position < m_text.size()) {
+    std::size_t position = position_ + from;
+    while (position < text_.size()) {
         std::size_t next = position;
-        if (!continuesName(characterAt(m_text, position, next)))
+        if (!continuesName(characterAt(text_, position, next)))
             break;
         position = next;
     }
-    return position - m_position;
+    return position - position_;
 }
 
 Token Lexer::word(TokenKind kind, std::size_t prefix)
@@ -288,19 +288,19 @@ Token Lexer::word(TokenKind kind, std::size_t prefix)
 std::size_t Lexer::currencyLength() const
 {
     std::size_t next = 0;
-    const UChar32 character = characterAt(m_text, m_position, next);
-    return character > 0 && u_charType(character) == U_CURRENCY_SYMBOL ? next - m_position : 0;
+    const UChar32 character = characterAt(text_, position_, next);
+    return character > 0 && u_charType(character) == U_CURRENCY_SYMBOL ? next - position_ : 0;
 }
 
 Token Lexer::symbol()
 {
-    const std::string_view rest = m_text.substr(m_position, 2);
+    const std::string_view rest = text_.substr(position_, 2);
     const auto found =
         std::ranges::find_if(symbols, [&](const SymbolText& s) { return rest.starts_with(s.text); });
     if (found == symbols.end()) {
         std::size_t next = 0;
-        characterAt(m_text, m_position, next);
-        return take(TokenKind::Symbol, next - m_position);
+        characterAt(text_, position_, next);
+        return take(TokenKind::Symbol, next - position_);
     }
     Token token = take(TokenKind::Symbol, found->text.size());
     token.symbol = found->symbol;
@@ -310,9 +310,9 @@ Token Lexer::symbol()
 Token Lexer::next()
 {
     skipBlanks();
-    if (m_position >= m_text.size())
+    if (position_ >= text_.size())
         return take(TokenKind::End, 0);
-    const char c = m_text[m_position];
+    const char c = text_[position_];
     if (c == '0' && (at(1) == 'x' || at(1) == 'X'))
         return binary();
     if (isDigit(c) || (c == '.' && isDigit(at(1))))
@@ -324,13 +324,13 @@ Token Lexer::next()
     if (c == '[')
         return quoted(TokenKind::QuotedName, 1, ']');
     if (c == '"')
-        return quoted(m_quotedIdentifier ? TokenKind::QuotedName : TokenKind::String, 1, '"');
+        return quoted(quotedIdentifier_ ? TokenKind::QuotedName : TokenKind::String, 1, '"');
     if (c == '@')
         return word(TokenKind::Variable, 1);
     std::size_t next = 0;
-    if (c == '$' && u_isalpha(characterAt(m_text, std::min(m_position + 1, m_text.size() - 1), next)))
+    if (c == '$' && u_isalpha(characterAt(text_, std::min(position_ + 1, text_.size() - 1), next)))
         return word(TokenKind::Word, 1);
-    if (startsName(characterAt(m_text, m_position, next)))
+    if (startsName(characterAt(text_, position_, next)))
         return word(TokenKind::Word, 0);
     if (const std::size_t currency = currencyLength())
         return money(currency);

@@ -85,8 +85,7 @@ struct Token
 class Lexer
 {
 public:
-    Lexer(std::string_view text, bool quotedIdentifier) : m_text(text), m_quotedIdentifier(quotedIdentifier)
-    {}
+    Lexer(std::string_view text, bool quotedIdentifier) : text_(text), quotedIdentifier_(quotedIdentifier) {}
 
     /// The next token; End again and again at the end.
     /// @throws SyntaxError 103, 105, 113, 1038
@@ -100,7 +99,7 @@ private:
     void skipComment();
     [[nodiscard]] char at(std::size_t offset) const
     {
-        return m_position + offset < m_text.size() ? m_text[m_position + offset] : '\0';
+        return position_ + offset < text_.size() ? text_[position_ + offset] : '\0';
     }
     [[nodiscard]] Token quoted(TokenKind kind, std::size_t prefix, char close);
     [[nodiscard]] Token number();
@@ -113,10 +112,10 @@ private:
     [[nodiscard]] std::size_t currencyLength() const;
     void checkNameLength(const Token& token) const;
 
-    std::string_view m_text;
-    std::size_t m_position = 0;
-    std::uint32_t m_line = 1;
-    bool m_quotedIdentifier;
+    std::string_view text_;
+    std::size_t position_ = 0;
+    std::uint32_t line_ = 1;
+    bool quotedIdentifier_;
 };
 
 } // namespace practice

@@ -245,7 +245,7 @@ ExpressionPtr QueryParser::existsCondition()
     auto node = std::make_unique<ast::Exists>();
     node->query = subqueryRest();
     auto result = finish(std::move(node), start);
-    raiseHeight(*result, m_queryHeight + 1);
+    raiseHeight(*result, queryHeight_ + 1);
     return result;
 }
 

@@ -7,7 +7,7 @@ using ast::StatementPtr;
 
 StatementPtr StatementParser::withStatement()
 {
-    if (m_afterOpenEnd) {
+    if (afterOpenEnd_) {
         fail(319, "Incorrect syntax near the keyword '" + current().content() +
                       "'. If this statement is a common table expression, an xmlnamespaces clause or a "
                       "change tracking "

@@ -12,7 +12,7 @@ void QueryParser::raiseHeight(ast::Expression& node, int height)
     if (height > maxTreeHeight)
         failTooDeep();
     node.height = static_cast<std::uint16_t>(std::max<int>(node.height, height));
-    m_tallest = std::max(m_tallest, height);
+    tallest_ = std::max(tallest_, height);
 }
 
 void QueryParser::place(ast::Expression& node, const ast::SourceRange& start,
@@ -221,7 +221,7 @@ ExpressionPtr QueryParser::comparison(ExpressionPtr left)
         node->left = std::move(left);
         node->query = subqueryRest();
         auto result = finish(std::move(node), start);
-        raiseHeight(*result, std::max(height, m_queryHeight) + 1);
+        raiseHeight(*result, std::max(height, queryHeight_) + 1);
         return result;
     }
     auto node = std::make_unique<ast::Comparison>();
@@ -297,7 +297,7 @@ ExpressionPtr QueryParser::inList(ExpressionPtr operand, bool negated)
     }
     const bool hasQuery = node->query != nullptr;
     auto result = finish(std::move(node), start);
-    raiseHeight(*result, (hasQuery ? std::max(tallest, m_queryHeight) : tallest) + 1);
+    raiseHeight(*result, (hasQuery ? std::max(tallest, queryHeight_) : tallest) + 1);
     return result;
 }
 
@@ -433,14 +433,14 @@ ExpressionPtr QueryParser::parenthesised(bool conditionAllowed)
         auto node = std::make_unique<ast::Subquery>();
         node->query = subqueryRest();
         inner = finish(std::move(node), start);
-        raiseHeight(*inner, m_queryHeight + 1);
+        raiseHeight(*inner, queryHeight_ + 1);
     } else {
         inner = operators(conditionAllowed ? Level::Or : Level::Add, conditionAllowed);
         // ((SELECT ...) UNION SELECT ...): what looked like a value was the first operand of a query.
         if (atSetOperator() && inner->kind == ast::ExpressionKind::Subquery) {
             auto& subquery = static_cast<ast::Subquery&>(*inner);
             subquery.query = continued(std::move(subquery.query));
-            raiseHeight(*inner, m_queryHeight + 1);
+            raiseHeight(*inner, queryHeight_ + 1);
         }
         expect(Symbol::Close);
     }

@@ -9,7 +9,7 @@ using ast::StatementPtr;
 void StatementParser::requireFirst(ast::DefinitionMode mode, std::string_view what,
                                    const ast::SourceRange& start) const
 {
-    if (m_first)
+    if (first_)
         return;
     // Procedures have one message for both.
     const std::string_view verb = what == "PROCEDURE"                  ? "CREATE/ALTER"

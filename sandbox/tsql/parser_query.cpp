@@ -16,16 +16,16 @@ QueryPtr QueryParser::queryPtr(QueryPlace place)
 ast::Query QueryParser::query(QueryPlace place)
 {
     const Nesting nesting(*this);
-    const int outerTallest = std::exchange(m_tallest, 0);
-    const int outerTables = std::exchange(m_tables, 0);
+    const int outerTallest = std::exchange(tallest_, 0);
+    const int outerTables = std::exchange(tables_, 0);
     const auto start = here();
     ast::Query result;
     result.body = unions();
     queryTail(result, place);
     result.source = since(start);
-    m_queryHeight = m_tallest;
-    m_tallest = std::max(m_tallest, outerTallest);
-    m_tables = outerTables;
+    queryHeight_ = tallest_;
+    tallest_ = std::max(tallest_, outerTallest);
+    tables_ = outerTables;
     return result;
 }
 
@@ -39,13 +39,13 @@ QueryPtr QueryParser::subqueryRest()
 QueryPtr QueryParser::continued(QueryPtr first)
 {
     const auto start = first->source;
-    const int height = m_queryHeight;
+    const int height = queryHeight_;
     auto result = std::make_unique<ast::Query>();
     // INTERSECT binds tighter, so it is looked for first.
     result->body = unionsAfter(intersectionsAfter(std::move(first->body)), 0);
     queryTail(*result, QueryPlace::Nested);
     result->source = since(start);
-    m_queryHeight = std::max(height, m_tallest);
+    queryHeight_ = std::max(height, tallest_);
     return result;
 }
 
@@ -260,7 +260,7 @@ std::unique_ptr<ast::SelectBlock> QueryParser::selectBlock()
     if (accept(Keyword::Into))
         block->into = objectName();
     if (accept(Keyword::From)) {
-        m_tables = 0;
+        tables_ = 0;
         block->from = tableSources();
     }
     if (accept(Keyword::Where))

@@ -11,7 +11,7 @@ using ast::StatementPtr;
 ast::Batch StatementParser::batch()
 {
     ast::Batch result;
-    for (skipSemicolons(); !atEnd(); m_openEnd = !skipSemicolons())
+    for (skipSemicolons(); !atEnd(); openEnd_ = !skipSemicolons())
         result.statements.push_back(statement());
     return result;
 }
@@ -28,10 +28,10 @@ ast::StatementList StatementParser::statementList()
 {
     ast::StatementList list;
     skipSemicolons();
-    m_openEnd = false;
+    openEnd_ = false;
     do {
         list.push_back(statement());
-        m_openEnd = !skipSemicolons();
+        openEnd_ = !skipSemicolons();
     } while (!at(Keyword::End) && !atEnd());
     return list;
 }
@@ -42,7 +42,7 @@ ast::StatementList StatementParser::restOfBatch()
     skipSemicolons();
     do {
         list.push_back(statement());
-        m_openEnd = !skipSemicolons();
+        openEnd_ = !skipSemicolons();
     } while (!atEnd());
     return list;
 }
@@ -51,8 +51,8 @@ StatementPtr StatementParser::statement()
 {
     const Nesting nesting(*this);
     const auto start = here();
-    m_first = std::exchange(m_untouched, false);
-    m_afterOpenEnd = std::exchange(m_openEnd, false);
+    first_ = std::exchange(untouched_, false);
+    afterOpenEnd_ = std::exchange(openEnd_, false);
     StatementPtr result = dispatch();
     result->source = since(start);
     return result;
@@ -164,7 +164,7 @@ StatementPtr StatementParser::wordStatement()
         return throwStatement();
     if ((atWord("ENABLE") || atWord("DISABLE")) && peek().keyword == Keyword::Trigger)
         return enableTrigger();
-    if (m_first && (atIdentifier() || at(Symbol::Dot)))
+    if (first_ && (atIdentifier() || at(Symbol::Dot)))
         return bareCall();
     fail();
 }

@@ -116,7 +116,7 @@ TableSourcePtr QueryParser::oneJoin(TableSourcePtr left)
 
 TableSourcePtr QueryParser::tableSource()
 {
-    if (++m_tables > maxTables)
+    if (++tables_ > maxTables)
         fail(106, "Too many table names in the query. The maximum allowable is 256.");
     const auto start = here();
     if (at(Symbol::Open)) {

@@ -161,9 +161,9 @@ private:
     [[nodiscard]] std::vector<std::string> hints();
     void tableAlias(ast::TableSource& source, bool columns);
 
-    int m_tables = 0;      ///< in the FROM being read
-    int m_tallest = 0;     ///< expression since the innermost query began
-    int m_queryHeight = 0; ///< of the query that ended last
+    int tables_ = 0;      ///< in the FROM being read
+    int tallest_ = 0;     ///< expression since the innermost query began
+    int queryHeight_ = 0; ///< of the query that ended last
 };
 
 } // namespace practice

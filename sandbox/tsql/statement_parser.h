@@ -156,10 +156,10 @@ private:
     [[nodiscard]] ast::StatementPtr alterSchema();
     [[nodiscard]] ast::StatementPtr alterAuthorization();
 
-    bool m_untouched = true;     ///< no statement of the batch has begun
-    bool m_first = false;        ///< the statement that begins is the batch's first
-    bool m_openEnd = false;      ///< the statement before ended without a semicolon
-    bool m_afterOpenEnd = false; ///< the same, of the statement that begins
+    bool untouched_ = true;     ///< no statement of the batch has begun
+    bool first_ = false;        ///< the statement that begins is the batch's first
+    bool openEnd_ = false;      ///< the statement before ended without a semicolon
+    bool afterOpenEnd_ = false; ///< the same, of the statement that begins
 };
 
 } // namespace practice

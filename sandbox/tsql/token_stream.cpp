@@ -24,14 +24,14 @@ std::string upperCase(std::string_view text)
 }
 
 TokenStream::TokenStream(std::string_view text, bool quotedIdentifier)
-    : m_lexer(text, quotedIdentifier), m_current(m_lexer.next())
+    : lexer_(text, quotedIdentifier), current_(lexer_.next())
 {}
 
 const Token& TokenStream::peek(std::size_t distance)
 {
-    while (m_ahead.size() < distance)
-        m_ahead.push_back(m_lexer.next());
-    return m_ahead[distance - 1];
+    while (ahead_.size() < distance)
+        ahead_.push_back(lexer_.next());
+    return ahead_[distance - 1];
 }
 
 bool TokenStream::isWord(const Token& token, std::string_view word)
@@ -49,14 +49,14 @@ bool TokenStream::isIdentifier(const Token& token)
 
 Token TokenStream::advance()
 {
-    m_previous = m_current;
-    if (m_ahead.empty()) {
-        m_current = m_lexer.next();
+    previous_ = current_;
+    if (ahead_.empty()) {
+        current_ = lexer_.next();
     } else {
-        m_current = m_ahead.front();
-        m_ahead.pop_front();
+        current_ = ahead_.front();
+        ahead_.pop_front();
     }
-    return m_previous;
+    return previous_;
 }
 
 bool TokenStream::accept(Symbol symbol)
@@ -105,7 +105,7 @@ bool TokenStream::acceptWords(std::initializer_list<std::string_view> words)
 {
     std::size_t distance = 0;
     for (const std::string_view word : words) {
-        if (!isWord(distance == 0 ? m_current : peek(distance), word))
+        if (!isWord(distance == 0 ? current_ : peek(distance), word))
             return false;
         ++distance;
     }
@@ -117,9 +117,9 @@ bool TokenStream::acceptWords(std::initializer_list<std::string_view> words)
 void TokenStream::setQuotedIdentifier(bool on)
 {
     // What was read ahead was read under the old rule.
-    m_ahead.clear();
-    m_lexer.resumeAfter(m_previous, on);
-    m_current = m_lexer.next();
+    ahead_.clear();
+    lexer_.resumeAfter(previous_, on);
+    current_ = lexer_.next();
 }
 
 std::string TokenStream::identifier()
@@ -166,7 +166,7 @@ int TokenStream::integer()
     int value = 0;
     if (!at(TokenKind::Integer))
         fail();
-    const std::string_view digits = m_current.text;
+    const std::string_view digits = current_.text;
     if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc())
         fail();
     advance();

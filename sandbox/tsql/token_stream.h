@@ -17,7 +17,7 @@ class TokenStream
 public:
     TokenStream(std::string_view text, bool quotedIdentifier);
 
-    [[nodiscard]] bool atEnd() const { return m_current.kind == TokenKind::End; }
+    [[nodiscard]] bool atEnd() const { return current_.kind == TokenKind::End; }
     /// Error 102 or 156 at the current token: the word decides which.
     [[noreturn]] void fail() const;
 
@@ -27,17 +27,17 @@ protected:
     class Nesting
     {
     public:
-        explicit Nesting(TokenStream& stream) : m_stream(stream)
+        explicit Nesting(TokenStream& stream) : stream_(stream)
         {
-            if (++m_stream.m_depth > maxNesting)
-                m_stream.failTooDeep();
+            if (++stream_.depth_ > maxNesting)
+                stream_.failTooDeep();
         }
-        ~Nesting() { --m_stream.m_depth; }
+        ~Nesting() { --stream_.depth_; }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;
 
     private:
-        TokenStream& m_stream;
+        TokenStream& stream_;
     };
 
     /// Recursion that a stack of 1 MB holds, sanitizers and all.
@@ -46,14 +46,14 @@ protected:
     static constexpr int maxTreeHeight = 1000;
 
     // Looking
-    [[nodiscard]] const Token& current() const { return m_current; }
+    [[nodiscard]] const Token& current() const { return current_; }
     [[nodiscard]] const Token& peek(std::size_t distance = 1);
-    [[nodiscard]] bool at(Symbol symbol) const { return m_current.symbol == symbol; }
-    [[nodiscard]] bool at(Keyword keyword) const { return m_current.keyword == keyword; }
-    [[nodiscard]] bool at(TokenKind kind) const { return m_current.kind == kind; }
+    [[nodiscard]] bool at(Symbol symbol) const { return current_.symbol == symbol; }
+    [[nodiscard]] bool at(Keyword keyword) const { return current_.keyword == keyword; }
+    [[nodiscard]] bool at(TokenKind kind) const { return current_.kind == kind; }
     /// @param word upper case; for words that are not reserved
-    [[nodiscard]] bool atWord(std::string_view word) const { return isWord(m_current, word); }
-    [[nodiscard]] bool atIdentifier() const { return isIdentifier(m_current); }
+    [[nodiscard]] bool atWord(std::string_view word) const { return isWord(current_, word); }
+    [[nodiscard]] bool atIdentifier() const { return isIdentifier(current_); }
     [[nodiscard]] bool atString() const { return at(TokenKind::String) || at(TokenKind::NationalString); }
     [[nodiscard]] static bool isWord(const Token& token, std::string_view word);
     [[nodiscard]] static bool isIdentifier(const Token& token);
@@ -91,13 +91,13 @@ protected:
     void skipParenthesised();
 
     // Places
-    [[nodiscard]] ast::SourceRange here() const { return {m_current.begin, m_current.end, m_current.line}; }
+    [[nodiscard]] ast::SourceRange here() const { return {current_.begin, current_.end, current_.line}; }
     /// From the start of `start` to the end of the last token taken.
     [[nodiscard]] ast::SourceRange since(const ast::SourceRange& start) const
     {
-        return {start.begin, m_previous.end, start.line};
+        return {start.begin, previous_.end, start.line};
     }
-    [[nodiscard]] std::uint32_t previousEnd() const { return m_previous.end; }
+    [[nodiscard]] std::uint32_t previousEnd() const { return previous_.end; }
 
     // Errors
     [[noreturn]] void failAt(const Token& token) const;
@@ -106,13 +106,13 @@ protected:
     [[noreturn]] void failNoCondition() const;
 
 private:
-    [[nodiscard]] const Token& blamed() const { return atEnd() ? m_previous : m_current; }
+    [[nodiscard]] const Token& blamed() const { return atEnd() ? previous_ : current_; }
 
-    Lexer m_lexer;
-    Token m_current;
-    Token m_previous;
-    std::deque<Token> m_ahead;
-    int m_depth = 0;
+    Lexer lexer_;
+    Token current_;
+    Token previous_;
+    std::deque<Token> ahead_;
+    int depth_ = 0;
 };
 
 /// Upper case of the letters A to Z; the others stay.

@@ -16,23 +16,15 @@ namespace {
 constexpr int Bien = 0;
 constexpr int Mal = -1;
 
-// A file keeps no types, so that a text is marked there; a registry keeps them itself.
-#ifdef Q_OS_WIN
-const QString MarcaTexto;
-#else
+// A file keeps no types, so that a text is marked.
 const QString MarcaTexto = QStringLiteral("text:");
-#endif
 
 std::unique_ptr<QSettings> Abre(const QString& clave)
 {
-#ifdef Q_OS_WIN
-    return std::make_unique<QSettings>(u"HKEY_CURRENT_USER\\"_s + clave, QSettings::NativeFormat);
-#else
     auto ajustes = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope, u"quermo"_s);
     ajustes->setFallbacksEnabled(false); // what the machine's administrator left is another hive
     ajustes->beginGroup(QString(clave).replace(u'\\', u'/'));
     return ajustes;
-#endif
 }
 
 int Estado(QSettings& ajustes)

@@ -1,5 +1,5 @@
-// The settings of the current user, by key path and value name, as a registry holds them: the registry itself
-// on Windows, a file of the user's configuration folder elsewhere. Nothing is kept open between calls.
+// The settings of the current user, by key path and value name, as a registry holds them, in a file of the
+// user's configuration folder. Nothing is kept open between calls.
 #pragma once
 
 #include "platform/basic/Variant.h"

@@ -31,7 +31,7 @@ std::string_view sqlOperator(ast::ComparisonOperator op)
     raise(4147);
 }
 
-std::string negatedIf(bool negated, std::string condition)
+std::string negatedIf(bool negated, const std::string& condition)
 {
     return negated ? "(NOT " + condition + ")" : condition;
 }

@@ -309,7 +309,7 @@ Term Translator::column(const ast::Column& column, Scope& scope)
 
 Term Translator::unary(const ast::Unary& unary, Scope& scope)
 {
-    const Term operand = expression(*unary.operand, scope);
+    Term operand = expression(*unary.operand, scope);
     if (unary.op == ast::UnaryOperator::Plus)
         return operand;
     if (unary.op == ast::UnaryOperator::BitNot) {

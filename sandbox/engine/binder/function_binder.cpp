@@ -300,7 +300,7 @@ Term bindRanking(const FunctionCall& call, std::string_view name)
 
 Term FunctionCall::text(std::size_t i) const
 {
-    const Term given = term(i);
+    Term given = term(i);
     if (isCharacter(given.type.id))
         return given;
     if (given.type.id == TypeId::Null)

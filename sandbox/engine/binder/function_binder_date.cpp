@@ -32,7 +32,7 @@ DatePart partOf(const FunctionCall& call)
 /// An argument of a type with a date; text and numbers become datetime.
 Term point(const FunctionCall& call, std::size_t i)
 {
-    const Term given = call.term(i);
+    Term given = call.term(i);
     if (isDateTime(given.type.id))
         return given;
     return convertTerm(given, dateTimeType(), Conversion::Implicit);

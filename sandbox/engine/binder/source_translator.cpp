@@ -324,6 +324,7 @@ std::string Translator::valuesTable(const ast::ValuesTable& node, Scope& scope)
     TranslatedQuery query;
     for (std::size_t i = 0; i < rows.front().size(); ++i) {
         std::vector<Term> column;
+        column.reserve(rows.size());
         for (const auto& row : rows)
             column.push_back(row[i]);
         QueryColumn made{"", commonType(column), ""};

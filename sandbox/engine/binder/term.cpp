@@ -240,7 +240,6 @@ int textLength(const SqlType& type)
         return type.length;
     switch (type.id) {
     case TypeId::Null:
-        return 1;
     case TypeId::Bit:
         return 1;
     case TypeId::TinyInt:

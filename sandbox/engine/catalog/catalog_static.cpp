@@ -115,44 +115,44 @@ struct SystemObject
     const char* name;
 };
 
-constexpr ObjectKind S = ObjectKind::SystemTable;
-constexpr ObjectKind V = ObjectKind::View;
+constexpr ObjectKind table = ObjectKind::SystemTable;
+constexpr ObjectKind view = ObjectKind::View;
 
 constexpr std::array systemObjects{
-    SystemObject{0, 1, S, "dbo", "sysobjects"},
-    SystemObject{0, 2, S, "dbo", "sysindexes"},
-    SystemObject{0, 3, S, "dbo", "syscolumns"},
-    SystemObject{0, 4, S, "dbo", "systypes"},
-    SystemObject{0, 6, S, "dbo", "syscomments"},
-    SystemObject{0, 8, S, "dbo", "sysfiles1"},
-    SystemObject{0, 9, S, "dbo", "syspermissions"},
-    SystemObject{0, 10, S, "dbo", "sysusers"},
-    SystemObject{0, 11, S, "dbo", "sysproperties"},
-    SystemObject{0, 12, S, "dbo", "sysdepends"},
-    SystemObject{0, 14, S, "dbo", "sysreferences"},
-    SystemObject{0, 19, S, "dbo", "sysfulltextcatalogs"},
-    SystemObject{0, 20, S, "dbo", "sysindexkeys"},
-    SystemObject{0, 21, S, "dbo", "sysforeignkeys"},
-    SystemObject{0, 22, S, "dbo", "sysmembers"},
-    SystemObject{0, 23, S, "dbo", "sysprotects"},
-    SystemObject{0, 24, S, "dbo", "sysfulltextnotify"},
-    SystemObject{0, 95, S, "dbo", "sysfiles"},
-    SystemObject{0, 96, S, "dbo", "sysfilegroups"},
-    SystemObject{0, 1977058079, V, "dbo", "syssegments"},
-    SystemObject{0, 1993058136, V, "dbo", "sysconstraints"},
-    SystemObject{1, 30, S, "dbo", "sysdatabases"},
-    SystemObject{1, 31, S, "dbo", "sysxlogins"},
-    SystemObject{1, 32, S, "dbo", "sysdevices"},
-    SystemObject{1, 33, S, "dbo", "sysmessages"},
-    SystemObject{1, 34, S, "dbo", "sysconfigures"},
-    SystemObject{1, 35, S, "dbo", "sysservers"},
-    SystemObject{1, 36, S, "dbo", "syslanguages"},
-    SystemObject{1, 37, S, "dbo", "syscharsets"},
-    SystemObject{1, 40, S, "dbo", "sysaltfiles"},
-    SystemObject{1, 50, S, "dbo", "syscurconfigs"},
-    SystemObject{1, 51, S, "dbo", "sysprocesses"},
-    SystemObject{1, 52, S, "dbo", "spt_values"},
-    SystemObject{1, 53, V, "dbo", "syslogins"},
+    SystemObject{0, 1, table, "dbo", "sysobjects"},
+    SystemObject{0, 2, table, "dbo", "sysindexes"},
+    SystemObject{0, 3, table, "dbo", "syscolumns"},
+    SystemObject{0, 4, table, "dbo", "systypes"},
+    SystemObject{0, 6, table, "dbo", "syscomments"},
+    SystemObject{0, 8, table, "dbo", "sysfiles1"},
+    SystemObject{0, 9, table, "dbo", "syspermissions"},
+    SystemObject{0, 10, table, "dbo", "sysusers"},
+    SystemObject{0, 11, table, "dbo", "sysproperties"},
+    SystemObject{0, 12, table, "dbo", "sysdepends"},
+    SystemObject{0, 14, table, "dbo", "sysreferences"},
+    SystemObject{0, 19, table, "dbo", "sysfulltextcatalogs"},
+    SystemObject{0, 20, table, "dbo", "sysindexkeys"},
+    SystemObject{0, 21, table, "dbo", "sysforeignkeys"},
+    SystemObject{0, 22, table, "dbo", "sysmembers"},
+    SystemObject{0, 23, table, "dbo", "sysprotects"},
+    SystemObject{0, 24, table, "dbo", "sysfulltextnotify"},
+    SystemObject{0, 95, table, "dbo", "sysfiles"},
+    SystemObject{0, 96, table, "dbo", "sysfilegroups"},
+    SystemObject{0, 1977058079, view, "dbo", "syssegments"},
+    SystemObject{0, 1993058136, view, "dbo", "sysconstraints"},
+    SystemObject{1, 30, table, "dbo", "sysdatabases"},
+    SystemObject{1, 31, table, "dbo", "sysxlogins"},
+    SystemObject{1, 32, table, "dbo", "sysdevices"},
+    SystemObject{1, 33, table, "dbo", "sysmessages"},
+    SystemObject{1, 34, table, "dbo", "sysconfigures"},
+    SystemObject{1, 35, table, "dbo", "sysservers"},
+    SystemObject{1, 36, table, "dbo", "syslanguages"},
+    SystemObject{1, 37, table, "dbo", "syscharsets"},
+    SystemObject{1, 40, table, "dbo", "sysaltfiles"},
+    SystemObject{1, 50, table, "dbo", "syscurconfigs"},
+    SystemObject{1, 51, table, "dbo", "sysprocesses"},
+    SystemObject{1, 52, table, "dbo", "spt_values"},
+    SystemObject{1, 53, view, "dbo", "syslogins"},
 };
 
 constexpr int informationSchemaUser = 3;
@@ -195,7 +195,7 @@ void insertSystemObjects(sqlite3* connection)
     int id = firstInformationSchemaId;
     for (const SystemTable& table : systemTables()) {
         if (table.schema == "INFORMATION_SCHEMA")
-            insertSystemObject(connection, table, {1, id++, V, "INFORMATION_SCHEMA", table.name.c_str()});
+            insertSystemObject(connection, table, {1, id++, view, "INFORMATION_SCHEMA", table.name.c_str()});
     }
 }
 

@@ -16,7 +16,7 @@ std::string keyWithoutNull(const Column& column)
 
 std::string columnDeclaration(const Column& column)
 {
-    const std::string name = storageColumn(column.id);
+    std::string name = storageColumn(column.id);
     switch (storageClass(column.type)) {
     case StorageClass::Integer:
         return name + " INTEGER";

@@ -284,6 +284,7 @@ void updateRows(SessionState& session, const ObjectPtr& table, const std::vector
                 const std::vector<RowChange>& changes, const std::string& statement)
 {
     std::vector<std::int64_t> rows;
+    rows.reserve(changes.size());
     for (const RowChange& change : changes)
         rows.push_back(change.row);
     // Keys are paired with the rows one by one, so that a cascade knows which became which.

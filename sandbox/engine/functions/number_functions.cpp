@@ -135,7 +135,7 @@ void sign(const Call& call)
     else if (auto* real = std::get_if<double>(&value.data))
         *real = static_cast<double>((*real > 0) - (*real < 0));
     else if (auto* integer = std::get_if<std::int64_t>(&value.data))
-        *integer = ((*integer > 0) - (*integer < 0)) * (isMoney(type.id) ? 10'000 : 1);
+        *integer = std::int64_t{(*integer > 0) - (*integer < 0)} * (isMoney(type.id) ? 10'000 : 1);
     call.result(value, type);
 }
 
