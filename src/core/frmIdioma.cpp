@@ -6,6 +6,8 @@
 #include "core/LeeIdioma.h"
 #include "core/mdlRegistro.h"
 
+#include <QShortcut>
+
 using namespace Qt::Literals::StringLiterals;
 
 controls::Slot<formularios::frmIdioma> frmIdioma;
@@ -15,6 +17,9 @@ namespace formularios {
 frmIdioma::frmIdioma()
 {
     setupUi(this);
+    // The option that has the focus would leave these keys alone, or on some desktops take Enter for itself.
+    for (const auto tecla : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
+        connect(new QShortcut(tecla, this), &QShortcut::activated, this, &frmIdioma::Unload);
 }
 
 void frmIdioma::Form_Load()

@@ -14,6 +14,8 @@
 #include "platform/controls/Pointer.h"
 #include "query/frmAnalizadorConsultas.h"
 
+#include <QApplication>
+#include <QPushButton>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
@@ -87,6 +89,33 @@ TEST_F(Consola, TheFirstRunAsksForTheLanguageBeforeTheWindowOpens)
     EXPECT_EQ(Idioma, En);
     EXPECT_FALSE(::frmIdioma.exists());
     EXPECT_EQ(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma), basic::Variant(1));
+}
+
+TEST_F(Consola, EnterAndEscCloseTheLanguageFormWithTheChoiceAsItStands)
+{
+    const struct
+    {
+        QList<Qt::Key> teclas;
+        int idioma;
+    } casos[] = {{{Qt::Key_Return}, Es},
+                 {{Qt::Key_Escape}, Es},
+                 {{Qt::Key_Down, Qt::Key_Enter}, En},
+                 {{Qt::Key_Down, Qt::Key_Escape}, En}};
+    for (const auto& caso : casos) {
+        CrearClave(HKEY_CURRENT_USER, ClaveRegistro);
+        EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(QString()), ValorTexto);
+        QTimer::singleShot(50, [&] {
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&*::frmIdioma));
+            for (const Qt::Key tecla : caso.teclas)
+                QTest::keyClick(QApplication::focusWidget(), tecla);
+            EXPECT_FALSE(::frmIdioma.exists()) << caso.teclas.back();
+            if (::frmIdioma.exists())
+                ::frmIdioma->Unload(); // lets the others be tested
+        });
+        LeeIdiomaRegistro();
+        EXPECT_EQ(Idioma, caso.idioma);
+        EXPECT_EQ(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma), basic::Variant(caso.idioma));
+    }
 }
 
 TEST_F(Consola, ALanguageStoredAsTextReadsLikeANumber)
@@ -168,6 +197,22 @@ TEST_F(Consola, EnterMovesOnLikeTabAndDoesNotConnect)
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return forma->cmdConectar->hasFocus(); }));
     EXPECT_EQ(ConexionSQL.State(), 0);
+}
+
+TEST_F(Consola, EnterOnTheFocusedButtonConnects)
+{
+    Arranca(Es);
+    ::mdiPrincipal->mnuConectar->trigger();
+    auto* forma = &*::frmConectar;
+    forma->txtServidor->setText(ServidorDePrueba());
+    forma->txtClave->setFocus();
+    QTest::keyClicks(forma->txtClave, ClaveDePrueba);
+    QTest::keyClick(forma->txtClave, Qt::Key_Tab);
+    ASSERT_TRUE(forma->cmdConectar->hasFocus());
+    QTest::keyClick(forma->cmdConectar, Qt::Key_Return);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_EQ(ConexionSQL.State(), 1);
+    EXPECT_FALSE(::frmConectar.exists());
 }
 
 TEST_F(Consola, ASecondConnectReplacesTheSessionAndLeavesOpenFormsAlone)
