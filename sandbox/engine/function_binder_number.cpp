@@ -156,7 +156,7 @@ Term isNumber(const FunctionCall& call)
     return resultTerm(callText("t_isnumeric", {given.sql}), intType(), false);
 }
 
-constexpr FunctionEntry entries[] = {
+constexpr FunctionEntry numberFunctions[] = {
     {"abs", 1, 1, absolute},
     {"acos", 1, 1, realFunction<acosFunction>},
     {"asin", 1, 1, realFunction<asinFunction>},
@@ -187,7 +187,7 @@ constexpr FunctionEntry entries[] = {
 
 std::span<const FunctionEntry> numberFunctionEntries()
 {
-    return entries;
+    return numberFunctions;
 }
 
 } // namespace practice

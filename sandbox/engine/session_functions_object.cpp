@@ -10,11 +10,6 @@ namespace {
 
 constexpr int tempdbId = 2;
 
-void null(const Call& call)
-{
-    sqlite3_result_null(call.context());
-}
-
 ObjectPtr objectNamed(SessionState& session, std::string_view text)
 {
     const ast::ObjectName name = parseObjectName(text);

@@ -384,7 +384,7 @@ size           int            0
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure databaseTable[] = {
     {"sp_helpdb", "@dbname=", helpDatabase},
     {"sp_helpfile", "@filename=", helpFile},
     {"sp_helpfilegroup", "@filegroupname=", helpFilegroup},
@@ -401,7 +401,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> databaseProcedures()
 {
-    return procedures;
+    return databaseTable;
 }
 
 } // namespace practice

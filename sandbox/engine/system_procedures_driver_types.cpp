@@ -73,7 +73,7 @@ attribute_value  varchar(255)?  v.column3
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure driverTypesTable[] = {
     {"sp_datatype_info", "@data_type= @ODBCVer=", datatypeInfo},
     {"sp_server_info", "@attribute_id=", serverInfo},
 };
@@ -126,7 +126,7 @@ const char* driverTypes()
 
 std::span<const SystemProcedure> driverTypeProcedures()
 {
-    return procedures;
+    return driverTypesTable;
 }
 
 } // namespace practice

@@ -6,7 +6,7 @@ namespace {
 constexpr const char* processSource =
     "FROM json_each(practice_sessions()) j LEFT JOIN cat_login l ON l.name = j.value ->> 'login'";
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition serverDefinitions[] = {
     {"dbo", "spt_values", true,
      R"(
 name    nvarchar(35)? v.name
@@ -210,7 +210,7 @@ is_user_process        bit            1
 
 std::span<const SystemTableDefinition> serverSystemTables()
 {
-    return definitions;
+    return serverDefinitions;
 }
 
 } // namespace practice
