@@ -38,9 +38,9 @@ if(QUERMO_FUZZ)
 endif()
 
 # Lets a target's sources begin from headers that are compiled once: "PRIVATE <header>..." names them,
-# "REUSE_FROM target" takes another target's. Only the build under the sanitizers does so, where
-# reading headers is half of the work; the others compile each file by itself, so that an include that
-# is missing shows there.
+# "REUSE_FROM target" takes another target's. Only the presets asan and run do so, where reading
+# headers is half of the work; the others compile each file by itself, so that an include that is missing
+# shows there.
 function(quermo_precompile name)
   if(QUERMO_PRECOMPILE)
     target_precompile_headers(${name} ${ARGN})

@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr const char* batches[] = {
+constexpr const char* codeBatches[] = {
     R"(CREATE VIEW ResumenPedidos AS
 SELECT c.IdCliente, c.Nombre, COUNT(*) AS Pedidos
 FROM Clientes c INNER JOIN Pedidos p ON p.IdCliente = c.IdCliente
@@ -83,7 +83,7 @@ SELECT 1999, 2, N'Se llegó a un acuerdo.' UNION ALL SELECT 2001, 1, N'Falta la 
 
 std::span<const char* const> sampleCode()
 {
-    return batches;
+    return codeBatches;
 }
 
 } // namespace practice

@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr const char* batches[] = {
+constexpr const char* dataBatches[] = {
     R"(INSERT INTO Zonas (IdZona, Zona)
 SELECT 1, 'Centro' UNION ALL SELECT 2, 'Norte' UNION ALL SELECT 3, 'Levante'
 UNION ALL SELECT 4, 'Andalucía' UNION ALL SELECT 5, 'Islas')",
@@ -103,7 +103,7 @@ FROM #Numeros n, #Cifras c WHERE c.N < 5)",
 
 std::span<const char* const> sampleData()
 {
-    return batches;
+    return dataBatches;
 }
 
 } // namespace practice

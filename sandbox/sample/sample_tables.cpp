@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr const char* batches[] = {
+constexpr const char* tableBatches[] = {
     "CREATE DATABASE Comercial",
     "ALTER DATABASE Comercial MODIFY FILE (NAME = Comercial, SIZE = 24MB)",
     "ALTER DATABASE Comercial MODIFY FILE (NAME = Comercial_log, SIZE = 4MB)",
@@ -108,7 +108,7 @@ constexpr const char* batches[] = {
 
 std::span<const char* const> sampleTables()
 {
-    return batches;
+    return tableBatches;
 }
 
 } // namespace practice

@@ -6,11 +6,6 @@ namespace practice {
 
 namespace {
 
-bool isOldDate(TypeId id)
-{
-    return id == TypeId::DateTime || id == TypeId::SmallDateTime;
-}
-
 ConversionRule allowIf(bool allowed, ConversionRule rule = ConversionRule::Implicit)
 {
     return allowed ? rule : ConversionRule::Forbidden;

@@ -7,11 +7,6 @@ namespace practice {
 
 namespace {
 
-bool isOldDate(TypeId id)
-{
-    return id == TypeId::DateTime || id == TypeId::SmallDateTime;
-}
-
 [[noreturn]] void failSyntax(TypeId to)
 {
     if (to == TypeId::SmallDateTime)

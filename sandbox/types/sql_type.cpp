@@ -69,6 +69,11 @@ bool isDateTime(TypeId id)
     return between(id, TypeId::SmallDateTime, TypeId::DateTimeOffset);
 }
 
+bool isOldDate(TypeId id)
+{
+    return id == TypeId::DateTime || id == TypeId::SmallDateTime;
+}
+
 bool isCharacter(TypeId id)
 {
     return between(id, TypeId::Char, TypeId::NText);

@@ -65,6 +65,7 @@ struct SqlType
 [[nodiscard]] bool isMoney(TypeId id);
 [[nodiscard]] bool isDecimal(TypeId id);   ///< decimal or numeric
 [[nodiscard]] bool isDateTime(TypeId id);  ///< any type of date or time
+[[nodiscard]] bool isOldDate(TypeId id);   ///< datetime, smalldatetime
 [[nodiscard]] bool isCharacter(TypeId id); ///< char, varchar, text and their n forms
 [[nodiscard]] bool isUnicode(TypeId id);   ///< nchar, nvarchar, ntext
 [[nodiscard]] bool isBinary(TypeId id);    ///< binary, varbinary, image, timestamp

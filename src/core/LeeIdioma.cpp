@@ -12,13 +12,13 @@ using namespace Qt::Literals::StringLiterals;
 
 void LeeIdiomaRegistro()
 try {
-    if (!CrearClave(HKEY_CURRENT_USER, ClaveRegistro))
-        return;
-    const QString guardado = basic::text(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma));
-    if (guardado.isEmpty())
-        ::frmIdioma->ShowModal();
-    else
-        Idioma = basic::toInt16(basic::val(guardado));
+    if (CrearClave(HKEY_CURRENT_USER, ClaveRegistro)) {
+        const QString guardado = basic::text(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma));
+        if (guardado.isEmpty())
+            ::frmIdioma->ShowModal();
+        else
+            Idioma = basic::toInt16(basic::val(guardado));
+    }
     controls::setUiLanguage(Idioma);
 } catch (...) {
     InformaError(u"LeeIdiomaRegistro"_s);

@@ -5,6 +5,8 @@
 #include "core/Idioma.h"
 #include "core/mdlRegistro.h"
 
+#include <QShortcut>
+
 using namespace Qt::Literals::StringLiterals;
 
 controls::Slot<formularios::frmIdioma> frmIdioma;
@@ -14,6 +16,9 @@ namespace formularios {
 frmIdioma::frmIdioma()
 {
     setupUi(this);
+    // The option that has the focus would leave these keys alone, or on some desktops take Enter for itself.
+    for (const auto tecla : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
+        connect(new QShortcut(tecla, this), &QShortcut::activated, this, &frmIdioma::Unload);
 }
 
 void frmIdioma::Form_Load()

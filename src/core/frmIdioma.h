@@ -1,4 +1,5 @@
-// The first run's question: in which language the program speaks. Closing the window is the answer.
+// The first run's question: in which language the program speaks. Closing the window, by its
+// frame, Enter or Esc, is the answer.
 #pragma once
 
 #include "platform/controls/Form.h"

@@ -13,7 +13,7 @@ namespace formularios {
 
 namespace {
 
-const ClaseObjeto& Clase()
+const ClaseObjeto& ClaseProcedimiento()
 {
     static const ClaseObjeto clase{u"CREATE PROCEDURE [NOMBRE_PROCEDIMIENTO] AS "_s,
                                    u" where obj.type = 'P'"_s, u"DROP PROCEDURE "_s};
@@ -31,7 +31,7 @@ frmProcedimiento::frmProcedimiento()
 
 void frmProcedimiento::Form_Load()
 try {
-    txtSQL->setText(Clase().textoNuevo);
+    txtSQL->setText(ClaseProcedimiento().textoNuevo);
 } catch (...) {
     InformaError(u"Form_Load"_s);
 }
@@ -55,7 +55,7 @@ try {
 void frmProcedimiento::CapturaProcedimiento_SQL(const QString& nombre)
 try {
     QString texto;
-    if (CapturaTextoObjeto_SQL(Clase(), nombre, texto, NombreObjeto))
+    if (CapturaTextoObjeto_SQL(ClaseProcedimiento(), nombre, texto, NombreObjeto))
         txtSQL->setText(texto);
 } catch (...) {
     InformaError(u"CapturaProcedimiento_SQL"_s);
@@ -63,7 +63,7 @@ try {
 
 void frmProcedimiento::cmdAceptar_Click()
 try {
-    ReemplazaObjeto_SQL(Clase(), NombreObjeto, txtSQL->Text());
+    ReemplazaObjeto_SQL(ClaseProcedimiento(), NombreObjeto, txtSQL->Text());
     ::frmAdministrador->MuestraProcedimientos(BaseDatosActual);
     Unload();
 } catch (...) {

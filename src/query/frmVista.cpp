@@ -12,7 +12,7 @@ namespace formularios {
 
 namespace {
 
-const ClaseObjeto& Clase()
+const ClaseObjeto& ClaseVista()
 {
     static const ClaseObjeto clase{u"CREATE VIEW [NOMBRE_VISTA] AS "_s, u" where obj.type = 'V'"_s,
                                    u"DROP VIEW "_s};
@@ -30,7 +30,7 @@ frmVista::frmVista()
 
 void frmVista::Form_Load()
 try {
-    txtSQL->setText(Clase().textoNuevo);
+    txtSQL->setText(ClaseVista().textoNuevo);
 } catch (...) {
     InformaError(u"Form_Load"_s);
 }
@@ -54,7 +54,7 @@ try {
 void frmVista::CapturaVistas_SQL(const QString& nombre)
 try {
     QString texto;
-    if (CapturaTextoObjeto_SQL(Clase(), nombre, texto, NombreObjeto))
+    if (CapturaTextoObjeto_SQL(ClaseVista(), nombre, texto, NombreObjeto))
         txtSQL->setText(texto);
 } catch (...) {
     InformaError(u"CapturaVistas_SQL"_s);
@@ -62,7 +62,7 @@ try {
 
 void frmVista::cmdAceptar_Click()
 try {
-    ReemplazaObjeto_SQL(Clase(), NombreObjeto, txtSQL->Text());
+    ReemplazaObjeto_SQL(ClaseVista(), NombreObjeto, txtSQL->Text());
     ::frmAdministrador->MuestraVistas();
     Unload();
 } catch (...) {

@@ -10,13 +10,24 @@
 #include "core/mdiPrincipal.h"
 #include "core/mdlRegistro.h"
 #include "platform/controls/ComboBox.h"
+#include "platform/controls/Language.h"
 #include "platform/controls/Menus.h"
 #include "platform/controls/Pointer.h"
 #include "query/frmAnalizadorConsultas.h"
 
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
+
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -89,6 +100,65 @@ TEST_F(Consola, TheFirstRunAsksForTheLanguageBeforeTheWindowOpens)
     EXPECT_EQ(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma), basic::Variant(1));
 }
 
+TEST_F(Consola, EnterAndEscCloseTheLanguageFormWithTheChoiceAsItStands)
+{
+    const struct
+    {
+        QList<Qt::Key> teclas;
+        int idioma;
+    } casos[] = {{{Qt::Key_Return}, Es},
+                 {{Qt::Key_Escape}, Es},
+                 {{Qt::Key_Down, Qt::Key_Enter}, En},
+                 {{Qt::Key_Down, Qt::Key_Escape}, En}};
+    for (const auto& caso : casos) {
+        CrearClave(HKEY_CURRENT_USER, ClaveRegistro);
+        EscribirValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma, basic::Variant(QString()), ValorTexto);
+        QTimer::singleShot(50, [&] {
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&*::frmIdioma));
+            for (const Qt::Key tecla : caso.teclas)
+                QTest::keyClick(QApplication::focusWidget(), tecla);
+            EXPECT_FALSE(::frmIdioma.exists()) << caso.teclas.back();
+            if (::frmIdioma.exists())
+                ::frmIdioma->Unload(); // lets the others be tested
+        });
+        LeeIdiomaRegistro();
+        EXPECT_EQ(Idioma, caso.idioma);
+        EXPECT_EQ(LeerValor(HKEY_CURRENT_USER, ClaveRegistro, ValorIdioma), basic::Variant(caso.idioma));
+    }
+}
+
+TEST_F(Consola, TheToolkitsMenusAndButtonsSpeakTheChosenLanguage)
+{
+    const struct
+    {
+        int idioma;
+        QString marco, campo, editor, abrir;
+    } casos[] = {{Es, u"&Restaurar"_s, u"&Deshacer"_s, u"&Deshacer"_s, u"&Abrir"_s},
+                 {En, u"&Restore"_s, u"&Undo"_s, u"&Undo"_s, u"&Open"_s}};
+    for (const auto& caso : casos) {
+        ArrancaYConecta(caso.idioma);
+        Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+        const auto* marco = ::mdiPrincipal->area()->activeSubWindow();
+        EXPECT_EQ(marco->systemMenu()->actions().front()->text(), caso.marco);
+        const QLineEdit campo;
+        const std::unique_ptr<QMenu> deCampo(const_cast<QLineEdit&>(campo).createStandardContextMenu());
+        EXPECT_TRUE(deCampo->actions().front()->text().startsWith(caso.campo));
+        auto* superficie = forma()->txtSQL->viewport();
+        QTest::mouseClick(forma()->window()->windowHandle(), Qt::RightButton, {},
+                          superficie->mapTo(forma()->window(), superficie->rect().center()));
+        const auto* deEditor = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(deEditor, nullptr);
+        EXPECT_TRUE(deEditor->actions().front()->text().startsWith(caso.editor))
+            << deEditor->actions().front()->text().toStdString();
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+        QFileDialog dialogo;
+        EXPECT_EQ(dialogo.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->text(), caso.abrir);
+        Transcripcion();
+        TearDown();
+        SetUp();
+    }
+}
+
 TEST_F(Consola, ALanguageStoredAsTextReadsLikeANumber)
 {
     CrearClave(HKEY_CURRENT_USER, ClaveRegistro);
@@ -144,14 +214,21 @@ TEST_F(Consola, ASemicolonInThePasswordChangesTheConnection)
     EXPECT_EQ(MenusVisibles(), Conectado);
 }
 
-TEST_F(Consola, NoServerAtTheAddressIsAnErrorWithANumber)
+TEST_F(Consola, NoServerAtTheAddressIsAnErrorWithANumberInTheChosenLanguage)
 {
     Arranca(Es);
     Conecta(u"127.0.0.1,1"_s, u"sa"_s, QString());
-    const auto avisos = Avisos();
-    ASSERT_EQ(avisos.size(), 1);
-    EXPECT_TRUE(avisos[0].texto.startsWith(u" Error Nº:17 ("_s)) << avisos[0].texto.toStdString();
+    EXPECT_EQ(
+        Avisos(),
+        (QList<Aviso>{{u" Error Nº:17 (No existe el servidor SQL Server o se ha denegado el acceso: ningún "
+                       "servidor responde en 127.0.0.1, puerto 1.)."_s,
+                       48, u"Atención."_s}}));
     EXPECT_EQ(MenusVisibles(), SinConexion);
+    controls::setUiLanguage(En);
+    Conecta(u"127.0.0.1,1"_s, u"sa"_s, QString());
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:17 (SQL Server does not exist or access denied: no server "
+                                       "answers at 127.0.0.1, port 1.)."_s,
+                                       48, u"Atención."_s}}));
 }
 
 TEST_F(Consola, EnterMovesOnLikeTabAndDoesNotConnect)
@@ -168,6 +245,22 @@ TEST_F(Consola, EnterMovesOnLikeTabAndDoesNotConnect)
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return forma->cmdConectar->hasFocus(); }));
     EXPECT_EQ(ConexionSQL.State(), 0);
+}
+
+TEST_F(Consola, EnterOnTheFocusedButtonConnects)
+{
+    Arranca(Es);
+    ::mdiPrincipal->mnuConectar->trigger();
+    auto* forma = &*::frmConectar;
+    forma->txtServidor->setText(ServidorDePrueba());
+    forma->txtClave->setFocus();
+    QTest::keyClicks(forma->txtClave, ClaveDePrueba);
+    QTest::keyClick(forma->txtClave, Qt::Key_Tab);
+    ASSERT_TRUE(forma->cmdConectar->hasFocus());
+    QTest::keyClick(forma->cmdConectar, Qt::Key_Return);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_EQ(ConexionSQL.State(), 1);
+    EXPECT_FALSE(::frmConectar.exists());
 }
 
 TEST_F(Consola, ASecondConnectReplacesTheSessionAndLeavesOpenFormsAlone)

@@ -181,8 +181,9 @@ TEST_F(Objetos, ADroppedDatabaseRebuildsTheTreeAndThenMissesTheItem)
     ::mdiPrincipal->mnuEliminar->trigger();
     EXPECT_EQ(Transcripcion(), Lineas({u"DROP DATABASE Taller"_s, ConsultaBases}));
     EXPECT_EQ(::frmAdministrador->trvBD->Find(u"BDTaller"_s), nullptr);
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:91 (Object variable or With block variable not set)."_s,
-                                       48, u"Atención."_s}}));
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u" Error Nº:91 (Variable de objeto o de bloque With no establecida)."_s, 48,
+                             u"Atención."_s}}));
     EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
 }
 
@@ -248,7 +249,8 @@ TEST_F(Objetos, ATableBeyondTheLastSlotIsASubscriptError)
     auto* lista = ::frmAdministrador->ltvTablas;
     lista->Select(lista->Add(u"T201"_s, u"Lejos"_s));
     ::mdiPrincipal->mnuDiseño->trigger();
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:9 (Subscript out of range)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:9 (El subíndice está fuera del intervalo)."_s, 48,
+                                       u"Atención."_s}}));
 }
 
 TEST_F(Objetos, AViewIsReplacedByDropAndCreate)
@@ -481,7 +483,7 @@ TEST_F(Objetos, ScriptsAreLoadedAndSavedUnderTheRememberedName)
 
     elegido = carpeta.filePath(u"no/hay.sql"_s);
     ::mdiPrincipal->mnuAbrir->trigger();
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:76 (Path not found)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:76 (No se encuentra la ruta)."_s, 48, u"Atención."_s}}));
     EXPECT_EQ(::frmAnalizadorConsultas->txtSQL->Text(), u"otra"_s);
     controls::setFileDialogAnswerer({});
 }

@@ -8,6 +8,7 @@
 #include "platform/ado/StatementText.h"
 #include "platform/ado/Table.h"
 #include "platform/ado/Watchdog.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include "platform/basic/VariantText.h"
 
@@ -186,6 +187,14 @@ TEST(Diagnostics, TellTheServersErrorsFromTheClients)
         EXPECT_EQ(error.number(), number::NoServer);
         EXPECT_TRUE(error.description().contains(u"srv, port 1500"));
     }
+    basic::setLanguage(basic::Language::Spanish);
+    EXPECT_EQ(utf8(connectTimeOut(u"srv, puerto 1500"_s).description()),
+              "Tiempo de espera agotado. El servidor no respondió a tiempo (srv, puerto 1500).");
+    EXPECT_EQ(utf8(basic::RuntimeError(basic::error::DiskFull).description()), "Disco lleno");
+    basic::setLanguage(basic::Language::English);
+    EXPECT_EQ(utf8(connectTimeOut(u"srv, port 1500"_s).description()),
+              "Timeout expired. The server did not answer in time (srv, port 1500).");
+    EXPECT_EQ(utf8(basic::RuntimeError(basic::error::DiskFull).description()), "Disk full");
     EXPECT_EQ(statementError({endOfFile}).number(), number::DriverFailure);
     EXPECT_EQ(statementError({{u"HY000"_s, 0, u"Odd."_s}}).description(), u"Odd.");
 }

@@ -1,13 +1,17 @@
 // The life of forms: order of their handlers, slots, the list of loaded forms, the MDI window.
 #include "platform/controls/MdiForm.h"
 #include "platform/controls/Slot.h"
+#include "platform/controls/TextBox.h"
 
 #include <gtest/gtest.h>
 
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
+#include <QVBoxLayout>
 
 namespace controls {
 namespace {
@@ -215,6 +219,61 @@ TEST_F(Forms, AFormDeletedFromOutsideLeavesNoFrameAndAnEmptySlot)
     EXPECT_FALSE(slot.exists());
     EXPECT_TRUE(window->area()->subWindowList().isEmpty());
     EXPECT_EQ(LoadedFormNames(), QStringList{"window"});
+}
+
+TEST_F(Forms, TheWindowOpensInsideTheScreensFreeArea)
+{
+    const QRect free = window->screen()->availableGeometry();
+    EXPECT_LT(window->width(), free.width());
+    EXPECT_LT(window->height(), free.height()) << "there is room for the frame";
+    EXPECT_GE(window->minimumWidth(), 400);
+    EXPECT_GE(window->minimumHeight(), 200);
+}
+
+TEST_F(Forms, AFrameHasMinAndMaxButtonsUnlessTheFormWantsNone)
+{
+    constexpr auto minMax = Qt::WindowMinMaxButtonsHint;
+    auto* a = new Recorder("a");
+    a->Show();
+    EXPECT_EQ(window->area()->activeSubWindow()->windowFlags() & minMax, minMax);
+    auto* b = new Recorder("b");
+    b->setMinMaxButtons(false);
+    b->Show();
+    auto* frame = window->area()->activeSubWindow();
+    EXPECT_EQ(frame->windowFlags() & minMax, Qt::WindowFlags());
+    QTest::mouseDClick(frame, Qt::LeftButton, {}, {frame->width() / 2, 10}); // in the title bar
+    EXPECT_FALSE(frame->isMaximized());
+    auto* modal = new Recorder("modal");
+    QTimer::singleShot(10, modal, [&] {
+        EXPECT_EQ(modal->windowFlags() & minMax, Qt::WindowFlags());
+        EXPECT_TRUE(modal->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+        modal->Unload();
+    });
+    modal->ShowModal();
+    EXPECT_TRUE(b->windowHandle() == nullptr && b->isVisible());
+}
+
+TEST_F(Forms, EnterPressesTheFocusedButtonAndNoOther)
+{
+    auto* a = new Recorder("a");
+    auto* column = new QVBoxLayout(a);
+    auto* field = new TextBox;
+    auto* first = new QPushButton("first");
+    auto* second = new QPushButton("second");
+    int presses[2] = {};
+    QObject::connect(first, &QPushButton::clicked, [&] { ++presses[0]; });
+    QObject::connect(second, &QPushButton::clicked, [&] { ++presses[1]; });
+    for (QWidget* each : std::initializer_list<QWidget*>{field, first, second})
+        column->addWidget(each);
+    a->Show();
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(presses[0] + presses[1], 0);
+    second->setFocus();
+    QTest::keyClick(second, Qt::Key_Return);
+    QTest::keyClick(second, Qt::Key_Enter);
+    EXPECT_EQ(presses[0], 0);
+    EXPECT_EQ(presses[1], 2);
 }
 
 TEST_F(Forms, AModalFormReturnsWhenItCloses)

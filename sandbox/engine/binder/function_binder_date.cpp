@@ -174,7 +174,7 @@ Term sysDateTimeOffset(const FunctionCall& call)
     return call.translator().global("sysdatetimeoffset()", {TypeId::DateTimeOffset, 10, 0, 7}, false);
 }
 
-constexpr FunctionEntry entries[] = {
+constexpr FunctionEntry dateFunctions[] = {
     {"current_timestamp", 0, 0, getDate},
     {"dateadd", 3, 3, dateAdd},
     {"datediff", 3, 3, dateDiff},
@@ -199,7 +199,7 @@ constexpr FunctionEntry entries[] = {
 
 std::span<const FunctionEntry> dateFunctionEntries()
 {
-    return entries;
+    return dateFunctions;
 }
 
 } // namespace practice

@@ -174,7 +174,7 @@ Term isNumber(const FunctionCall& call)
     return resultTerm(callText("t_isnumeric", {given.sql}), intType(), false);
 }
 
-constexpr FunctionEntry entries[] = {
+constexpr FunctionEntry numberFunctions[] = {
     {"abs", 1, 1, absolute},
     {"acos", 1, 1, realFunction<acosFunction>},
     {"asin", 1, 1, realFunction<asinFunction>},
@@ -205,7 +205,7 @@ constexpr FunctionEntry entries[] = {
 
 std::span<const FunctionEntry> numberFunctionEntries()
 {
-    return entries;
+    return numberFunctions;
 }
 
 } // namespace practice

@@ -243,7 +243,7 @@ constexpr const char* objectDefinition = "s_object_definition";
 constexpr TypeId name = TypeId::NVarChar;
 constexpr int nameLength = 128;
 
-constexpr FunctionEntry entries[] = {
+constexpr FunctionEntry systemFunctions[] = {
     {"app_name", 0, 0, sessionValue<appName, name, nameLength>},
     {"checksum", 0, -1, checksum},
     {"binary_checksum", 0, -1, checksum},
@@ -320,7 +320,7 @@ constexpr FunctionEntry entries[] = {
 
 std::span<const FunctionEntry> systemFunctionEntries()
 {
-    return entries;
+    return systemFunctions;
 }
 
 } // namespace practice

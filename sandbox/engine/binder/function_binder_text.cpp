@@ -262,7 +262,7 @@ Term parseName(const FunctionCall& call)
     return resultTerm(callText("t_parsename", {call.text(0).sql, call.integer(1).sql}), sysNameType());
 }
 
-constexpr FunctionEntry entries[] = {
+constexpr FunctionEntry textFunctions[] = {
     {"ascii", 1, 1, ascii},
     {"char", 1, 1, character},
     {"charindex", 2, 3, charIndex},
@@ -297,7 +297,7 @@ constexpr FunctionEntry entries[] = {
 
 std::span<const FunctionEntry> textFunctionEntries()
 {
-    return entries;
+    return textFunctions;
 }
 
 } // namespace practice

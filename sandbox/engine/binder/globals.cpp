@@ -16,7 +16,7 @@ struct GlobalVariable
 constexpr SqlType wholeNumber{TypeId::Int, 4};
 constexpr SqlType smallNumber{TypeId::SmallInt, 2};
 constexpr SqlType tinyNumber{TypeId::TinyInt, 1};
-constexpr SqlType name{TypeId::NVarChar, 128};
+constexpr SqlType nameType{TypeId::NVarChar, 128};
 
 // Ascending by name.
 constexpr GlobalVariable globals[] = {
@@ -31,7 +31,7 @@ constexpr GlobalVariable globals[] = {
     {"@@idle", wholeNumber},
     {"@@io_busy", wholeNumber},
     {"@@langid", smallNumber},
-    {"@@language", name},
+    {"@@language", nameType},
     {"@@lock_timeout", wholeNumber},
     {"@@max_connections", wholeNumber},
     {"@@max_precision", tinyNumber},
@@ -42,10 +42,10 @@ constexpr GlobalVariable globals[] = {
     {"@@pack_sent", wholeNumber},
     {"@@packet_errors", wholeNumber},
     {"@@procid", wholeNumber},
-    {"@@remserver", name},
+    {"@@remserver", nameType},
     {"@@rowcount", wholeNumber},
-    {"@@servername", name},
-    {"@@servicename", name},
+    {"@@servername", nameType},
+    {"@@servicename", nameType},
     {"@@spid", smallNumber},
     {"@@textsize", wholeNumber},
     {"@@timeticks", wholeNumber},

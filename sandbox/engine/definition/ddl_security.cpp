@@ -16,7 +16,7 @@ constexpr int granted = 205;
 constexpr int denied = 206;
 constexpr int createDatabaseAction = 203;
 
-enum class Scope : std::uint8_t
+enum class GrantScope : std::uint8_t
 {
     Table,
     Procedure,
@@ -27,40 +27,40 @@ struct Permission
 {
     const char* name;
     int action;
-    Scope scope;
+    GrantScope scope;
 };
 
 constexpr std::array permissions{
-    Permission{"SELECT", 193, Scope::Table},
-    Permission{"INSERT", 195, Scope::Table},
-    Permission{"DELETE", 196, Scope::Table},
-    Permission{"UPDATE", 197, Scope::Table},
-    Permission{"REFERENCES", 26, Scope::Table},
-    Permission{"EXECUTE", 224, Scope::Procedure},
-    Permission{"EXEC", 224, Scope::Procedure},
-    Permission{"CREATE TABLE", 198, Scope::Statement},
-    Permission{"CREATE DATABASE", createDatabaseAction, Scope::Statement},
-    Permission{"CREATE VIEW", 207, Scope::Statement},
-    Permission{"CREATE PROCEDURE", 222, Scope::Statement},
-    Permission{"CREATE PROC", 222, Scope::Statement},
-    Permission{"CREATE FUNCTION", 178, Scope::Statement},
-    Permission{"CREATE DEFAULT", 233, Scope::Statement},
-    Permission{"CREATE RULE", 236, Scope::Statement},
-    Permission{"BACKUP DATABASE", 228, Scope::Statement},
-    Permission{"BACKUP LOG", 235, Scope::Statement},
+    Permission{"SELECT", 193, GrantScope::Table},
+    Permission{"INSERT", 195, GrantScope::Table},
+    Permission{"DELETE", 196, GrantScope::Table},
+    Permission{"UPDATE", 197, GrantScope::Table},
+    Permission{"REFERENCES", 26, GrantScope::Table},
+    Permission{"EXECUTE", 224, GrantScope::Procedure},
+    Permission{"EXEC", 224, GrantScope::Procedure},
+    Permission{"CREATE TABLE", 198, GrantScope::Statement},
+    Permission{"CREATE DATABASE", createDatabaseAction, GrantScope::Statement},
+    Permission{"CREATE VIEW", 207, GrantScope::Statement},
+    Permission{"CREATE PROCEDURE", 222, GrantScope::Statement},
+    Permission{"CREATE PROC", 222, GrantScope::Statement},
+    Permission{"CREATE FUNCTION", 178, GrantScope::Statement},
+    Permission{"CREATE DEFAULT", 233, GrantScope::Statement},
+    Permission{"CREATE RULE", 236, GrantScope::Statement},
+    Permission{"BACKUP DATABASE", 228, GrantScope::Statement},
+    Permission{"BACKUP LOG", 235, GrantScope::Statement},
 };
 
-Scope scopeOf(const Object* object)
+GrantScope scopeOf(const Object* object)
 {
     if (object == nullptr)
-        return Scope::Statement;
+        return GrantScope::Statement;
     const bool program = object->kind == ObjectKind::Procedure ||
                          object->kind == ObjectKind::ScalarFunction ||
                          object->kind == ObjectKind::ExtendedProcedure;
-    return program ? Scope::Procedure : Scope::Table;
+    return program ? GrantScope::Procedure : GrantScope::Table;
 }
 
-std::vector<int> actionsOfAll(Scope scope, int databaseId)
+std::vector<int> actionsOfAll(GrantScope scope, int databaseId)
 {
     std::vector<int> actions;
     for (const Permission& permission : permissions) {
@@ -74,7 +74,7 @@ std::vector<int> actionsOfAll(Scope scope, int databaseId)
 
 std::vector<int> actionsOf(const ast::PermissionStatement& statement, const Object* object, int databaseId)
 {
-    const Scope scope = scopeOf(object);
+    const GrantScope scope = scopeOf(object);
     std::vector<int> actions;
     for (const ast::PermissionItem& item : statement.permissions) {
         if (item.name == "ALL" || item.name == "ALL PRIVILEGES")

@@ -7,7 +7,7 @@ namespace practice {
 namespace {
 
 // Ascending by number, as the assertion below holds it to.
-constexpr MessageText texts[] = {
+constexpr MessageText ddlTexts[] = {
     {129, 15, 1, "Fillfactor %s is not a valid percentage; fillfactor must be between 1 and 100."},
     {226, 16, 6, "%s statement not allowed within multi-statement transaction."},
     {574, 16, 0, "%s statement cannot be used inside a user transaction."},
@@ -381,12 +381,12 @@ constexpr MessageText texts[] = {
 const MessageText* findDdlMessageText(int number)
 {
     const auto* found =
-        std::lower_bound(std::begin(texts), std::end(texts), number,
+        std::lower_bound(std::begin(ddlTexts), std::end(ddlTexts), number,
                          [](const MessageText& text, int wanted) { return text.number < wanted; });
-    return found != std::end(texts) && found->number == number ? found : nullptr;
+    return found != std::end(ddlTexts) && found->number == number ? found : nullptr;
 }
 
-static_assert(std::is_sorted(std::begin(texts), std::end(texts),
+static_assert(std::is_sorted(std::begin(ddlTexts), std::end(ddlTexts),
                              [](const MessageText& a, const MessageText& b) { return a.number < b.number; }),
               "messages stand in the order of their numbers");
 

@@ -386,7 +386,7 @@ size           int            0
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure databaseTable[] = {
     {"sp_helpdb", "@dbname=", helpDatabase},
     {"sp_helpfile", "@filename=", helpFile},
     {"sp_helpfilegroup", "@filegroupname=", helpFilegroup},
@@ -403,7 +403,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> databaseProcedures()
 {
-    return procedures;
+    return databaseTable;
 }
 
 } // namespace practice

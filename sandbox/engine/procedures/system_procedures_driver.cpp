@@ -324,7 +324,7 @@ PSEUDO_COLUMN  smallint?  1
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure driverTable[] = {
     {"sp_databases", "", databases},
     {"sp_tables", "@table_name= @table_owner= @table_qualifier= @table_type= @fUsePattern=", tables},
     {"sp_columns", "@table_name @table_owner= @table_qualifier= @column_name= @ODBCVer=", columns},
@@ -348,7 +348,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> driverProcedures()
 {
-    return procedures;
+    return driverTable;
 }
 
 } // namespace practice

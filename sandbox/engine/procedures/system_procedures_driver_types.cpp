@@ -88,7 +88,7 @@ attribute_value  varchar(255)?  v.column3
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure driverTypesTable[] = {
     {"sp_datatype_info", "@data_type= @ODBCVer=", datatypeInfo},
     {"sp_datatype_info_90", "@data_type= @ODBCVer=", olderDatatypeInfo},
     {"sp_datatype_info_100", "@data_type= @ODBCVer=", datatypeInfo},
@@ -143,7 +143,7 @@ const char* driverTypes()
 
 std::span<const SystemProcedure> driverTypeProcedures()
 {
-    return procedures;
+    return driverTypesTable;
 }
 
 } // namespace practice

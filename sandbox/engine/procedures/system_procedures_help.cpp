@@ -388,7 +388,7 @@ Created_datetime  datetime      o.created
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure helpTable[] = {
     {"sp_help", "@objname=", help},
     {"sp_helptext", "@objname @columnname=", helpText},
     {"sp_helpindex", "@objname", helpIndex},
@@ -399,7 +399,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> helpProcedures()
 {
-    return procedures;
+    return helpTable;
 }
 
 } // namespace practice

@@ -212,7 +212,7 @@ int changeObjectOwner(const ProcedureCall& call)
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure renameTable[] = {
     {"sp_rename", "@objname @newname @objtype=", rename},
     {"sp_changeobjectowner", "@objname @newowner", changeObjectOwner},
 };
@@ -221,7 +221,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> renameProcedures()
 {
-    return procedures;
+    return renameTable;
 }
 
 } // namespace practice

@@ -170,7 +170,7 @@ int windowsLogin(const ProcedureCall& call)
     raise(15401, {required(call, 0)});
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure securityTable[] = {
     {"sp_addlogin", "@loginame @passwd= @defdb= @deflanguage= @sid= @encryptopt=", addLoginProcedure},
     {"sp_droplogin", "@loginame", dropLoginProcedure},
     {"sp_password", "@old= @new @loginame=", passwordProcedure},
@@ -195,7 +195,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> securityProcedures()
 {
-    return procedures;
+    return securityTable;
 }
 
 } // namespace practice

@@ -162,7 +162,7 @@ Column      sysname       CASE WHEN p.action IN (193, 197) THEN '(All+New)' ELSE
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure securityHelpTable[] = {
     {"sp_helplogins", "@LoginNamePattern=", helpLogins},
     {"sp_helpuser", "@name_in_db=", helpUser},
     {"sp_helprole", "@rolename=", helpRole},
@@ -176,7 +176,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> securityHelpProcedures()
 {
-    return procedures;
+    return securityHelpTable;
 }
 
 } // namespace practice

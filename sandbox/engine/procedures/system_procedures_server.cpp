@@ -136,7 +136,7 @@ int helpLanguage(const ProcedureCall& call)
     return 0;
 }
 
-constexpr SystemProcedure procedures[] = {
+constexpr SystemProcedure serverTable[] = {
     {"sp_who", "@loginame=", who},
     {"sp_who2", "@loginame=", who2},
     {"sp_configure", "@configname= @configvalue=", configure},
@@ -149,7 +149,7 @@ constexpr SystemProcedure procedures[] = {
 
 std::span<const SystemProcedure> serverProcedures()
 {
-    return procedures;
+    return serverTable;
 }
 
 } // namespace practice

@@ -12,6 +12,11 @@ using SessionBody = void (*)(SessionState&, const Call&);
 void defineSessionFunction(SessionState& session, const char* name, int arguments, SessionBody body,
                            Nulls nulls = Nulls::Propagate, Purity purity = Purity::Deterministic);
 
+inline void null(const Call& call)
+{
+    sqlite3_result_null(call.context());
+}
+
 void registerObjectFunctions(SessionState& session);    ///< object_id, col_name, columnproperty ...
 void registerDatabaseFunctions(SessionState& session);  ///< db_name, databasepropertyex, file_name ...
 void registerPrincipalFunctions(SessionState& session); ///< user_name, is_member ...

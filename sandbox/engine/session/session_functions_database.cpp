@@ -9,11 +9,6 @@ namespace practice {
 
 namespace {
 
-void null(const Call& call)
-{
-    sqlite3_result_null(call.context());
-}
-
 DatabasePtr databaseNamed(SessionState& session, std::string_view name)
 {
     return session.catalog().database(std::string(name));

@@ -9,11 +9,6 @@ namespace practice {
 
 namespace {
 
-void null(const Call& call)
-{
-    sqlite3_result_null(call.context());
-}
-
 ObjectPtr objectNamed(SessionState& session, std::string_view text)
 {
     const ast::ObjectName name = parseObjectName(text);

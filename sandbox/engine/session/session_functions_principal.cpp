@@ -6,11 +6,6 @@ namespace practice {
 
 namespace {
 
-void null(const Call& call)
-{
-    sqlite3_result_null(call.context());
-}
-
 void userName(SessionState& session, const Call& call)
 {
     const auto found = session.catalog().principal(session.database()->id, static_cast<int>(call.integer(0)));

@@ -3,6 +3,7 @@
 #include "platform/ado/Batch.h"
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/Session.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <utility>
 
@@ -66,7 +67,8 @@ void Connection::Open(const QString& text, const QString& user, const QString& p
         request.password = password;
     // Without a user the drivers try other ways to log in, and fail without saying why.
     if (request.user.isEmpty())
-        basic::raise(number::LoginFailed, u"Login failed for user ''."_s);
+        basic::raise(number::LoginFailed,
+                     basic::uiText("Error de inicio de sesión del usuario ''.", "Login failed for user ''."));
     Close();
     m_session = std::make_unique<Session>(
         request, std::chrono::seconds(request.timeout.value_or(m_connectionTimeout)));
@@ -91,7 +93,8 @@ void Connection::requireSession() const
 {
     if (State() == 0)
         basic::raise(m_session ? number::DriverFailure : basic::error::BadConnection,
-                     m_session ? u"The connection with the server was lost. Connect again."_s
+                     m_session ? basic::uiText("Se ha perdido la conexión con el servidor. Conecte de nuevo.",
+                                               "The connection with the server was lost. Connect again.")
                                : basic::standardDescription(basic::error::BadConnection));
 }
 

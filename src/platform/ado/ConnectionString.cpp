@@ -1,6 +1,7 @@
 #include "platform/ado/ConnectionString.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <QHash>
 
@@ -46,9 +47,13 @@ const QHash<QString, Key>& keys()
 
 [[noreturn]] void refuse()
 {
-    basic::raise(number::BadConnectionString,
-                 u"The connection string is not well formed: every part must read name=value, "
-                 "and a value that begins with a quotation mark must end with one."_s);
+    basic::raise(
+        number::BadConnectionString,
+        basic::uiText(
+            "La cadena de conexión está mal formada: cada parte debe ser nombre=valor, y un valor que "
+            "empieza con comillas debe acabar con ellas.",
+            "The connection string is not well formed: every part must read name=value, "
+            "and a value that begins with a quotation mark must end with one."));
 }
 
 /// Walks over a connection string pair by pair.

@@ -1,6 +1,7 @@
 #include "platform/ado/Diagnostics.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include <QRegularExpression>
 #include <algorithm>
 #include <utility>
@@ -40,7 +41,9 @@ bool isUnexplained(const Diagnostic& record)
 basic::RuntimeError serverError(const Diagnostic& record)
 {
     return {record.native, record.text.trimmed().isEmpty()
-                               ? u"The server reported error %1 without saying more."_s.arg(record.native)
+                               ? basic::uiText("El servidor dio el error %1 sin decir más.",
+                                               "The server reported error %1 without saying more.")
+                                     .arg(record.native)
                                : record.text};
 }
 
@@ -53,8 +56,11 @@ const Diagnostic* findServerError(const std::vector<Diagnostic>& records)
 basic::RuntimeError lostConnection()
 {
     return {number::DriverFailure,
-            u"The connection with the server was lost: it closed it, or its answer could not be read. "
-            "Connect again."_s};
+            basic::uiText(
+                "Se ha perdido la conexión con el servidor: la cerró, o no se pudo leer su respuesta. "
+                "Conecte de nuevo.",
+                "The connection with the server was lost: it closed it, or its answer could not be read. "
+                "Connect again.")};
 }
 
 /// Reads record by record with a function that is SQLGetDiagRec. A record's text ends where the driver wrote
@@ -162,34 +168,53 @@ basic::RuntimeError connectError(const std::vector<Diagnostic>& records, const Q
     };
     if (has(freeTdsUnknownHost))
         return {number::NoServer,
-                u"SQL Server does not exist or access denied: no machine of this name is known (%1)."_s.arg(
-                    server)};
+                basic::uiText(
+                    "No existe el servidor SQL Server o se ha denegado el acceso: no se conoce ninguna "
+                    "máquina de ese nombre (%1).",
+                    "SQL Server does not exist or access denied: no machine of this name is known (%1).")
+                    .arg(server)};
     if (has(freeTdsUnexpectedEnd))
-        return {number::NoServer,
-                u"SQL Server does not exist or access denied: what answers at %1 closed the "
-                "connection or does not speak SQL Server's protocol."_s.arg(server)};
+        return {
+            number::NoServer,
+            basic::uiText(
+                "No existe el servidor SQL Server o se ha denegado el acceso: lo que responde en %1 cerró la "
+                "conexión o no habla el protocolo de SQL Server.",
+                "SQL Server does not exist or access denied: what answers at %1 closed the "
+                "connection or does not speak SQL Server's protocol.")
+                .arg(server)};
     if (std::ranges::any_of(records, &Diagnostic::isLost))
         return {number::NoServer,
-                u"SQL Server does not exist or access denied: no server answers at %1."_s.arg(server)};
+                basic::uiText("No existe el servidor SQL Server o se ha denegado el acceso: ningún servidor "
+                              "responde en %1.",
+                              "SQL Server does not exist or access denied: no server answers at %1.")
+                    .arg(server)};
     return {number::DriverFailure,
-            records.empty() ? u"Connecting to %1 failed."_s.arg(server) : records.front().text};
+            records.empty()
+                ? basic::uiText("No se pudo conectar con %1.", "Connecting to %1 failed.").arg(server)
+                : records.front().text};
 }
 
 basic::RuntimeError damagedAnswer()
 {
     return {number::DriverFailure,
-            u"The server's answer did not arrive whole: rows are missing. Connect again."_s};
+            basic::uiText("La respuesta del servidor no llegó entera: faltan filas. Conecte de nuevo.",
+                          "The server's answer did not arrive whole: rows are missing. Connect again.")};
 }
 
 basic::RuntimeError statementTimeOut()
 {
-    return {number::TimeOut,
-            u"Timeout expired. The statement was cancelled because its time limit has passed."_s};
+    return {
+        number::TimeOut,
+        basic::uiText("Tiempo de espera agotado. La sentencia se canceló porque ha pasado su tiempo límite.",
+                      "Timeout expired. The statement was cancelled because its time limit has passed.")};
 }
 
 basic::RuntimeError connectTimeOut(const QString& server)
 {
-    return {number::TimeOut, u"Timeout expired. The server did not answer in time (%1)."_s.arg(server)};
+    return {number::TimeOut,
+            basic::uiText("Tiempo de espera agotado. El servidor no respondió a tiempo (%1).",
+                          "Timeout expired. The server did not answer in time (%1).")
+                .arg(server)};
 }
 
 } // namespace ado

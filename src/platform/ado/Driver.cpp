@@ -1,6 +1,7 @@
 #include "platform/ado/Driver.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <QRegularExpression>
 
@@ -42,7 +43,10 @@ QString braced(const QString& value, Driver::Family family)
     if (value.contains("};"_L1))
         basic::raise(
             number::BadConnectionString,
-            u"The driver cannot pass on a server, database, user or password that contains \"};\"."_s);
+            basic::uiText(
+                "El controlador no puede transmitir un servidor, base de datos, usuario o contraseña que "
+                "contenga \"};\".",
+                "The driver cannot pass on a server, database, user or password that contains \"};\"."));
     return u'{' + value + u'}';
 }
 
@@ -72,9 +76,12 @@ Driver chooseDriver(const std::vector<RegisteredDriver>& registered,
     for (const QLatin1StringView folder : freeTdsFolders)
         if (const QString path = folder + freeTdsLibrary; exists(path))
             return {path, Driver::Family::FreeTds};
-    basic::raise(number::DriverFailure,
-                 u"No ODBC driver for SQL Server is installed. Install the package tdsodbc "
-                 "(apt install tdsodbc), or Microsoft's ODBC driver, and connect again."_s);
+    basic::raise(
+        number::DriverFailure,
+        basic::uiText("No hay ningún controlador ODBC de SQL Server instalado. Instale el paquete tdsodbc "
+                      "(apt install tdsodbc), o el controlador ODBC de Microsoft, y conecte de nuevo.",
+                      "No ODBC driver for SQL Server is installed. Install the package tdsodbc "
+                      "(apt install tdsodbc), or Microsoft's ODBC driver, and connect again."));
 }
 
 QString odbcConnectionString(const Driver& driver, const ServerAddress& address,

@@ -1,13 +1,12 @@
 #include "platform/ado/DriverEncoding.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <algorithm>
 #include <cstring>
 #include <dlfcn.h>
 #include <iconv.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -75,8 +74,10 @@ char16_t freeStandIn(const QString& text, char16_t from)
         if (isUnlikeUtf8(candidate) && !text.contains(QChar(candidate)))
             return candidate;
     }
-    basic::raise(number::BadStatement,
-                 u"The statement contains too many halves of characters to be sent to the server."_s);
+    basic::raise(
+        number::BadStatement,
+        basic::uiText("La instrucción contiene demasiadas mitades de caracteres para enviarla al servidor.",
+                      "The statement contains too many halves of characters to be sent to the server."));
 }
 
 } // namespace

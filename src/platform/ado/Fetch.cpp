@@ -3,6 +3,7 @@
 #include "platform/ado/Diagnostics.h"
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/FieldReader.h"
+#include "platform/basic/Language.h"
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -151,7 +152,9 @@ void Fetcher::addValue(const Field& field, ColumnBuilder& builder, const char* d
         static_cast<std::size_t>(length) + reader.closing > std::max(reader.width, reader.closing))
         basic::raise(
             number::DriverFailure,
-            u"A value of the column \"%1\" is longer than the server declared it."_s.arg(reader.column.name));
+            basic::uiText("Un valor de la columna \"%1\" es más largo de lo que el servidor declaró.",
+                          "A value of the column \"%1\" is longer than the server declared it.")
+                .arg(reader.column.name));
     if (reader.add == nullptr)
         builder.addFixed(data);
     else

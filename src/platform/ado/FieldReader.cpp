@@ -2,6 +2,7 @@
 
 #include "platform/ado/Diagnostics.h"
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 
 using namespace Qt::StringLiterals;
 
@@ -200,8 +201,11 @@ FieldReader describeField(SQLHSTMT statement, SQLUSMALLINT number, Driver::Famil
     const int mostDigits =
         reader.column.kind == FieldKind::Decimal ? field::mostDecimalDigits : field::mostSecondDigits;
     if (reader.column.scale < 0 || reader.column.scale > mostDigits)
-        basic::raise(number::DriverFailure,
-                     u"The server declares the column \"%1\" with a scale that no type has."_s.arg(name));
+        basic::raise(
+            number::DriverFailure,
+            basic::uiText("El servidor declara la columna \"%1\" con una escala que ningún tipo tiene.",
+                          "The server declares the column \"%1\" with a scale that no type has.")
+                .arg(name));
     return reader;
 }
 

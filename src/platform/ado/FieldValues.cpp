@@ -2,6 +2,7 @@
 
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/Odbc.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <QDate>
 #include <array>
@@ -25,8 +26,9 @@ constexpr int longestOffset = 14;            ///< hours from UTC
 
 [[noreturn]] void refuseValue(const Column& column)
 {
-    basic::raise(number::DriverFailure,
-                 u"A value of the column \"%1\" could not be read."_s.arg(column.name));
+    basic::raise(number::DriverFailure, basic::uiText("No se pudo leer un valor de la columna \"%1\".",
+                                                      "A value of the column \"%1\" could not be read.")
+                                            .arg(column.name));
 }
 
 template <class T>

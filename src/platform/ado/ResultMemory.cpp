@@ -1,12 +1,11 @@
 #include "platform/ado/ResultMemory.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <atomic>
 #include <unistd.h>
 #include <utility>
-
-using namespace Qt::StringLiterals;
 
 namespace ado {
 
@@ -52,10 +51,13 @@ void ResultShare::grow(std::size_t bytes)
     m_bytes += bytes;
     if (held.fetch_add(bytes) + bytes <= resultLimit())
         return;
-    basic::raise(number::ResultsTooLarge,
-                 u"The results are larger than the %1 MB that this program keeps of them. The rest was "
-                 "cancelled: read fewer rows at a time, or close other results."_s.arg(resultLimit() /
-                                                                                       bytesPerMegabyte));
+    basic::raise(
+        number::ResultsTooLarge,
+        basic::uiText("Los resultados superan los %1 MB que este programa conserva de ellos. El resto se ha "
+                      "cancelado: lea menos filas a la vez o cierre otros resultados.",
+                      "The results are larger than the %1 MB that this program keeps of them. The rest was "
+                      "cancelled: read fewer rows at a time, or close other results.")
+            .arg(resultLimit() / bytesPerMegabyte));
 }
 
 void ResultShare::release()

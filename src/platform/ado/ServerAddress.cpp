@@ -1,6 +1,7 @@
 #include "platform/ado/ServerAddress.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 
 using namespace Qt::StringLiterals;
@@ -18,8 +19,10 @@ int parsePort(const QString& text, const QString& dataSource)
     if (!isNumber || port < 1 || port > lastPort)
         basic::raise(
             number::NoServer,
-            u"The server \"%1\" cannot be reached: what follows the comma is not a port from 1 to %2."_s.arg(
-                dataSource, QString::number(lastPort)));
+            basic::uiText(
+                "No se puede alcanzar el servidor \"%1\": lo que sigue a la coma no es un puerto de 1 a %2.",
+                "The server \"%1\" cannot be reached: what follows the comma is not a port from 1 to %2.")
+                .arg(dataSource, QString::number(lastPort)));
     return port;
 }
 
@@ -39,7 +42,7 @@ QString ServerAddress::description() const
 {
     if (!instance.isEmpty())
         return host + u'\\' + instance;
-    return u"%1, port %2"_s.arg(host).arg(port == 0 ? defaultPort : port);
+    return basic::uiText("%1, puerto %2", "%1, port %2").arg(host).arg(port == 0 ? defaultPort : port);
 }
 
 ServerAddress parseServerAddress(const QString& dataSource)

@@ -1,6 +1,7 @@
 #include "platform/ado/StatementText.h"
 
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 
 using namespace Qt::StringLiterals;
@@ -71,12 +72,16 @@ bool hasRewrittenPart(const QString& text, Driver::Family family)
 EncodedText textForDriver(const QString& text, Driver::Family family, bool restoresStandIns)
 {
     if (text.isEmpty())
-        basic::raise(number::NoCommandText, u"Command text was not set for the command object."_s);
+        basic::raise(number::NoCommandText,
+                     basic::uiText("No se ha dado texto al comando.",
+                                   "Command text was not set for the command object."));
     if (restoresStandIns)
         return withStandIns(text);
     if (family == Driver::Family::FreeTds && text.contains(QChar(u'\0')))
-        basic::raise(number::BadStatement,
-                     u"The statement contains a NUL character, which cannot be sent to the server."_s);
+        basic::raise(
+            number::BadStatement,
+            basic::uiText("La sentencia contiene un carácter NUL, que no se puede enviar al servidor.",
+                          "The statement contains a NUL character, which cannot be sent to the server."));
     if (!hasRewrittenPart(text, family))
         return {text, {}};
     return {"EXEC(N'"_L1 + QString(text).replace(u'\'', "''"_L1) + "')"_L1, {}};

@@ -55,7 +55,8 @@ private:
     QByteArray m_what;
 };
 
-/// The standard sentence of `number`, or "Application-defined or object-defined error" for any other.
+/// The standard sentence of `number` in the program's language, or "Application-defined or object-defined
+/// error" for any other.
 QString standardDescription(int number);
 
 [[noreturn]] void raise(int number);

@@ -11,7 +11,7 @@ namespace controls {
 
 namespace {
 
-FileDialogAnswerer& script()
+FileDialogAnswerer& scriptedFile()
 {
     static FileDialogAnswerer answerer;
     return answerer;
@@ -19,8 +19,8 @@ FileDialogAnswerer& script()
 
 QString ask(bool save, const QString& pattern, const QString& extension, const QString& last)
 {
-    if (script())
-        return script()(save, pattern);
+    if (scriptedFile())
+        return scriptedFile()(save, pattern);
     QFileDialog dialog(QApplication::activeWindow());
     dialog.setWindowTitle(save ? uiText("Guardar", "Save") : uiText("Abrir", "Open"));
     dialog.setNameFilter(pattern);
@@ -45,7 +45,7 @@ void FileDialog::show(bool save)
 
 void setFileDialogAnswerer(FileDialogAnswerer answerer)
 {
-    script() = std::move(answerer);
+    scriptedFile() = std::move(answerer);
 }
 
 } // namespace controls

@@ -1,5 +1,6 @@
 #include "platform/controls/Form.h"
 
+#include "platform/controls/DialogFrame.h"
 #include "platform/controls/FormHost.h"
 #include "platform/controls/LoadedWindows.h"
 #include "platform/controls/Pointer.h"
@@ -8,6 +9,7 @@
 #include <QCloseEvent>
 #include <QEventLoop>
 #include <QMdiSubWindow>
+#include <QPushButton>
 #include <QWindow>
 
 namespace controls {
@@ -56,6 +58,8 @@ void Form::Load()
     m_loaded = true;
     loadedWindows() += this;
     Form_Load();
+    for (auto* button : findChildren<QPushButton*>())
+        button->setAutoDefault(true); // a button outside a dialog would leave Enter alone
 }
 
 void Form::Show()
@@ -84,7 +88,7 @@ void Form::ShowModal()
     connect(this, &Form::unloaded, &loop, &QEventLoop::quit);
     connect(this, &QObject::destroyed, &loop, &QEventLoop::quit);
     setWindowModality(Qt::ApplicationModal);
-    setWindowFlag(Qt::Dialog);
+    setMinMaxButtons(false);
     showAsWindow();
     activateWindow();
     loop.exec();
@@ -92,6 +96,8 @@ void Form::ShowModal()
 
 void Form::showAsWindow()
 {
+    if (!m_minMaxButtons)
+        setWindowFlags(Qt::Dialog | dialogFrame);
     if (const auto* owner = QApplication::activeWindow()) {
         create();
         windowHandle()->setTransientParent(owner->windowHandle());

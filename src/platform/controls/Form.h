@@ -17,6 +17,7 @@ namespace controls {
 class Form : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(bool minMaxButtons READ minMaxButtons WRITE setMinMaxButtons)
 
 public:
     enum WindowState
@@ -32,8 +33,13 @@ public:
     [[nodiscard]] QString Name() const { return objectName(); }
     [[nodiscard]] QString Caption() const { return windowTitle(); }
     void setCaption(const QString& caption);
+    /// Whether the frame has buttons to minimise and to maximise; to be set before the form shows. Above all
+    /// other windows it never has.
+    [[nodiscard]] bool minMaxButtons() const { return m_minMaxButtons; }
+    void setMinMaxButtons(bool wanted) { m_minMaxButtons = wanted; }
 
-    /// Enters the list of loaded forms and runs Form_Load; nothing when loaded.
+    /// Enters the list of loaded forms and runs Form_Load; nothing when loaded. From then on Enter presses
+    /// the button that has the focus.
     void Load();
     /// Loads, and shows as a child of the MDI window; a visible form only comes forward. A minimised one
     /// is restored after its Form_Activate.
@@ -75,6 +81,7 @@ private:
 
     QPointer<QMdiSubWindow> m_frame;
     bool m_loaded = false;
+    bool m_minMaxButtons = true;
 };
 
 /// Loaded forms in the order of their loading, without the MDI window.

@@ -10,12 +10,6 @@ namespace {
 
 constexpr int Spanish = 0;
 
-int& current()
-{
-    static int language = Spanish;
-    return language;
-}
-
 void translateToolkit(const QString& catalogue, bool wanted)
 {
     auto* application = QCoreApplication::instance();
@@ -36,14 +30,9 @@ void translateToolkit(const QString& catalogue, bool wanted)
 
 void setUiLanguage(int language)
 {
-    current() = language;
+    basic::setLanguage(language == Spanish ? basic::Language::Spanish : basic::Language::English);
     for (const char* catalogue : {"qtbase_es", "qscintilla_es"})
         translateToolkit(QLatin1String(catalogue), language == Spanish);
-}
-
-QString uiText(const char* spanish, const char* english)
-{
-    return QString::fromUtf8(current() == Spanish ? spanish : english);
 }
 
 } // namespace controls

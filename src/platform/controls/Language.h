@@ -1,14 +1,14 @@
-// The language of the platform's own texts: buttons, dialogs, pop-ups.
+// The language of the platform's own texts: errors, buttons, dialogs, pop-ups.
 #pragma once
 
-#include <QString>
+#include "platform/basic/Language.h"
 
 namespace controls {
 
-/// Spanish for 0, English for anything else. The toolkit's dialogs and menus follow when its translations
-/// are installed.
-void setUiLanguage(int language);
+using basic::uiText;
 
-[[nodiscard]] QString uiText(const char* spanish, const char* english);
+/// Spanish for 0, English for anything else. The toolkit's dialogs, buttons and menus follow when its
+/// translations are installed.
+void setUiLanguage(int language);
 
 } // namespace controls

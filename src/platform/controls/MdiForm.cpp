@@ -1,11 +1,13 @@
 #include "platform/controls/MdiForm.h"
 
 #include "platform/controls/ChildFocus.h"
+#include "platform/controls/DialogFrame.h"
 #include "platform/controls/LoadedWindows.h"
 
 #include <QCloseEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QScreen>
 #include <QShortcut>
 #include <QStyle>
 
@@ -31,7 +33,6 @@ MdiForm::MdiForm(QWidget* parent) : QMainWindow(parent), m_area(new QMdiArea(thi
     m_area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     setCentralWidget(m_area);
-    resize(1200, 760);
     connect(m_area, &QMdiArea::subWindowActivated, this, &MdiForm::childActivated);
     new ChildFocus(m_area);
     // Beside Ctrl+W and Ctrl+Tab, the keys that multi-document windows have elsewhere.
@@ -67,8 +68,20 @@ void MdiForm::Load()
 void MdiForm::Show()
 {
     Load();
+    if (!testAttribute(Qt::WA_WState_Created))
+        fitToScreen();
     show();
     activateWindow();
+}
+
+void MdiForm::fitToScreen()
+{
+    constexpr QSize usual(1200, 760);
+    constexpr QSize least(480, 280); // the connect form, whole
+    constexpr QSize frame(10, 40);   // a window manager's; its real one is known only later
+    const QSize room = screen()->availableSize() - frame;
+    setMinimumSize(least.boundedTo(room));
+    resize(usual.boundedTo(room));
 }
 
 bool MdiForm::Unload()
@@ -119,7 +132,7 @@ QMdiSubWindow* MdiForm::adopt(Form* form)
 {
     const QSize wanted =
         form->testAttribute(Qt::WA_Resized) ? form->size().expandedTo(form->sizeHint()) : form->sizeHint();
-    auto* frame = m_area->addSubWindow(form);
+    auto* frame = m_area->addSubWindow(form, form->minMaxButtons() ? Qt::WindowFlags() : dialogFrame);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     frame->setWindowTitle(form->windowTitle());
     const QSize border = frame->sizeHint() - form->sizeHint();

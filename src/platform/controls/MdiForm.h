@@ -25,6 +25,7 @@ public:
 
     [[nodiscard]] QString Name() const { return objectName(); }
     void Load();
+    /// At its first showing the window takes a size that leaves it inside the screen's free area.
     void Show();
     /// False when a child or the window's own handler keeps it.
     bool Unload();
@@ -51,6 +52,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void fitToScreen();
     void childActivated(QMdiSubWindow* frame);
     void childStateChanged(QMdiSubWindow* frame, Qt::WindowStates before, Qt::WindowStates now);
     void activateNext();

@@ -31,7 +31,7 @@ name      nchar(128)  f.name
 filename  nchar(260)  f.filename
 )";
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition filesDefinitions[] = {
     {"dbo", "sysdatabases", true, databaseColumns, "FROM cat_database d"},
     {"dbo", "sysfiles", false, fileColumns, "FROM cat_file f WHERE f.dbid = :db"},
     {"dbo", "sysfiles1", false,
@@ -81,7 +81,7 @@ phyname    nvarchar(260)? d.phyname
 
 std::span<const SystemTableDefinition> fileSystemTables()
 {
-    return definitions;
+    return filesDefinitions;
 }
 
 } // namespace practice

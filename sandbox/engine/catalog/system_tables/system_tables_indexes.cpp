@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition indexesDefinitions[] = {
     {"dbo", "sysindexes", false,
      R"(
 id           int        i.id
@@ -123,7 +123,7 @@ keyno    smallint  c.keyno
 
 std::span<const SystemTableDefinition> indexSystemTables()
 {
-    return definitions;
+    return indexesDefinitions;
 }
 
 } // namespace practice

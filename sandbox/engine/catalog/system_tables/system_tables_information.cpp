@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition informationDefinitions[] = {
     {"INFORMATION_SCHEMA", "SCHEMATA", false,
      R"(
 CATALOG_NAME                  sysname?  d.name
@@ -212,7 +212,7 @@ CONSTRAINT_NAME    sysname   o.name
 
 std::span<const SystemTableDefinition> informationSchemaViews()
 {
-    return definitions;
+    return informationDefinitions;
 }
 
 } // namespace practice

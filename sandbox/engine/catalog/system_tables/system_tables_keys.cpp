@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition keysDefinitions[] = {
     {"sys", "indexes", false,
      R"(
 object_id             int            i.id
@@ -153,7 +153,7 @@ is_system_named   bit             0
 
 std::span<const SystemTableDefinition> constraintCatalogViews()
 {
-    return definitions;
+    return keysDefinitions;
 }
 
 } // namespace practice

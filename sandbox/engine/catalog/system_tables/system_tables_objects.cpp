@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition objectsDefinitions[] = {
     {"dbo", "sysobjects", false,
      R"(
 name            sysname   o.name
@@ -182,7 +182,7 @@ status  int      column3
 
 std::span<const SystemTableDefinition> objectSystemTables()
 {
-    return definitions;
+    return objectsDefinitions;
 }
 
 } // namespace practice

@@ -3,7 +3,7 @@
 namespace practice {
 namespace {
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition securityDefinitions[] = {
     {"dbo", "sysusers", false,
      R"(
 uid          smallint        u.uid
@@ -174,7 +174,7 @@ principal_id  int      u.uid
 
 std::span<const SystemTableDefinition> securitySystemTables()
 {
-    return definitions;
+    return securityDefinitions;
 }
 
 } // namespace practice

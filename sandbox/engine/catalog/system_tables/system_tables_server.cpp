@@ -45,7 +45,7 @@ namespace {
 constexpr const char* processSource =
     "FROM json_each(practice_sessions()) j LEFT JOIN cat_login l ON l.name = j.value ->> 'login'";
 
-const SystemTableDefinition definitions[] = {
+const SystemTableDefinition serverDefinitions[] = {
     {"dbo", "spt_values", true,
      R"(
 name    nvarchar(35)? v.name
@@ -211,7 +211,7 @@ is_user_process        bit            1
 
 std::span<const SystemTableDefinition> serverSystemTables()
 {
-    return definitions;
+    return serverDefinitions;
 }
 
 } // namespace practice

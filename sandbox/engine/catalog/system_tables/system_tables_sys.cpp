@@ -48,7 +48,7 @@ uses_quoted_identifier  bit?            o.quoted
 is_schema_bound         bit?            0
 )";
 
-constexpr SystemTableDefinition definitions[] = {
+constexpr SystemTableDefinition sysDefinitions[] = {
     {"sys", "databases", true,
      R"(
 name                     sysname        d.name
@@ -253,7 +253,7 @@ value       nvarchar(4000)? NULL
 
 std::span<const SystemTableDefinition> catalogViews()
 {
-    return definitions;
+    return sysDefinitions;
 }
 
 } // namespace practice
