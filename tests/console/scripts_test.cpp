@@ -89,7 +89,8 @@ TEST_F(Guiones, AFileThatCannotBeOpenedMakesNoFormAndSendsNothing)
     elegido = carpeta.filePath(u"no/hay.sql"_s);
     for (auto* entrada : {::mdiPrincipal->mnuAbrir, ::mdiPrincipal->mnuGuardar}) {
         entrada->trigger();
-        EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:76 (Path not found)."_s, 48, u"Atención."_s}}));
+        EXPECT_EQ(Avisos(),
+                  (QList<Aviso>{{u" Error Nº:76 (No se encuentra la ruta)."_s, 48, u"Atención."_s}}));
         EXPECT_FALSE(::frmAnalizadorConsultas.exists());
         EXPECT_EQ(Transcripcion(), QString());
     }
@@ -102,7 +103,7 @@ TEST_F(Guiones, ASaveWithoutRoomSaysSo)
     forma()->txtSQL->setText(texto);
     elegido = u"/dev/full"_s;
     ::mdiPrincipal->mnuGuardar->trigger();
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:61 (Disk full)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:61 (Disco lleno)."_s, 48, u"Atención."_s}}));
     EXPECT_EQ(forma()->txtSQL->Text(), texto);
 }
 
@@ -123,7 +124,8 @@ TEST_F(Guiones, AReadErrorLeavesTheLinesReadSoFar)
     forma()->txtSQL->setText(u"otra"_s);
     elegido = u"/proc/self/mem"_s; // opens, and fails at its first byte
     ::mdiPrincipal->mnuAbrir->trigger();
-    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:57 (Device I/O error)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u" Error Nº:57 (Error de E/S de dispositivo)."_s, 48, u"Atención."_s}}));
     EXPECT_EQ(forma()->txtSQL->Text(), QString());
 }
 

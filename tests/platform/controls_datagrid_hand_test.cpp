@@ -1,5 +1,6 @@
 // The data grid under the hand: keys, clicks, lists, ticks, pictures, clipboard, scrolling, and aloud.
 #include "controls_datagrid.h"
+#include "platform/controls/Language.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -362,6 +363,7 @@ TEST_F(DataGrids, AWidthSetByHandStaysAndNoCaptionIsClipped)
 
 TEST_F(DataGrids, AScreenReaderHearsColumnRowAndText)
 {
+    setUiLanguage(0);
     open();
     offer({"bit", "char"}, ValueItems::Presentation::DropDown);
     offer({}, ValueItems::Presentation::CheckBox, 3);
