@@ -167,17 +167,11 @@ private:
     std::size_t next_ = 0;
 };
 
-int numberOf(SessionState& session, const ast::Expression& expression)
-{
-    const Value value = session.evaluate(expression, intType());
-    return value.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(value.data));
-}
-
 /// The old form: RAISERROR 50001 'text'.
 Message oldForm(SessionState& session, const ast::RaiserrorStatement& statement)
 {
     Message message;
-    message.number = numberOf(session, *statement.message);
+    message.number = session.number(*statement.message);
     if (!statement.arguments.empty())
         message.text = asText(session, *statement.arguments.front());
     return message;
@@ -191,8 +185,8 @@ Message catalogued(SessionState& session, const ast::RaiserrorStatement& stateme
         raise(2732, {std::to_string(number), std::to_string(firstNumber), std::to_string(INT32_MAX)});
     const MessageText* known = findMessageText(static_cast<int>(number));
     if (known == nullptr)
-        raise(18054, {std::to_string(number), std::to_string(numberOf(session, *statement.severity)),
-                      std::to_string(numberOf(session, *statement.state))});
+        raise(18054, {std::to_string(number), std::to_string(session.number(*statement.severity)),
+                      std::to_string(session.number(*statement.state))});
     Message message;
     message.number = known->number;
     message.severity = known->severity;
@@ -221,9 +215,9 @@ Message composed(SessionState& session, const ast::RaiserrorStatement& statement
         message.text = shortened(Formatter(session, statement.arguments, false).format(text));
     }
     constexpr int own = -1; // the severity and the state that the message has of itself
-    if (const int severity = numberOf(session, *statement.severity); severity != own)
+    if (const int severity = session.number(*statement.severity); severity != own)
         message.severity = std::clamp(severity, 0, worstSeverity);
-    const int state = numberOf(session, *statement.state);
+    const int state = session.number(*statement.state);
     message.state = state < 0 ? 1 : std::min(state, 255);
     if (message.severity > highestOpenSeverity && !statement.log)
         raise(2754);
@@ -272,7 +266,7 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
         if (table->identityColumn() == nullptr)
             raise(7997, {name.object});
         if (lowerCase(argument(1)) == "reseed" && statement.arguments.size() > 2) {
-            const int seed = numberOf(session, *statement.arguments[2]);
+            const int seed = session.number(*statement.arguments[2]);
             session.atomically([&session, &table, seed] {
                 session.catalog().setLastIdentity(table->databaseId, table->id, seed);
                 return 0;

@@ -83,12 +83,6 @@ std::string wordOf(SessionState& session, const ast::Expression& value)
     return text.isNull() ? std::string() : std::get<std::string>(text.data);
 }
 
-int numberOf(SessionState& session, const ast::Expression& value)
-{
-    const Value number = session.evaluate(value, intType());
-    return number.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(number.data));
-}
-
 int isolationLevel(const std::string& name)
 {
     constexpr std::array<std::string_view, 5> levels = {"read uncommitted", "read committed",
@@ -104,19 +98,19 @@ void setValue(SessionState& session, const std::string& name, const ast::Express
 {
     SessionOptions& options = session.options();
     if (name == "ROWCOUNT") {
-        const int rows = numberOf(session, value);
+        const int rows = session.number(value);
         if (rows < 0)
             raise(507);
         options.rowCount = rows;
     } else if (name == "TEXTSIZE") {
         constexpr int least = 4096;
-        const int bytes = numberOf(session, value);
+        const int bytes = session.number(value);
         options.textSize = bytes == 0 ? least : std::max(bytes, -1);
     } else if (name == "LOCK_TIMEOUT") {
         const auto* unary = ast::tryAs<ast::Unary>(&value);
-        session.store().setLockTimeout(unary != nullptr ? -1 : numberOf(session, value));
+        session.store().setLockTimeout(unary != nullptr ? -1 : session.number(value));
     } else if (name == "DATEFIRST") {
-        const int first = numberOf(session, value);
+        const int first = session.number(value);
         if (first < 1 || first > 7)
             raise(2742, {std::to_string(first)});
         options.dateFirst = first;

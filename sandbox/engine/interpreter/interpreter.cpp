@@ -17,8 +17,6 @@ namespace {
 
 using Kind = ast::StatementKind;
 
-constexpr int deepestNesting = 32;
-
 /// Faults of binding end the module that they stand in; what ends the batch ends its transaction too.
 bool endsTransaction(int number)
 {
@@ -121,6 +119,13 @@ void Interpreter::runRequest(const std::string& text)
     }
 }
 
+void Interpreter::requireRoomToNest() const
+{
+    constexpr int deepestNesting = 32;
+    if (session_.nestLevel() >= deepestNesting)
+        raise(217, {std::to_string(deepestNesting)});
+}
+
 void Interpreter::runNested(const std::string& text)
 {
     auto frame = std::make_unique<Frame>();
@@ -137,8 +142,7 @@ void Interpreter::runNested(const std::string& text)
 
 void Interpreter::runInner(const std::string& text, Frame& prepared, const std::string& family)
 {
-    if (session_.nestLevel() >= deepestNesting)
-        raise(217, {std::to_string(deepestNesting)});
+    requireRoomToNest();
     auto frame = std::make_unique<Frame>(std::exchange(prepared, Frame{}));
     frame->compiled = session_.compile(text, family);
     frame->completion = Completion::Kind::InProcedure;

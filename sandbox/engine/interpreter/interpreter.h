@@ -66,6 +66,8 @@ private:
     void throwMessage(const ast::ThrowStatement& statement);
     void kill(const ast::KillStatement& statement);
 
+    /// @throws SqlError 217
+    void requireRoomToNest() const;
     template <typename Work>
     void guarded(const ast::Statement& statement, Work work);
     void report(const SqlError& error, std::uint16_t command, bool terminated);

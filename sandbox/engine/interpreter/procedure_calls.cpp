@@ -17,8 +17,6 @@ namespace practice {
 
 namespace {
 
-constexpr int deepestNesting = 32;
-
 const ast::CreateProcedureStatement& definitionOf(const CompiledBatch& compiled, const std::string& name)
 {
     const auto& statements = compiled.batch.statements;
@@ -169,8 +167,7 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
 
 int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& arguments)
 {
-    if (session_.nestLevel() >= deepestNesting)
-        raise(217, {std::to_string(deepestNesting)});
+    requireRoomToNest();
     const CompiledBatchPtr compiled = session_.compile(procedure->text);
     const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
     auto frame = std::make_unique<Frame>();

@@ -145,6 +145,8 @@ public:
     /// With the type that the expression has of itself.
     [[nodiscard]] Variable evaluate(const ast::Expression& expression);
     [[nodiscard]] bool isTrue(const ast::Expression& condition);
+    /// A whole number; 0 for NULL.
+    [[nodiscard]] int number(const ast::Expression& expression);
     [[nodiscard]] Value globalValue(const std::string& name);
 
     [[nodiscard]] Variable combined(const Variable& left, ast::AssignmentOperator op, const Variable& right);

@@ -177,4 +177,10 @@ Value SessionState::globalValue(const std::string& name)
     return found == readers().end() ? Value{std::int64_t{0}, {}} : found->second(*this);
 }
 
+int SessionState::number(const ast::Expression& expression)
+{
+    const Value value = evaluate(expression, intType());
+    return value.isNull() ? 0 : static_cast<int>(std::get<std::int64_t>(value.data));
+}
+
 } // namespace practice

@@ -11,7 +11,7 @@ namespace controls {
 
 namespace {
 
-constexpr int mostRows = 12;
+constexpr int rowsShown = 12;
 constexpr int sideMargin = 12;
 
 } // namespace
@@ -31,9 +31,9 @@ void ValueListPopup::open(const QStringList& texts, int current, const QRect& ce
     addItems(texts);
     setCurrentRow(current);
     const int frame = 2 * frameWidth();
-    const int rows = std::clamp(count(), 1, mostRows);
+    const int rows = std::clamp(count(), 1, rowsShown);
     const int height = rows * std::max(sizeHintForRow(0), fontMetrics().height()) + frame;
-    const int bar = count() > mostRows ? verticalScrollBar()->sizeHint().width() : 0;
+    const int bar = count() > rowsShown ? verticalScrollBar()->sizeHint().width() : 0;
     const int width = std::max(cell.width(), sizeHintForColumn(0) + frame + bar + sideMargin);
     const QRect area = screen()->availableGeometry();
     QRect place(cell.left(), cell.bottom() + 1, width, height);
