@@ -152,6 +152,9 @@ TEST_F(AdoBatches, WhatIsKeptOfResultsIsBounded)
         EXPECT_EQ(ado::resultBytes(), before) << "what was read is let go";
         EXPECT_EQ(ending(u"select 1"_s), 0);
     }
+    EXPECT_EQ(refusal(u"while 1=1 begin select 1 print replicate('x', 4000) end"_s),
+              ado::number::ResultsTooLarge);
+    EXPECT_EQ(refusal(u"select 1"_s), 0);
 }
 
 } // namespace

@@ -69,25 +69,28 @@ std::shared_ptr<const Result> Batch::execute(const QString& text)
     prepare(text);
     const Turn turn(*this);
     auto outcome = std::make_shared<Result>();
+    MessageList said;
     std::optional<basic::RuntimeError> firstError;
     while (m_stage != Stage::Ended && m_stage != Stage::Refused) {
         try {
             const auto result = readNext(false);
             if (!result)
                 break;
-            outcome->messages += result->messages;
             if (result->affected >= 0)
                 outcome->affected = result->affected;
+            said.add(result->messages);
         } catch (const basic::RuntimeError& error) {
             if (!firstError)
                 firstError = error;
+            if (error.number() == number::ResultsTooLarge)
+                end();
         }
     }
     runToEnd();
-    outcome->messages += m_messages.take();
+    outcome->messages = said.take() + m_messages.take();
     if (!firstError)
         return outcome;
-    m_messages.add(outcome->messages);
+    m_messages.putBack(outcome->messages);
     throw *firstError;
 }
 
