@@ -1,3 +1,4 @@
+// Views and procedures of the sample databases.
 #include "sample/sample_scripts.h"
 
 namespace practice {

@@ -1,3 +1,4 @@
+// Rows of the sample databases.
 #include "sample/sample_scripts.h"
 
 namespace practice {

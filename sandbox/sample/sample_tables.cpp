@@ -1,3 +1,4 @@
+// Tables of the sample databases.
 #include "sample/sample_scripts.h"
 
 namespace practice {

@@ -1,3 +1,4 @@
+// How types are described on the wire.
 #include "tds/value_writer.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// CREATE and ALTER TABLE, and indexes.
 #include "tsql/table_parser.h"
 
 #include <algorithm>

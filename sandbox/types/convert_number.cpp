@@ -1,3 +1,4 @@
+// Conversions to numbers.
 #include "types/conversion.h"
 #include "types/date_time.h"
 #include "types/decimal.h"

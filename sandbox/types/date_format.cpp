@@ -1,3 +1,4 @@
+// Dates and times as text, in the styles of CONVERT.
 #include "types/date_time.h"
 
 #include <array>

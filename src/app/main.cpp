@@ -1,3 +1,4 @@
+// The program.
 #include "app/Main.h"
 #include "platform/controls/Theme.h"
 

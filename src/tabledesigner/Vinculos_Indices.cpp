@@ -1,3 +1,4 @@
+// The indexes and keys that hold a column, on its way through linked tables.
 #include "tabledesigner/Vinculos.h"
 
 #include "core/Funciones.h"

@@ -1,3 +1,4 @@
+// Conditions: comparisons, LIKE, IN, BETWEEN, EXISTS, AND, OR, NOT.
 #include "engine/binder/translator.h"
 #include "engine/messages/errors.h"
 #include "engine/store/collation.h"

@@ -1,3 +1,4 @@
+// Expressions: literals, columns, variables, CASE, CAST, unary and binary operators.
 #include "engine/binder/translator.h"
 
 #include "engine/binder/globals.h"

@@ -1,3 +1,4 @@
+// The functions of dates and times.
 #include "engine/binder/function_binder.h"
 #include "engine/functions/date_functions.h"
 #include "engine/messages/errors.h"

@@ -1,3 +1,4 @@
+// The functions of numbers.
 #include "engine/binder/function_binder.h"
 #include "engine/messages/errors.h"
 

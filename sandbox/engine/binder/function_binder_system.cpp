@@ -1,3 +1,4 @@
+// The functions of types, objects, principals and the session.
 #include "engine/binder/function_binder.h"
 #include "engine/messages/errors.h"
 

@@ -1,3 +1,4 @@
+// The functions of text.
 #include "engine/binder/function_binder.h"
 #include "engine/messages/errors.h"
 #include "engine/store/collation.h"

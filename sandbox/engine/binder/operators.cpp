@@ -1,3 +1,4 @@
+// The types of arithmetic and of comparisons.
 #include "engine/binder/translator.h"
 
 #include "engine/messages/errors.h"

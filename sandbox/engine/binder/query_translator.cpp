@@ -1,3 +1,4 @@
+// SELECT blocks and what joins them: grouping, ordering, set operations.
 #include "engine/binder/translator.h"
 #include "engine/messages/errors.h"
 

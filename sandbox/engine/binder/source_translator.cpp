@@ -1,3 +1,4 @@
+// FROM: tables, views, derived tables, joins, and the system tables.
 #include "engine/binder/parsed_texts.h"
 #include "engine/binder/translator.h"
 #include "engine/context/permissions.h"

@@ -1,3 +1,4 @@
+// The type that several values take together.
 #include "engine/binder/translator.h"
 #include "engine/messages/errors.h"
 

@@ -1,3 +1,4 @@
+// What a fresh store begins with, and what each start does anew.
 #include "engine/catalog/catalog.h"
 
 #include "engine/catalog/catalog_functions.h"

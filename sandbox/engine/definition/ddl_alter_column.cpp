@@ -1,3 +1,4 @@
+// ALTER TABLE ... ALTER COLUMN: the rows converted, and what holds a column.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/catalog/row_tables.h"
 #include "engine/definition/ddl_alter.h"

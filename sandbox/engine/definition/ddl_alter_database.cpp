@@ -1,3 +1,4 @@
+// ALTER DATABASE.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/catalog/database_options.h"
 #include "engine/context/permissions.h"

@@ -1,3 +1,4 @@
+// ALTER TABLE: columns and constraints added and dropped.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/catalog/row_tables.h"
 #include "engine/definition/ddl.h"

@@ -1,3 +1,4 @@
+// FOREIGN KEY constraints.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/definition/ddl_constraints.h"
 #include "engine/definition/ddl_names.h"

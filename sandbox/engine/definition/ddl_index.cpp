@@ -1,3 +1,4 @@
+// CREATE, ALTER and DROP INDEX.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
 #include "engine/definition/ddl.h"

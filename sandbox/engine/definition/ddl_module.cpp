@@ -1,3 +1,4 @@
+// CREATE and ALTER of views and procedures.
 #include "engine/binder/ddl_types.h"
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"

@@ -1,3 +1,4 @@
+// GRANT, DENY, REVOKE, and the definition of principals.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"

@@ -1,3 +1,4 @@
+// CREATE TABLE.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/catalog/row_tables.h"
 #include "engine/definition/ddl.h"

@@ -1,3 +1,4 @@
+// Cursors.
 #include "engine/execution/statements.h"
 #include "engine/execution/step_query.h"
 #include "engine/messages/errors.h"

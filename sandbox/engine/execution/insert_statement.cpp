@@ -1,3 +1,4 @@
+// INSERT.
 #include "engine/binder/parsed_texts.h"
 #include "engine/execution/change_target.h"
 #include "engine/execution/output_clause.h"

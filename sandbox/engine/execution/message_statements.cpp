@@ -1,3 +1,4 @@
+// PRINT, RAISERROR and THROW.
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
 #include "engine/messages/message_texts.h"

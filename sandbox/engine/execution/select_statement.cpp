@@ -1,3 +1,4 @@
+// SELECT as a statement: rows sent, or assigned to variables.
 #include "engine/execution/select_into.h"
 #include "engine/execution/statements.h"
 #include "engine/execution/step_query.h"

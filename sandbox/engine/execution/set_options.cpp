@@ -1,3 +1,4 @@
+// SET of the session's options.
 #include "engine/execution/change_target.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"

@@ -1,3 +1,4 @@
+// UPDATE and DELETE.
 #include "engine/binder/parsed_texts.h"
 #include "engine/context/permissions.h"
 #include "engine/execution/change_target.h"

@@ -1,3 +1,4 @@
+// Aggregates that SQLite has not, or has otherwise.
 #include "engine/functions/sql_functions.h"
 
 #include "engine/store/store.h"

@@ -1,3 +1,4 @@
+// Arithmetic with the ranges and errors of Transact-SQL.
 #include "engine/functions/sql_functions.h"
 
 #include "types/date_time.h"

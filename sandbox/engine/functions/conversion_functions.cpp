@@ -1,3 +1,4 @@
+// Conversions between types.
 #include "engine/functions/sql_functions.h"
 
 #include "engine/store/store.h"

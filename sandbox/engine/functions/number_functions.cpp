@@ -1,3 +1,4 @@
+// Functions of numbers.
 #include "engine/functions/sql_functions.h"
 
 #include "types/conversion.h"

@@ -1,3 +1,4 @@
+// LIKE, PATINDEX and what else matches patterns.
 #include "engine/functions/sql_functions.h"
 
 #include "types/text_encoding.h"

@@ -1,3 +1,4 @@
+// Functions of text.
 #include "engine/functions/sql_functions.h"
 
 #include "engine/store/store.h"

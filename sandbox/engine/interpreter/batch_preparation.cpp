@@ -1,3 +1,4 @@
+// What is done with a batch before anything of it runs.
 #include "engine/execution/statements.h"
 #include "engine/interpreter/interpreter.h"
 #include "engine/messages/errors.h"

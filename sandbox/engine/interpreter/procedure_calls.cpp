@@ -1,3 +1,4 @@
+// Calls of procedures, by EXEC and from the wire, and prepared texts.
 #include "engine/api/collecting_sink.h"
 #include "engine/binder/parsed_texts.h"
 #include "engine/context/permissions.h"

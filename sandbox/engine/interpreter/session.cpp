@@ -1,3 +1,4 @@
+// The server and its sessions, as the wire sees them.
 #include "engine/api/session.h"
 
 #include "engine/catalog/catalog_sessions.h"

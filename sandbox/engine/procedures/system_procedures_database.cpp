@@ -1,3 +1,4 @@
+// Databases, their options, files and backup devices.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/catalog/database_files.h"
 #include "engine/catalog/database_options.h"

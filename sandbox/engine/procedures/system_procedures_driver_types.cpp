@@ -1,3 +1,4 @@
+// The types of the server, as drivers ask for them.
 #include "engine/procedures/system_procedures.h"
 #include "engine/procedures/system_procedures_driver.h"
 

@@ -1,3 +1,4 @@
+// What tells of objects: sp_help and its like.
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"
 #include "engine/procedures/system_procedures.h"

@@ -1,3 +1,4 @@
+// sp_rename.
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"

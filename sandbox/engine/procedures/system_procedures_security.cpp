@@ -1,3 +1,4 @@
+// What adds, changes and drops logins, users, roles and members.
 #include "engine/context/security_principals.h"
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"

@@ -1,3 +1,4 @@
+// What lists logins, users, roles, members and rights.
 #include "engine/context/security_principals.h"
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"

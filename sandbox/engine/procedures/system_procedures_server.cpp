@@ -1,3 +1,4 @@
+// Who is there, how the server is configured, and which languages it knows.
 #include "engine/catalog/system_tables/system_tables.h"
 #include "engine/context/security_principals.h"
 #include "engine/messages/errors.h"

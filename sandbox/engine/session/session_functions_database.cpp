@@ -1,3 +1,4 @@
+// Functions that tell of databases and files.
 #include "engine/catalog/database_options.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"

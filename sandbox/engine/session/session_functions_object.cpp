@@ -1,3 +1,4 @@
+// Functions that tell of objects, columns and types.
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
 #include "tsql/parser.h"

@@ -1,3 +1,4 @@
+// Functions that tell of logins, users and roles.
 #include "engine/context/security_principals.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"

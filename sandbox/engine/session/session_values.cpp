@@ -1,3 +1,4 @@
+// Variables, and what expressions give outside queries.
 #include "engine/messages/errors.h"
 #include "engine/session/session_state.h"
 #include "types/date_time.h"

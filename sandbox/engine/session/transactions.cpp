@@ -1,3 +1,4 @@
+// Transactions and savepoints of a session.
 #include "engine/messages/errors.h"
 #include "engine/session/session_state.h"
 

@@ -1,3 +1,4 @@
+// The columns of a result: their values in the form and width in which they are kept.
 #pragma once
 
 #include "platform/ado/FieldKind.h"

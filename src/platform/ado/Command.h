@@ -1,3 +1,4 @@
+// A text that is run by bare name, as a stored procedure is.
 #pragma once
 
 #include "platform/ado/Recordset.h"

@@ -1,3 +1,4 @@
+// OLE DB connection strings.
 #pragma once
 
 #include <QString>

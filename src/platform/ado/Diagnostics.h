@@ -1,3 +1,4 @@
+// What driver and server report beside results, and the errors that it becomes.
 #pragma once
 
 #include "platform/ado/DriverLibrary.h"

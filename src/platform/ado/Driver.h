@@ -1,3 +1,4 @@
+// The choice of the ODBC driver, and its connection string.
 #pragma once
 
 #include "platform/ado/ConnectionString.h"

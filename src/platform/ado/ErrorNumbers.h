@@ -1,3 +1,4 @@
+// Numbers of the failures that no server reports.
 #pragma once
 
 namespace ado::number {

@@ -1,3 +1,4 @@
+// How each column of a result is asked of the driver and read from its buffers.
 #pragma once
 
 #include "platform/ado/Driver.h"

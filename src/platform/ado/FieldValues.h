@@ -1,3 +1,4 @@
+// The driver's raw forms of numbers, dates and texts.
 #pragma once
 
 #include "platform/ado/Column.h"

@@ -1,3 +1,4 @@
+// Looking a host name up within a time limit.
 #pragma once
 
 #include <QString>

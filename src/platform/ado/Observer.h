@@ -1,3 +1,4 @@
+// Where sent texts are told to the observer of Transcript.h.
 #pragma once
 
 #include <QString>

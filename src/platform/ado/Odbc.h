@@ -1,3 +1,4 @@
+// The ODBC headers and owning handles.
 #pragma once
 
 // The ODBC headers and owning handles. Included by this library's sources only: they bring macros.

@@ -1,3 +1,4 @@
+// Server addresses as people type them.
 #pragma once
 
 #include <QString>

@@ -1,3 +1,4 @@
+// One connection with a server.
 #pragma once
 
 #include "platform/ado/ConnectionString.h"

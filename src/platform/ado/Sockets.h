@@ -1,3 +1,4 @@
+// The sockets that the driver opens, so that a hanging one can be shut.
 #pragma once
 
 #include <mutex>

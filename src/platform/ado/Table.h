@@ -1,3 +1,4 @@
+// The rows of one result.
 #pragma once
 
 #include "platform/ado/Column.h"

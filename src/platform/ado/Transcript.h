@@ -1,3 +1,4 @@
+// The observer of all texts that are sent.
 #pragma once
 
 #include <QString>

@@ -1,3 +1,4 @@
+// Time limits over driver calls.
 #pragma once
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// Databases, their files and filegroups.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

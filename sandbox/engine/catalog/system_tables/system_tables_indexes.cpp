@@ -1,3 +1,4 @@
+// Indexes and their keys.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

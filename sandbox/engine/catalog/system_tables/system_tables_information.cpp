@@ -1,3 +1,4 @@
+// The views of INFORMATION_SCHEMA.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

@@ -1,3 +1,4 @@
+// Keys, references and other constraints.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

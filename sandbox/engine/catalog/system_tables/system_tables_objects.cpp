@@ -1,3 +1,4 @@
+// Objects, columns, types and texts.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

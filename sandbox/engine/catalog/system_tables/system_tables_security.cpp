@@ -1,3 +1,4 @@
+// Logins, users, roles, members and rights.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {

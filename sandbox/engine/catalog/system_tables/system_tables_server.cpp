@@ -1,3 +1,4 @@
+// The server itself: processes, configuration, languages, messages.
 #include "engine/catalog/system_tables/system_tables.h"
 #include "engine/store/storage.h"
 #include "types/language.h"

@@ -1,3 +1,4 @@
+// The views of the schema sys.
 #include "engine/catalog/system_tables/system_tables.h"
 
 namespace practice {
