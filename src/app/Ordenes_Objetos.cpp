@@ -71,7 +71,8 @@ void EliminaUsuario(const QString& usuario)
 
 void EliminaItem(const controls::ListItem* item)
 {
-    const QString nombre = item->Text(); // the refresh takes the item away
+    // A copy: the refresh takes the item away.
+    const QString nombre = item->Text(); // NOLINT(performance-unnecessary-copy-initialization)
     switch (item->Key().front().unicode()) {
     case u'T':
         return EliminaTabla(nombre);

@@ -5,6 +5,7 @@
 #include "types/text_encoding.h"
 
 #include <algorithm>
+#include <array>
 
 namespace practice {
 
@@ -61,77 +62,91 @@ bool hasClusteredIndex(const Object& table)
                        [](const Index& index) { return index.clustered; });
 }
 
+struct ObjectProperty
+{
+    std::string_view name; ///< lower case
+    bool (*holds)(const Object& object);
+};
+
+template <ObjectKind kind>
+bool isOfKind(const Object& object)
+{
+    return object.kind == kind;
+}
+
+constexpr std::array objectProperties = {
+    ObjectProperty{"isusertable", isOfKind<ObjectKind::UserTable>},
+    ObjectProperty{"istable",
+                   [](const Object& object) {
+                       return object.kind == ObjectKind::UserTable || object.kind == ObjectKind::SystemTable;
+                   }},
+    ObjectProperty{"issystemtable", isOfKind<ObjectKind::SystemTable>},
+    ObjectProperty{"isview", isOfKind<ObjectKind::View>},
+    ObjectProperty{"isprocedure", isOfKind<ObjectKind::Procedure>},
+    ObjectProperty{"istrigger", isOfKind<ObjectKind::Trigger>},
+    ObjectProperty{"isconstraint", [](const Object& object) { return isConstraint(object.kind); }},
+    ObjectProperty{"isprimarykey", isOfKind<ObjectKind::PrimaryKey>},
+    ObjectProperty{"isforeignkey", isOfKind<ObjectKind::ForeignKey>},
+    ObjectProperty{"isuniquecnst", isOfKind<ObjectKind::UniqueConstraint>},
+    ObjectProperty{"ischeckcnst", isOfKind<ObjectKind::Check>},
+    ObjectProperty{"isdefaultcnst", isOfKind<ObjectKind::Default>},
+    ObjectProperty{"isscalarfunction", isOfKind<ObjectKind::ScalarFunction>},
+    ObjectProperty{"ismsshipped", [](const Object& object) { return object.shipped; }},
+    ObjectProperty{"isansinullson", [](const Object& object) { return object.ansiNulls; }},
+    ObjectProperty{"execisansinullson", [](const Object& object) { return object.ansiNulls; }},
+    ObjectProperty{"isquotedidenton", [](const Object& object) { return object.quotedIdentifier; }},
+    ObjectProperty{"execisquotedidenton", [](const Object& object) { return object.quotedIdentifier; }},
+};
+
+/// Of users' tables; NULL for any other object.
+constexpr std::array tableProperties = {
+    ObjectProperty{"tablehasidentity", [](const Object& table) { return table.identityColumn() != nullptr; }},
+    ObjectProperty{"tablehasprimarykey", [](const Object& table) { return table.primaryKey() != nullptr; }},
+    ObjectProperty{"tablehasforeignkey", [](const Object& table) { return !table.foreignKeys.empty(); }},
+    ObjectProperty{"tablehasforeignref", [](const Object& table) { return !table.referencedBy.empty(); }},
+    ObjectProperty{"tablehascheckcnst", [](const Object& table) { return !table.checks.empty(); }},
+    ObjectProperty{"tablehasindex", [](const Object& table) { return !table.indexes.empty(); }},
+    ObjectProperty{"tablehasclustindex", hasClusteredIndex},
+    ObjectProperty{
+        "tablehasuniquecnst",
+        [](const Object& table) { return std::ranges::any_of(table.indexes, &Index::uniqueConstraint); }},
+    ObjectProperty{"tablehasdefaultcnst",
+                   [](const Object& table) {
+                       return std::ranges::any_of(table.columns,
+                                                  [](const Column& column) { return column.defaultId != 0; });
+                   }},
+    ObjectProperty{"tablehastimestamp",
+                   [](const Object& table) {
+                       return std::ranges::any_of(table.columns, [](const Column& column) {
+                           return column.type.id == TypeId::Timestamp;
+                       });
+                   }},
+};
+
+template <typename Properties>
+bool answerProperty(const Properties& properties, const std::string& name, const Object& object,
+                    const Call& call)
+{
+    const auto known = std::ranges::find(properties, name, &ObjectProperty::name);
+    if (known == properties.end())
+        return false;
+    call.result(known->holds(object) ? 1 : 0);
+    return true;
+}
+
 // objectproperty(id, property)
 void objectProperty(SessionState& session, const Call& call)
 {
     const ObjectPtr found = objectNumbered(session, call.integer(0));
     if (!found)
         return null(call);
-    const Object& object = *found;
     const std::string property = lowerCase(call.text(1));
-    const auto is = [&property](const char* name) { return property == name; };
-    const auto yes = [&call](bool value) { call.result(value ? 1 : 0); };
-    const ObjectKind kind = object.kind;
-    if (is("isusertable"))
-        return yes(kind == ObjectKind::UserTable);
-    if (is("istable"))
-        return yes(kind == ObjectKind::UserTable || kind == ObjectKind::SystemTable);
-    if (is("issystemtable"))
-        return yes(kind == ObjectKind::SystemTable);
-    if (is("isview"))
-        return yes(kind == ObjectKind::View);
-    if (is("isprocedure"))
-        return yes(kind == ObjectKind::Procedure);
-    if (is("istrigger"))
-        return yes(kind == ObjectKind::Trigger);
-    if (is("isconstraint"))
-        return yes(isConstraint(kind));
-    if (is("isprimarykey"))
-        return yes(kind == ObjectKind::PrimaryKey);
-    if (is("isforeignkey"))
-        return yes(kind == ObjectKind::ForeignKey);
-    if (is("isuniquecnst"))
-        return yes(kind == ObjectKind::UniqueConstraint);
-    if (is("ischeckcnst"))
-        return yes(kind == ObjectKind::Check);
-    if (is("isdefaultcnst"))
-        return yes(kind == ObjectKind::Default);
-    if (is("isscalarfunction"))
-        return yes(kind == ObjectKind::ScalarFunction);
-    if (is("ismsshipped"))
-        return yes(object.shipped);
-    if (is("ownerid"))
-        return call.result(object.ownerId);
-    if (is("isansinullson") || is("execisansinullson"))
-        return yes(object.ansiNulls);
-    if (is("isquotedidenton") || is("execisquotedidenton"))
-        return yes(object.quotedIdentifier);
-    if (kind != ObjectKind::UserTable)
-        return null(call);
-    if (is("tablehasidentity"))
-        return yes(object.identityColumn() != nullptr);
-    if (is("tablehasprimarykey"))
-        return yes(object.primaryKey() != nullptr);
-    if (is("tablehasforeignkey"))
-        return yes(!object.foreignKeys.empty());
-    if (is("tablehasforeignref"))
-        return yes(!object.referencedBy.empty());
-    if (is("tablehascheckcnst"))
-        return yes(!object.checks.empty());
-    if (is("tablehasindex"))
-        return yes(!object.indexes.empty());
-    if (is("tablehasclustindex"))
-        return yes(hasClusteredIndex(object));
-    if (is("tablehasuniquecnst"))
-        return yes(std::any_of(object.indexes.begin(), object.indexes.end(),
-                               [](const Index& index) { return index.uniqueConstraint; }));
-    if (is("tablehasdefaultcnst"))
-        return yes(std::any_of(object.columns.begin(), object.columns.end(),
-                               [](const Column& column) { return column.defaultId != 0; }));
-    if (is("tablehastimestamp"))
-        return yes(std::any_of(object.columns.begin(), object.columns.end(),
-                               [](const Column& column) { return column.type.id == TypeId::Timestamp; }));
-    null(call);
+    if (property == "ownerid")
+        return call.result(found->ownerId);
+    const bool isTable = found->kind == ObjectKind::UserTable;
+    if (!answerProperty(objectProperties, property, *found, call) &&
+        !(isTable && answerProperty(tableProperties, property, *found, call)))
+        null(call);
 }
 
 int storedLength(const Column& column)
