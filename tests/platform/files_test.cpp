@@ -157,19 +157,22 @@ TEST_F(Files, AFullFileSystemKeepsTheOldText)
 {
     const int result = inChild([&] {
         const QByteArray place = QFile::encodeName(folder.path());
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", place.constData(), "tmpfs", 0, "size=64k") != 0)
-            return 255;
+        const bool isSmall = unshare(CLONE_NEWNS) == 0 &&
+                             mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                             mount("tmpfs", place.constData(), "tmpfs", 0, "size=64k") == 0;
+        if (!isSmall) { // who may not mount one limits the files instead
+            constexpr rlimit room{25000, 25000};
+            setrlimit(RLIMIT_FSIZE, &room);
+            signal(SIGXFSZ, SIG_IGN);
+        }
         const QByteArray old(20000, 'o');
         const QString name = path("script.sql");
         if (save(name, old) != 0)
             return 1;
         save(path("filler"), QByteArray(40000, 'f'));
         const int grown = save(name, QByteArray(30000, 'n'));
-        return contents(name) == old && names().size() == 2 ? grown : 2;
+        return contents(name) == old && names().filter(".quermo-").isEmpty() ? grown : 2;
     });
-    if (result == 255)
-        GTEST_SKIP() << "may not mount a small file system";
     EXPECT_EQ(result, error::DiskFull);
 }
 

@@ -188,7 +188,8 @@ private:
         int failure = 0;
         for (const QString& folder : foldersForCopies(name)) {
             QDir().mkpath(folder);
-            m_name = QFile::encodeName(folder) + '/' + base + ".quermo-XXXXXX";
+            m_name = QFile::encodeName(folder) + '/' + base + ".quermo-" +
+                     QByteArray(6, 'X'); // what mkostemp replaces
             Descriptor file(mkostemp(m_name.data(), O_CLOEXEC));
             if (file.isOpen())
                 return file;
