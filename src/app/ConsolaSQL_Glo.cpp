@@ -4,24 +4,29 @@
 #include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
-#include "platform/basic/RuntimeError.h"
 #include "query/frmProcedimiento.h"
 #include "query/frmVista.h"
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-constexpr int UltimaTablaAbierta = 200;
-
-} // namespace
+formularios::frmTabla* CreaDiseño(const QString& clave)
+{
+    auto& ranura = TablasAbiertas.at(static_cast<std::size_t>(RanuraTabla(clave)));
+    ranura = new formularios::frmTabla; // owned by its life as a window: deleted after its unload
+    ranura->Datos.ClaveTabla = clave;
+    return ranura;
+}
 
 void DiseñoTabla()
 try {
     const auto* item = ::frmAdministrador->ItemSeleccionado();
-    const int ranura = item->Key().mid(1).toInt();
-    if (ranura > UltimaTablaAbierta)
-        basic::raise(basic::error::Subscript);
+    // A copy: showing the designer may read the list again.
+    const QString nombre = item->Text(); // NOLINT(performance-unnecessary-copy-initialization)
+    auto* diseño = CreaDiseño(item->Key());
+    diseño->Datos.NombreTablaInicial = nombre;
+    diseño->Datos.EsTablaSistema = item->SubItems(2) == u"Sistema"_s;
+    MuestraFormulario(diseño);
+    diseño->setCaption(u"Tabla ["_s + nombre + u"]"_s);
 } catch (...) {
     InformaError(u"DiseñoTabla"_s);
 }

@@ -2,6 +2,7 @@
 
 #include "app/Ordenes_Objetos.h"
 #include "app/Ordenes_Scripts.h"
+#include "app/Ordenes_Tabla.h"
 #include "browser/frmAdministrador.h"
 #include "core/Funciones.h"
 #include "core/Global.h"
@@ -63,6 +64,7 @@ void EnlazaOrdenes()
     enlaza(m->mnuConectar, mnuConectar_Click);
     enlaza(m->mnuAdministrador, mnuAdministrador_Click);
     enlaza(m->mnuAnalizadorConsultas, mnuAnalizadorConsultas_Click);
+    enlaza(m->mnuAñadirTabla, mnuAñadirTabla_Click);
     enlaza(m->mnuAñadirVista, mnuAñadirVista_Click);
     enlaza(m->mnuAñadirProcedimiento, mnuAñadirProcedimiento_Click);
     enlaza(m->mnuDiseño, mnuDiseño_Click);
@@ -70,4 +72,6 @@ void EnlazaOrdenes()
     enlaza(m->mnuEliminar, mnuEliminar_Click);
     enlaza(m->mnuAbrir, mnuAbrir_Click);
     enlaza(m->mnuGuardar, mnuGuardar_Click);
+    enlaza(m->mnuInsertarFila, mnuInsertarFila_Click);
+    enlaza(m->mnuEliminarFila, mnuEliminarFila_Click);
 }

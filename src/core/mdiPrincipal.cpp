@@ -110,7 +110,7 @@ try {
         frm->setLeft(0);
         return;
     }
-    frm->SetFocus();
+    frm->Show(); // of the table designers another one may be loaded
     ::mdiPrincipal->Cascade();
     for (controls::Form* formulario : controls::LoadedForms())
         if (formulario->Name() == u"frmTabla"_s)

@@ -27,9 +27,9 @@ void IniciaDatosTabla(DatosTabla& datos, const QString& baseDatos)
     TomaGlobales(datos);
 }
 
-int RanuraTabla(const DatosTabla& datos)
+int RanuraTabla(const QString& clave)
 {
-    const int ranura = datos.ClaveTabla.mid(1).toInt();
+    const int ranura = clave.mid(1).toInt();
     if (ranura > UltimaRanura)
         basic::raise(basic::error::Subscript);
     return ranura;
@@ -38,7 +38,7 @@ int RanuraTabla(const DatosTabla& datos)
 void TomaGlobales(const DatosTabla& datos)
 {
     PrefijoBD = datos.BaseDatos + u".."_s;
-    IndiceTabla = RanuraTabla(datos);
+    IndiceTabla = RanuraTabla(datos.ClaveTabla);
     ContadorIndices = CuentaNombres(datos.Indices);
     ContadorRelaciones = CuentaNombres(datos.Relaciones);
     Intercalacion = datos.IntercalacionBase;

@@ -138,8 +138,8 @@ struct DatosTabla
 /// Readies a designer that has just been made for the database, with empty stores.
 void IniciaDatosTabla(DatosTabla& datos, const QString& baseDatos);
 
-/// Slot of the designer, from the key of the list's item; 0 for a new table. Error 9 beyond the last.
-int RanuraTabla(const DatosTabla& datos);
+/// Slot of a designer, from the key of the list's item; 0 for a new table. Error 9 beyond the last.
+int RanuraTabla(const QString& clave);
 
 /// Makes the globals that all designers share this designer's own: PrefijoBD, IndiceTabla,
 /// ContadorIndices, ContadorRelaciones, Intercalacion, and empty statement buffers. Comes first wherever
