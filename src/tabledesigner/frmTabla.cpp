@@ -19,6 +19,8 @@ constexpr int AnchoEstado = 8;
 constexpr int AnchoNumero = 11;
 constexpr int AnchoTipo = 20;
 constexpr int AnchoNombre = 28;
+constexpr int AnchoNombreSolo = 50; ///< where it is all that the grid shows
+constexpr int AnchoNombreEnPareja = 34;
 
 void PonAncho(controls::DataGrid* rejilla, int columna, int caracteres)
 {
@@ -72,15 +74,15 @@ void frmTabla::PonColumnas()
 
     TDBGridIndices->setColumnCount(ColCampoIndice::Nombre + 1);
     PonEstado(TDBGridIndices);
-    PonLista(TDBGridIndices, ColCampoIndice::Nombre, AnchoNombre);
+    PonLista(TDBGridIndices, ColCampoIndice::Nombre, AnchoNombreSolo);
 
     TDBGridRelaciones->setColumnCount(ColCampoRelacion::TablaExterna + 1);
     PonEstado(TDBGridRelaciones);
-    PonLista(TDBGridRelaciones, ColCampoRelacion::Propia, AnchoNombre);
-    PonLista(TDBGridRelaciones, ColCampoRelacion::Externa, AnchoNombre);
+    PonLista(TDBGridRelaciones, ColCampoRelacion::Propia, AnchoNombreEnPareja);
+    PonLista(TDBGridRelaciones, ColCampoRelacion::Externa, AnchoNombreEnPareja);
     // The table comes with the choice of a column, never by hand.
     TDBGridRelaciones->Columns(ColCampoRelacion::TablaExterna).setLocked(true);
-    PonAncho(TDBGridRelaciones, ColCampoRelacion::TablaExterna, AnchoNombre);
+    PonAncho(TDBGridRelaciones, ColCampoRelacion::TablaExterna, AnchoNombreEnPareja);
 }
 
 void frmTabla::Form_Load()
@@ -203,6 +205,7 @@ void frmTabla::PonIdiomaRelaciones()
     PonTexto(lblExterna, u"Tabla externa:"_s, u"Foreing Table:"_s);
     PonTexto(lblClavesPrincipales, u"Claves Principales"_s, u"Principals Keys"_s);
     PonTexto(lblClavesExterna, u"Claves Expternas"_s, u"ForeingKey"_s);
+    // The two labels are the headings of the grid's columns.
     PonCabecera(TDBGridRelaciones, ColCampo::Estado, u"Estado"_s, u"State"_s);
     TDBGridRelaciones->Columns(ColCampoRelacion::Propia).setCaption(lblClavesPrincipales->text());
     TDBGridRelaciones->Columns(ColCampoRelacion::Externa).setCaption(lblClavesExterna->text());

@@ -70,6 +70,12 @@ QString ServidorDePrueba()
     return u"127.0.0.1,"_s + QString::number(Servidor().port());
 }
 
+QStringList LlegadoAlServidor()
+{
+    static qint64 lugar = 0;
+    return Servidor().statementsFrom(lugar);
+}
+
 QString UltimaEnElServidor(const QString& comienzo)
 {
     const QStringList llegadas = Servidor().statementLog().filter(QRegularExpression(u"^"_s + comienzo));

@@ -178,6 +178,13 @@ TEST_F(DataGrids, TheListOpensByKeyAndArrowAfterItsButtonFilledIt)
         grid->ReBind();
     });
     go(0, 2);
+    press(Qt::Key_F2);
+    press(Qt::Key_Down, Qt::AltModifier);
+    QApplication::processEvents();
+    EXPECT_NE(openedList(), nullptr) << "rebound during an edit";
+    press(Qt::Key_Escape);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(place(), "0,2");
     record();
     press(Qt::Key_Down, Qt::AltModifier);
     ASSERT_NE(openedList(), nullptr);

@@ -150,7 +150,10 @@ void DataGrid::emptyCell()
 
 void DataGrid::focusInEvent(QFocusEvent* event)
 {
+    // The view would make the first cell current where it knows of none, as after a reset.
+    m_marking = true;
     QTableView::focusInEvent(event);
+    markPlace();
     if (m_edit.editor)
         m_edit.editor->setFocus(event->reason());
 }

@@ -1,0 +1,56 @@
+// The table designer as a person uses it: real clicks where the pointer is, real keys to what has the
+// keyboard, and what arrives at the server.
+#pragma once
+
+#include "Consola.h"
+#include "platform/controls/DataGrid.h"
+#include "tabledesigner/frmTabla.h"
+
+#include <QStringList>
+
+namespace pruebas {
+
+/// A column of a design as a row of the grid: name, type number, length, precision, scale, null, default.
+using Fila = QStringList;
+
+class Mesa : public Consola
+{
+protected:
+    void TearDown() override;
+
+    /// The console on a fresh database Taller that these statements have filled, the browser on its tables.
+    void Prepara(int idioma, const QStringList& sentencias = {});
+    /// Runs statements of the test's own, of which nothing is noted.
+    static void Ejecuta(const QStringList& sentencias);
+    /// First column of a query's rows, joined by "|".
+    static QString Consulta(const QString& texto);
+    static int TransaccionesAbiertas();
+
+    /// Opens the designer by the right button on a table, or on the database, and the entry of the menu.
+    formularios::frmTabla* Diseña(const QString& tabla);
+    formularios::frmTabla* Nueva();
+    /// Closes the active designer by key, and answers its questions. Whether it has gone.
+    bool Cierra(controls::Answer contestacion);
+
+    /// By hand: a click where the pointer would be, which must lie on `control`; keys to what has the focus.
+    static void Clic(QWidget* control, const QPoint& punto, Qt::MouseButton boton = Qt::LeftButton);
+    static void Clic(QWidget* control);
+    static void ClicCelda(controls::DataGrid* rejilla, int fila, int columna,
+                          Qt::MouseButton boton = Qt::LeftButton);
+    static void ClicEntrada(QMenu* menu, QAction* entrada);
+    static void Escribe(const QString& texto);
+    static void Tecla(int tecla, Qt::KeyboardModifiers con = Qt::NoModifier);
+    /// A cell's text typed and left by Enter.
+    static void PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto);
+    /// Goes to one of the three pages by a click on its tab.
+    static void Pagina(formularios::frmTabla* forma, int pagina);
+
+    /// An array's row from the name on, as the grid would show it after loading.
+    static Fila FilaDe(const formularios::frmTabla* forma, int fila);
+
+    /// What arrived at the server since the last call: all with ids as "#", or what is no look-up.
+    static QString Llegado();
+    static QString Cambios();
+};
+
+} // namespace pruebas
