@@ -92,6 +92,7 @@ private:
     void PonFoco(QWidget* control);
     /// What the model needs to know of the form: the name, the filegroup, the current row.
     void CapturaFormulario();
+    [[nodiscard]] controls::DataGrid* RejillaDePagina() const;
     /// Asks and saves. False when the form must stay.
     bool TerminaDiseño();
     bool Guarda();
@@ -99,6 +100,8 @@ private:
 
     /// Takes a pending edit of a grid in, by moving the row away and back.
     static void ConfirmaCelda(controls::DataGrid* rejilla);
+    /// The same for the text box that has the focus.
+    void ConfirmaCaja(bool& cancela);
     /// The cells of the current row that the model has changed go back to the grid.
     void DevuelveFila();
     void PonTipoEnFila();

@@ -35,8 +35,20 @@ void frmTabla::ConfirmaCelda(controls::DataGrid* rejilla)
     rejilla->setBookmark(fila);
 }
 
-void frmTabla::Form_QueryUnload(bool& /*cancela*/)
+// A window that closes takes the focus from nobody, and what was typed last must not be lost.
+void frmTabla::ConfirmaCaja(bool& cancela)
+{
+    if (txtNombreIndice->hasFocus())
+        txtNombreIndice_Validate(cancela);
+    else if (txtFillFactor->hasFocus())
+        txtFillFactor_Validate(cancela);
+    else if (txtNombreRelacion->hasFocus())
+        txtNombreRelacion_Validate(cancela);
+}
+
+void frmTabla::Form_QueryUnload(bool& cancela)
 try {
+    ConfirmaCaja(cancela);
     ConfirmaCelda(TDBGridTabla);
     for (controls::DataGrid* rejilla : {TDBGridIndices, TDBGridRelaciones})
         if (rejilla->Row() >= 1)
@@ -57,6 +69,12 @@ try {
     InformaErrorYPuntero(u"Form_Unload"_s);
 }
 
+controls::DataGrid* frmTabla::RejillaDePagina() const
+{
+    const std::array rejillas{TDBGridTabla, TDBGridIndices, TDBGridRelaciones};
+    return rejillas.at(static_cast<std::size_t>(SSTabIndicesRelaciones->currentIndex()));
+}
+
 bool frmTabla::TerminaDiseño()
 {
     TDBGridTabla_LostFocus();
@@ -69,7 +87,7 @@ bool frmTabla::TerminaDiseño()
     case controls::Answer::No:
         return true;
     default:
-        PonFoco(TDBGridTabla);
+        RejillaDePagina()->SetFocus();
         return false;
     }
 }

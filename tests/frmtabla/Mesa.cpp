@@ -180,6 +180,15 @@ void Mesa::PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QS
     Tecla(Qt::Key_Return);
 }
 
+void Mesa::BuscaExterna(formularios::frmTabla* forma, const QString& tabla)
+{
+    forma->cboExterna->setFocus();
+    Tecla(Qt::Key_Home);
+    for (int n = 0; n < forma->cboExterna->ListCount() && forma->cboExterna->Text() != tabla; ++n)
+        Tecla(Qt::Key_Down);
+    ASSERT_EQ(forma->cboExterna->Text(), tabla);
+}
+
 void Mesa::Pagina(formularios::frmTabla* forma, int pagina)
 {
     auto* pestañas = forma->SSTabIndicesRelaciones->tabBar();

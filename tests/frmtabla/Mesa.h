@@ -42,6 +42,8 @@ protected:
     static void Tecla(int tecla, Qt::KeyboardModifiers con = Qt::NoModifier);
     /// A cell's text typed and left by Enter.
     static void PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto);
+    /// Chooses the referenced table by the keys of its list.
+    static void BuscaExterna(formularios::frmTabla* forma, const QString& tabla);
     /// Goes to one of the three pages by a click on its tab.
     static void Pagina(formularios::frmTabla* forma, int pagina);
 

@@ -263,9 +263,10 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
     EXPECT_EQ(QApplication::focusWidget(), forma->TDBGridIndices);
     respuesta = controls::Answer::Yes;
     Clic(forma->cboGrupoArchivoIndices);
-    EXPECT_EQ(Avisos(), (QList<Aviso>(2, {u"No puede existir un indice con columnas en blanco. ¿Desea eliminar "
-                                          u"el indice?"_s,
-                                          292, u"Quermo"_s})));
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>(2, {u"No puede existir un indice con columnas en blanco. ¿Desea eliminar "
+                                u"el indice?"_s,
+                                292, u"Quermo"_s})));
     EXPECT_EQ(entradas(), QString());
     EXPECT_FALSE(forma->fraIndices->isEnabled());
     nuevo(u"PK_t"_s);
@@ -293,7 +294,12 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
     Tecla(Qt::Key_A, Qt::ControlModifier);
     Escribe(u"80"_s);
     EXPECT_TRUE(Cierra(controls::Answer::Yes));
-    EXPECT_EQ(Cambios(), u""_s);
+    EXPECT_EQ(Cambios(),
+              u"BEGIN TRANSACTION\n"
+              u"USE Taller\n"
+              u"ALTER TABLE Taller..t WITH NOCHECK ADD CONSTRAINT PK_t PRIMARY KEY··NONCLUSTERED··(a,b)\\r\n"
+              u"CREATE··CLUSTERED··INDEX [otro indice]··ON Taller..t··(c)\\r WITH FILLFACTOR = 80\n"
+              u"COMMIT TRANSACTION\n"_s);
 
     forma = Diseña(u"t"_s);
     Pagina(forma, 1);
@@ -303,6 +309,93 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
     Clic(forma->cmdEliminarIndice);
     EXPECT_EQ(entradas(), QString());
     EXPECT_FALSE(forma->fraIndices->isEnabled());
+}
+
+TEST_F(Mano, RelationsAreNamedFilledAndDeleted)
+{
+    Prepara(Es, {u"create table Padre (p int not null primary key, q int null)"_s,
+                 u"create table t (a int null, b int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    Pagina(forma, 2);
+    auto* rejilla = forma->TDBGridRelaciones;
+    const auto elige = [&](int linea, int columna, int bajadas) {
+        ClicCelda(rejilla, linea, columna);
+        Tecla(Qt::Key_F4);
+        for (int n = 0; n < bajadas; ++n)
+            Tecla(Qt::Key_Down);
+        Tecla(Qt::Key_Return);
+        Tecla(Qt::Key_Return);
+    };
+    Clic(forma->cmdNuevaRelacion);
+    Escribe(u"FK_t"_s);
+    Tecla(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), forma->cboExterna);
+    elige(0, ColCampoRelacion::Propia, 0);
+    EXPECT_EQ(Avisos().value(0), (Aviso{u"Introduzca tabla externa."_s, 48, u"Quermo"_s}));
+    BuscaExterna(forma, u"Padre"_s);
+    elige(0, ColCampoRelacion::Propia, 1);
+    respuesta = controls::Answer::No;
+    Clic(forma->txtNombreRelacion);
+    EXPECT_EQ(Avisos(),
+              (QList<Aviso>{{u"No puede existir una relación con columnas en blanco. ¿Desea eliminar la "
+                             u"relación?"_s,
+                             292, u"Quermo"_s}}));
+    EXPECT_EQ(QApplication::focusWidget(), rejilla);
+    elige(0, ColCampoRelacion::Externa, 0);
+    EXPECT_EQ(forma->Datos.CamposRelacion(0).at(0, 1) + forma->Datos.CamposRelacion(0).at(0, 2) +
+                  forma->Datos.CamposRelacion(0).at(0, 3),
+              u"bpPadre"_s);
+    Clic(forma->cmdNuevaRelacion);
+    Escribe(u"vacia"_s);
+    Tecla(Qt::Key_Return);
+    Clic(forma->cmdEliminarRelacion);
+    EXPECT_EQ(forma->cboRelaciones->ListCount(), 1);
+    EXPECT_EQ(forma->txtNombreRelacion->Text(), u"FK_t"_s);
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_EQ(Cambios(), u"BEGIN TRANSACTION\n"
+                         u"USE Taller\n"
+                         u"Use Taller\n"
+                         u"ALTER TABLE t ADD CONSTRAINT [FK_t] FOREIGN KEY (b ) REFERENCES Padre (p)\n"
+                         u"COMMIT TRANSACTION\n"_s);
+    forma = Diseña(u"t"_s);
+    Pagina(forma, 2);
+    EXPECT_EQ(forma->cboExterna->Text(), u"Padre"_s);
+    Clic(forma->cmdEliminarRelacion);
+    EXPECT_FALSE(forma->fraRelaciones->isEnabled());
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_EQ(Cambios(), u"BEGIN TRANSACTION\n"
+                         u"USE Taller\n"
+                         u"ALTER TABLE Taller..t DROP CONSTRAINT FK_t\n"
+                         u"COMMIT TRANSACTION\n"_s);
+}
+
+TEST_F(Mano, WhatIsStillBeingTypedIsTakenInOnClosing)
+{
+    Prepara(En, {u"create table t (a int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    ClicCelda(forma->TDBGridTabla, 1, ColCampo::Nombre);
+    Escribe(u"nuevo"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_TRUE(Cambios().contains(u"ALTER TABLE Taller..t··ADD nuevo char (10)··NOT NULL"_s))
+        << "the row's type came with it";
+
+    forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdNuevoIndice);
+    Escribe(u"i"_s);
+    EXPECT_FALSE(Cierra(controls::Answer::Cancel));
+    EXPECT_EQ(forma->cboIndices->Text(), u"i"_s);
+    EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+    EXPECT_EQ(QApplication::focusWidget(), forma->TDBGridIndices) << "the page stays";
+    PonCelda(forma->TDBGridIndices, 0, ColCampoIndice::Nombre, u"a"_s);
+    Clic(forma->txtFillFactor);
+    Escribe(u"x"_s);
+    Avisos();
+    EXPECT_FALSE(Cierra(controls::Answer::No));
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Not numeric value."_s, 48, u"Quermo"_s}}));
+    Tecla(Qt::Key_Backspace);
+    EXPECT_TRUE(Cierra(controls::Answer::No));
 }
 
 } // namespace pruebas

@@ -274,7 +274,6 @@ private:
     void emptyCell();
     void focusLeft(Qt::FocusReason reason);
     [[nodiscard]] bool hasFocusInside() const;
-    [[nodiscard]] bool formIsGone() const;
 
     DataGridModel* m_model;
     DataGridDelegate* m_delegate;

@@ -1,5 +1,6 @@
 #include "platform/controls/TextBox.h"
 
+#include "platform/controls/Form.h"
 #include "platform/controls/Keys.h"
 
 #include <QFocusEvent>
@@ -30,7 +31,7 @@ void TextBox::focusOutEvent(QFocusEvent* event)
     // Another window or a menu in front is no end of the entry, and a hidden box can't have the focus back.
     const auto reason = event->reason();
     if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
-        reason == Qt::MenuBarFocusReason)
+        reason == Qt::MenuBarFocusReason || isFormGone(this))
         return;
     bool cancel = false;
     emit Validate(cancel);
