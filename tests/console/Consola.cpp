@@ -84,6 +84,8 @@ QString UltimaEnElServidor(const QString& comienzo)
 
 void Consola::SetUp()
 {
+    m_sentencias.clear();
+    m_avisos.clear();
     ado::setStatementObserver([this](const QString& texto) { m_sentencias += texto; });
     controls::setMessageBoxAnswerer([this](const QString& texto, int estilo, const QString& titulo) {
         m_avisos += Aviso{texto, estilo, titulo};

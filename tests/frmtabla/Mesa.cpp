@@ -5,6 +5,7 @@
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 #include "platform/controls/Pointer.h"
+#include "tabledesigner/Campos.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -171,11 +172,31 @@ void Mesa::Tecla(int tecla, Qt::KeyboardModifiers con)
     Atiende();
 }
 
+void Mesa::VeA(controls::DataGrid* rejilla, int fila, int columna)
+{
+    rejilla->SetFocus();
+    for (int paso = 0; paso < UltimaFila && rejilla->Bookmark() != fila; ++paso)
+        Tecla(rejilla->Bookmark() < fila ? Qt::Key_Down : Qt::Key_Up);
+    for (int paso = 0; paso <= ColCampo::Ultima && rejilla->Col() != columna; ++paso)
+        Tecla(rejilla->Col() < columna ? Qt::Key_Tab : Qt::Key_Backtab);
+    ASSERT_EQ(rejilla->Bookmark(), fila);
+    ASSERT_EQ(rejilla->Col(), columna);
+}
+
+bool Mesa::BloqueoDeLongitud(const QString& tipo)
+{
+    return BloqueoDeTipo(tipo).longitud;
+}
+
 void Mesa::PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto)
 {
     // A click into the current cell would begin an edit behind its text.
-    if (rejilla->Bookmark() != fila || rejilla->Col() != columna || !rejilla->hasFocus())
-        ClicCelda(rejilla, fila, columna);
+    if (rejilla->Bookmark() != fila || rejilla->Col() != columna || !rejilla->hasFocus()) {
+        if (rejilla->viewport()->rect().contains(rejilla->cellRect(fila, columna)))
+            ClicCelda(rejilla, fila, columna);
+        else
+            VeA(rejilla, fila, columna);
+    }
     Escribe(texto);
     Tecla(Qt::Key_Return);
 }

@@ -40,6 +40,8 @@ protected:
     static void ClicEntrada(QMenu* menu, QAction* entrada);
     static void Escribe(const QString& texto);
     static void Tecla(int tecla, Qt::KeyboardModifiers con = Qt::NoModifier);
+    /// Goes to a cell by the arrow keys, wherever the page stands.
+    static void VeA(controls::DataGrid* rejilla, int fila, int columna);
     /// A cell's text typed and left by Enter.
     static void PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto);
     /// Chooses the referenced table by the keys of its list.
@@ -49,6 +51,9 @@ protected:
 
     /// An array's row from the name on, as the grid would show it after loading.
     static Fila FilaDe(const formularios::frmTabla* forma, int fila);
+
+    /// Whether a type's length can't be typed.
+    static bool BloqueoDeLongitud(const QString& tipo);
 
     /// What arrived at the server since the last call: all with ids as "#", or what is no look-up.
     static QString Llegado();
