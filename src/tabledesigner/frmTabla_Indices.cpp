@@ -155,7 +155,7 @@ try {
 
 void frmTabla::cmdEliminarIndice_Click()
 try {
-    const bool hay = ::CargaIndices(Datos).size() > 0;
+    const bool hay = !::CargaIndices(Datos).empty();
     HabilitaIndices(hay);
     if (hay && cboIndices->ListIndex() >= 0)
         QuitaIndice(cboIndices->ListIndex());

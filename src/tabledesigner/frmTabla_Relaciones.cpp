@@ -103,7 +103,7 @@ try {
 
 void frmTabla::cmdEliminarRelacion_Click()
 try {
-    const bool hay = ::CargaRelaciones(Datos).size() > 0;
+    const bool hay = !::CargaRelaciones(Datos).empty();
     HabilitaRelaciones(hay);
     if (hay && cboRelaciones->ListIndex() >= 0)
         QuitaRelacion(cboRelaciones->ListIndex());

@@ -6,7 +6,9 @@
 #include "platform/controls/Pointer.h"
 
 #include <QMap>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <random>
 
 using namespace Qt::Literals::StringLiterals;
@@ -77,7 +79,8 @@ public:
         for (const QStringList& campos : indices)
             if (campos.contains(nombre))
                 return true;
-        return relaciones.values().contains(nombre);
+        // The keys of the server go last in a save, so that a column is not free before the next one.
+        return relaciones.values().contains(nombre) || m_conClave.contains(nombre);
     }
 
     // the edits, each by hand in the form and in the model
@@ -123,6 +126,7 @@ public:
             campos.replaceInStrings(QRegularExpression(u"^%1$"_s.arg(antes)), columna.nombre);
         for (QString& campo : relaciones)
             campo = campo == antes ? columna.nombre : campo;
+        m_conClave.replaceInStrings(QRegularExpression(u"^%1$"_s.arg(antes)), columna.nombre);
     }
     void CambiaTipo()
     {
@@ -143,7 +147,10 @@ public:
         const int fila = ColumnaLibre();
         if (fila < 0 || !EsTexto(columnas[fila].tipo))
             return;
-        columnas[fila].longitud = 1 + Hasta(99);
+        const int longitud = 1 + Hasta(99);
+        if (longitud == 2 * columnas[fila].longitud)
+            return; // the bytes of the length on the server: taken for no change
+        columnas[fila].longitud = longitud;
         Anota(u"length %1 %2"_s.arg(columnas[fila].nombre).arg(columnas[fila].longitud));
         PonCelda(rejilla(), fila, ColCampo::Longitud, QString::number(columnas[fila].longitud));
         VeA(rejilla(), 0, ColCampo::Nombre);
@@ -208,7 +215,7 @@ public:
         const QStringList nombres = indices.keys();
         const QString nombre = UnoDe(nombres);
         // An index of the server is not dropped by the design; only one that was drawn since can go.
-        if (!m_dibujados.contains(nombre) && m_guardados.contains(nombre))
+        if (m_guardados.contains(nombre))
             return;
         Anota(u"no index %1"_s.arg(nombre));
         Pagina(m_forma, 1);
@@ -281,9 +288,13 @@ public:
             if (!EsTexto(columna.tipo))
                 columna.longitud = Tipos()[columna.tipo];
         }
+        // Loading gives an index its columns in the order of the table, and the save builds it so.
+        for (const QString& nombre : m_guardados)
+            if (indices.contains(nombre))
+                std::ranges::sort(indices[nombre], {}, [this](const QString& campo) { return Lugar(campo); });
         m_renombradas.clear();
+        m_conClave = relaciones.values();
         m_guardados = indices.keys();
-        m_dibujados.clear();
         EXPECT_EQ(DelServidor(), DelModelo());
     }
     QString DelModelo() const
@@ -334,6 +345,11 @@ public:
         return lineas.join(u'\n');
     }
 
+    qsizetype Lugar(const QString& campo) const
+    {
+        return std::ranges::find(columnas, campo, &Columna::nombre) - columnas.begin();
+    }
+
     controls::DataGrid* rejilla() { return m_forma->TDBGridTabla; }
 
     QList<Columna> columnas;
@@ -341,7 +357,7 @@ public:
     QMap<QString, QString> relaciones;
     formularios::frmTabla* m_forma = nullptr;
     QString m_pasos;
-    QStringList m_renombradas, m_guardados, m_dibujados;
+    QStringList m_renombradas, m_guardados, m_conClave;
     int m_nombres = 0;
     std::mt19937 m_azar;
 };

@@ -388,4 +388,55 @@ TEST_F(Historias, WhatTheServerRefusesIsShownAndTheDesignStays)
         u"a|b"_s);
 }
 
+TEST_F(Historias, MoreThanTheGridHoldsIsToldAndLosesNothing)
+{
+    QString ancha = u"create table ancha (c0 int null"_s;
+    for (int n = 1; n < 1024; ++n)
+        ancha += u", c%1 int null"_s.arg(n);
+    Prepara(En, {ancha + u')'});
+    auto* forma = Diseña(u"ancha"_s);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:9 (Subscript out of range)."_s, 48, u"Atención."_s}}));
+    EXPECT_EQ(FilaDe(forma, 200)[0], u"c200"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_EQ(Consulta(u"select count(*) from Taller..syscolumns where id = object_id('Taller..ancha')"_s),
+              u"1024"_s);
+}
+
+TEST_F(Historias, TheLastRowIsNeverSaved)
+{
+    Prepara(Es, {u"create table t (a int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    auto* rejilla = forma->TDBGridTabla;
+    ClicCelda(rejilla, 1, ColCampo::Nombre);
+    Tecla(Qt::Key_End, Qt::ControlModifier);
+    ASSERT_EQ(rejilla->Bookmark(), UltimaFila);
+    VeA(rejilla, UltimaFila, ColCampo::Nombre);
+    Escribe(u"perdida"_s);
+    Tecla(Qt::Key_Up);
+    Escribe(u"\U0001F600 ñ"_s);
+    Tecla(Qt::Key_Up);
+    EXPECT_FALSE(Cierra(controls::Answer::Yes)) << "a name with a blank goes without brackets";
+    VeA(rejilla, UltimaFila - 1, ColCampo::Nombre);
+    Escribe(u"[\U0001F600 ñ]"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::Yes)) << "as a user may write them";
+    EXPECT_EQ(
+        Consulta(u"select name from Taller..syscolumns where id = object_id('Taller..t') order by colid"_s),
+        u"a|\U0001F600 ñ"_s);
+}
+
+TEST_F(Historias, TwoHundredAndOneDesignersOpenAndNoMore)
+{
+    QStringList tablas;
+    for (int n = 0; n <= 201; ++n)
+        tablas += u"create table a%1 (x int null)"_s.arg(n, 3, 10, QLatin1Char('0'));
+    Prepara(Es, tablas);
+    for (const QString& nombre : {u"a000"_s, u"a200"_s})
+        EXPECT_EQ(Diseña(nombre)->txtNombreTabla->Text(), nombre);
+    EXPECT_NE(TablasAbiertas[200], nullptr);
+    Diseña(u"a201"_s);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u" Error Nº:9 (El subíndice está fuera del intervalo)."_s, 48,
+                                       u"Atención."_s}}));
+    EXPECT_EQ(controls::LoadedForms().size(), 3);
+}
+
 } // namespace pruebas

@@ -86,7 +86,7 @@ public:
     {
         if (lastRow < -1 || lastColumn < -1)
             raise(error::Subscript);
-        m_rows.assign(static_cast<std::size_t>(lastRow + 1), {});
+        m_rows.assign(static_cast<std::size_t>(lastRow) + 1U, {});
         m_lastRow = lastRow;
         m_lastColumn = lastColumn;
         notify({ArrayChange::Kind::Reshaped});
@@ -110,7 +110,7 @@ public:
         check(row, column);
         std::vector<T>& cells = m_rows[static_cast<std::size_t>(row)];
         if (cells.empty())
-            cells.resize(static_cast<std::size_t>(m_lastColumn + 1));
+            cells.resize(static_cast<std::size_t>(m_lastColumn) + 1U);
         cells[static_cast<std::size_t>(column)] = std::move(value);
         notify({ArrayChange::Kind::Cell, row, column});
     }
