@@ -161,8 +161,8 @@ void Mesa::ClicEntrada(QMenu* menu, QAction* entrada)
 
 void Mesa::Escribe(const QString& texto)
 {
-    for (const QChar letra : texto)
-        QTest::sendKeyEvent(QTest::Click, Teclado(), Qt::Key_unknown, letra, {});
+    for (const char32_t letra : texto.toUcs4())
+        QTest::sendKeyEvent(QTest::Click, Teclado(), Qt::Key_unknown, QString::fromUcs4(&letra, 1), {});
 }
 
 void Mesa::Tecla(int tecla, Qt::KeyboardModifiers con)
