@@ -95,6 +95,7 @@ void Consola::SetUp()
 
 void Consola::TearDown()
 {
+    respuesta = controls::Answer::No; // a designer that asks is not saved
     for (controls::Form* formulario : controls::LoadedForms())
         formulario->Unload();
     if (::mdiPrincipal.exists()) {
