@@ -2,6 +2,7 @@
 #include "engine/binder/parsed_texts.h"
 #include "engine/binder/translator.h"
 #include "engine/context/permissions.h"
+#include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 #include "types/text_encoding.h"
 
@@ -75,7 +76,7 @@ bool mentions(const ast::QueryBody& body, const std::string& name)
 ObjectPtr Translator::object(const ast::ObjectName& name)
 {
     Catalog& catalog = context_.session.catalog();
-    if (name.object.starts_with('#')) {
+    if (isTemporary(name.object)) {
         ObjectPtr found = catalog.object(tempdbId, "", context_.session.temporaryName(name.object));
         if (!found)
             raise(208, {name.object});

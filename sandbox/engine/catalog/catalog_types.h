@@ -18,6 +18,7 @@ inline constexpr int tempdbId = 2;
 inline constexpr int modelId = 3;
 inline constexpr int publicId = 0; ///< the role, in each database
 inline constexpr int dboId = 1;    ///< the user, in each database
+inline constexpr int guestId = 2;
 
 /// Options of a database that are on or off. Recovery model and access are values of their own.
 enum DatabaseOption : std::uint32_t

@@ -13,7 +13,6 @@ namespace {
 constexpr int firstUserId = 5;
 constexpr int firstFixedRole = 16384;
 constexpr int firstRoleId = 16400;
-constexpr int guestId = 2;
 constexpr int informationSchemaId = 3;
 
 struct ServerRoleName

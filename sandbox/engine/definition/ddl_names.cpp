@@ -1,15 +1,11 @@
 #include "engine/definition/ddl_names.h"
 
 #include "engine/context/permissions.h"
+#include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 
 namespace practice {
 namespace {
-
-bool isTemporary(const std::string& name)
-{
-    return name.starts_with('#');
-}
 
 bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
 {

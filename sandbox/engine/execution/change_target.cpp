@@ -1,6 +1,7 @@
 #include "engine/execution/change_target.h"
 
 #include "engine/context/permissions.h"
+#include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 #include "types/text_encoding.h"
 
@@ -27,8 +28,7 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
         return table;
     }
     const auto& named = ast::as<ast::NamedTable>(target);
-    if (!named.name.object.starts_with('#') &&
-        findSystemTable(named.name.schema, named.name.object) != nullptr)
+    if (!isTemporary(named.name.object) && findSystemTable(named.name.schema, named.name.object) != nullptr)
         raise(259);
     ObjectPtr table = translator.object(named.name);
     if (!translator.context().chained)

@@ -16,8 +16,8 @@ Cursor& findCursor(SessionState& session, const std::string& name)
     const std::string key = foldName(name);
     if (const auto local = session.frame().cursors.find(key); local != session.frame().cursors.end())
         return local->second;
-    const auto found = session.globalCursors.find(key);
-    if (found == session.globalCursors.end())
+    const auto found = session.globalCursors().find(key);
+    if (found == session.globalCursors().end())
         raise(16916, {name});
     return found->second;
 }
@@ -34,7 +34,7 @@ void open(SessionState& session, Cursor& cursor)
     stepQuery(session, plan, [&cursor](const std::vector<Value>& values) { cursor.rows.push_back(values); });
     cursor.open = true;
     cursor.position = -1;
-    session.cursorRows = static_cast<int>(cursor.rows.size());
+    session.outcome().cursorRows = static_cast<int>(cursor.rows.size());
 }
 
 std::int64_t targetOf(SessionState& session, const Cursor& cursor, const ast::FetchStatement& statement)
@@ -75,7 +75,7 @@ void declareCursor(SessionState& session, const ast::DeclareCursorStatement& sta
 {
     const bool local =
         std::find(statement.options.begin(), statement.options.end(), "LOCAL") != statement.options.end();
-    auto& cursors = local ? session.frame().cursors : session.globalCursors;
+    auto& cursors = local ? session.frame().cursors : session.globalCursors();
     Cursor cursor;
     cursor.query = statement.query.get();
     cursor.owner = session.frame().compiled;
@@ -98,7 +98,7 @@ void executeCursor(SessionState& session, const ast::CursorStatement& statement)
         return;
     case ast::CursorAction::Deallocate:
         if (session.frame().cursors.erase(foldName(statement.name)) == 0)
-            session.globalCursors.erase(foldName(statement.name));
+            session.globalCursors().erase(foldName(statement.name));
     }
 }
 
@@ -112,8 +112,8 @@ void executeFetch(SessionState& session, const ast::FetchStatement& statement)
     const auto count = static_cast<std::int64_t>(cursor.rows.size());
     cursor.position = std::clamp<std::int64_t>(targetOf(session, cursor, statement), -1, count);
     const bool found = cursor.position >= 0 && cursor.position < count;
-    session.fetchStatus = found ? 0 : -1;
-    session.lastRowCount = found ? 1 : 0;
+    session.outcome().fetchStatus = found ? 0 : -1;
+    session.outcome().lastRowCount = found ? 1 : 0;
     if (!statement.into.empty()) {
         if (statement.into.size() != cursor.columns.size())
             raise(16924);

@@ -344,30 +344,30 @@ void runInsert(SessionState& session, InsertPlan& plan)
         const Index* index = unique ? violatedIndex(*plan.table, failure.text) : nullptr;
         if (index == nullptr)
             throw;
-        session.identityCounter.last.reset();
+        session.outcome().identityCounter.last.reset();
         explainDuplicate(session, plan, *index);
     }
 }
 
 void startIdentity(SessionState& session, const InsertPlan& plan)
 {
-    session.identityCounter = {};
+    session.outcome().identityCounter = {};
     if (plan.generated == nullptr)
         return;
     const Identity& identity = *plan.generated->identity;
     const auto last = session.catalog().lastIdentity(plan.table->databaseId, plan.table->id);
-    session.identityCounter.increment = identity.increment;
-    session.identityCounter.next = last ? *last + identity.increment : identity.seed;
+    session.outcome().identityCounter.increment = identity.increment;
+    session.outcome().identityCounter.next = last ? *last + identity.increment : identity.seed;
 }
 
 void keepIdentity(SessionState& session, const InsertPlan& plan, std::int64_t firstRow)
 {
-    if (plan.generated != nullptr && session.identityCounter.last) {
-        const std::int64_t last = *session.identityCounter.last;
+    if (plan.generated != nullptr && session.outcome().identityCounter.last) {
+        const std::int64_t last = *session.outcome().identityCounter.last;
         if (plan.generated->type.id == TypeId::Int && (last > INT32_MAX || last < INT32_MIN))
             raise(8115, {"int"});
         session.catalog().setLastIdentity(plan.table->databaseId, plan.table->id, last);
-        session.lastIdentity = session.scopeIdentity = last;
+        session.outcome().lastIdentity = session.outcome().scopeIdentity = last;
         return;
     }
     if (plan.explicitIdentity == nullptr)
@@ -384,7 +384,7 @@ void keepIdentity(SessionState& session, const InsertPlan& plan, std::int64_t fi
     const auto last = session.catalog().lastIdentity(plan.table->databaseId, plan.table->id);
     if (!last || (rising ? given > *last : given < *last))
         session.catalog().setLastIdentity(plan.table->databaseId, plan.table->id, given);
-    session.lastIdentity = session.scopeIdentity = given;
+    session.outcome().lastIdentity = session.outcome().scopeIdentity = given;
 }
 
 void testRows(SessionState& session, InsertPlan& plan, std::int64_t firstRow)
@@ -440,7 +440,7 @@ void executeInsert(SessionState& session, const ast::InsertStatement& statement)
     });
     if (used->output)
         sendOutput(session, *used->output, shown);
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::insertRows);
 }
 
@@ -468,7 +468,7 @@ void insertRows(SessionState& session, const ast::InsertStatement& statement,
         addRows(session, statement, columns, given);
         return static_cast<std::uint64_t>(given.size());
     });
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::insertRows);
 }
 

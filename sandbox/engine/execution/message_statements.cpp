@@ -237,18 +237,18 @@ void executePrint(SessionState& session, const ast::PrintStatement& statement)
     if (message.text.empty())
         message.text = " ";
     session.sendMessage(message);
-    session.lastRowCount = 0;
+    session.outcome().lastRowCount = 0;
 }
 
 void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& statement)
 {
     const Message message = statement.severity ? composed(session, statement) : oldForm(session, statement);
     constexpr int lastInformation = 10;
-    if (message.severity > lastInformation && session.catchesErrors())
+    if (message.severity > lastInformation && session.calls().catchesErrors())
         throw SqlError{message};
     session.sendMessage(message);
     const bool error = message.severity > lastInformation || statement.setError;
-    session.statementError = error ? message.number : 0;
+    session.outcome().statementError = error ? message.number : 0;
     session.done(std::nullopt, commands::other, message.severity > lastInformation);
 }
 

@@ -77,8 +77,8 @@ void selectInto(SessionState& session, QueryPlan& plan, const ast::ObjectName& t
         Translator translator(session.bindContext());
         return fill(session, translator.object(target), read);
     });
-    session.ownGlobalTemporary(target.object);
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.temporaries().ownGlobal(target.object);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::select);
 }
 

@@ -46,7 +46,7 @@ QueryPlan& planQuery(SessionState& session, const ast::Query& query)
         translator.liveVariables.insert(plan->assigned.begin(), plan->assigned.end());
     TranslatedQuery translated = translator.statement(query);
     for (const std::string& name : plan->assigned)
-        (void)session.variable(name);
+        (void)session.calls().variable(name);
     plan->columns = std::move(translated.columns);
     for (const QueryColumn& column : plan->columns) {
         ColumnInfo info{column.name, column.type, column.nullable, column.identity, column.updatable};
@@ -67,7 +67,7 @@ void selectIntoVariables(SessionState& session, QueryPlan& plan)
         for (std::size_t i = 0; i < values.size(); ++i)
             session.assign(plan.assigned[i], values[i], plan.columns[i].type);
     });
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::select);
 }
 
@@ -79,7 +79,7 @@ void selectRows(SessionState& session, QueryPlan& plan)
         return session.done(0, commands::select);
     const std::uint64_t rows =
         stepQuery(session, plan, [&sink](const std::vector<Value>& values) { sink.row(values); });
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::select);
 }
 

@@ -168,7 +168,7 @@ std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateS
     for (const ast::Assignment& assignment : statement.assignments) {
         if (!assignment.variable.empty()) {
             plan->variables.push_back(assignment.variable);
-            (void)session.variable(assignment.variable);
+            (void)session.calls().variable(assignment.variable);
         }
         if (assignment.column.empty()) {
             const Term value = binder.translator().expression(*assignment.value, binder.scope());
@@ -314,7 +314,7 @@ void executeUpdate(SessionState& session, const ast::UpdateStatement& statement)
     });
     if (used->output)
         sendOutput(session, *used->output, shown);
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::updateRows);
 }
 
@@ -341,7 +341,7 @@ void executeDelete(SessionState& session, const ast::DeleteStatement& statement)
     });
     if (used->output)
         sendOutput(session, *used->output, shown);
-    session.lastRowCount = static_cast<std::int64_t>(rows);
+    session.outcome().lastRowCount = static_cast<std::int64_t>(rows);
     session.done(rows, commands::deleteRows);
 }
 
@@ -371,7 +371,7 @@ void executeTruncate(SessionState& session, const ast::TruncateStatement& statem
         }
         return 0;
     });
-    session.lastRowCount = 0;
+    session.outcome().lastRowCount = 0;
 }
 
 void planAhead(SessionState& session, const ast::Statement& statement)

@@ -80,11 +80,11 @@ void executeWaitFor(SessionState& session, const ast::WaitForStatement& statemen
 {
     std::int64_t left = timeOf(session.evaluate(*statement.time));
     if (!statement.delay && left >= 0) {
-        left -= session.now(false).ticks / ticksPerMillisecond;
+        left -= session.clock().now(false).ticks / ticksPerMillisecond;
         left += left < 0 ? millisecondsPerDay : 0;
     }
     sleepFor(session, left);
-    session.lastRowCount = 0;
+    session.outcome().lastRowCount = 0;
     session.done(std::nullopt, 0);
 }
 

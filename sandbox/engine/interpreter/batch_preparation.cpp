@@ -43,10 +43,10 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
         if (isDeferred(error.message.number))
             return;
         session_.frame().line = static_cast<int>(statement.source.line);
-        if (session_.catchesErrors())
+        if (session_.calls().catchesErrors())
             throw SqlError(error);
         session_.sendMessage(error.message);
-        session_.lastError = error.message.number;
+        session_.outcome().lastError = error.message.number;
         sound = false;
     };
     switch (statement.kind) {
@@ -57,7 +57,7 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
             try {
                 if (session_.frame().variables.contains(lowerCase(declaration.name)))
                     raise(134, {declaration.name});
-                session_.declare(declaration.name, declaredType(session_, declaration.type));
+                session_.calls().declare(declaration.name, declaredType(session_, declaration.type));
             } catch (const SqlError& error) {
                 fault(error);
             }
@@ -65,7 +65,7 @@ void Interpreter::prepare(const ast::Statement& statement, bool& sound, bool& mo
         return;
     case ast::StatementKind::SetVariable:
         try {
-            (void)session_.variable(ast::as<ast::SetVariableStatement>(statement).variable);
+            (void)session_.calls().variable(ast::as<ast::SetVariableStatement>(statement).variable);
         } catch (const SqlError& error) {
             if (ast::as<ast::SetVariableStatement>(statement).cursor == nullptr)
                 fault(error);

@@ -91,8 +91,8 @@ std::uint16_t commandOf(const ast::Statement& statement)
 void Interpreter::runBatch(const std::string& text)
 {
     runRequest(text);
-    if (session_.doomed) {
-        session_.rollbackAll();
+    if (session_.transactions().doomed) {
+        session_.transactions().rollbackAll();
         session_.sendMessage(makeMessage(3998));
         session_.done(std::nullopt, commands::other, true);
     }
@@ -110,7 +110,7 @@ void Interpreter::runRequest(const std::string& text)
         session_.sink().message(error.message);
         for (const Message& next : error.more)
             session_.sink().message(next);
-        session_.lastError = error.message.number;
+        session_.outcome().lastError = error.message.number;
         session_.done(std::nullopt, commands::other, true);
     } catch (const BatchAborted&) {
         // reported already
@@ -122,7 +122,7 @@ void Interpreter::runRequest(const std::string& text)
 void Interpreter::requireRoomToNest() const
 {
     constexpr int deepestNesting = 32;
-    if (session_.nestLevel() >= deepestNesting)
+    if (session_.calls().nestLevel() >= deepestNesting)
         raise(217, {std::to_string(deepestNesting)});
 }
 
@@ -132,7 +132,7 @@ void Interpreter::runNested(const std::string& text)
     frame->compiled = session_.compile(text);
     frame->silent = true;
     frame->tryDepth = 1; // so that errors come back to the caller
-    if (session_.hasFrame()) {
+    if (!session_.calls().empty()) {
         frame->procedure = session_.frame().procedure;
         frame->database = session_.frame().database;
     }
@@ -146,7 +146,7 @@ void Interpreter::runInner(const std::string& text, Frame& prepared, const std::
     auto frame = std::make_unique<Frame>(std::exchange(prepared, Frame{}));
     frame->compiled = session_.compile(text, family);
     frame->completion = Completion::Kind::InProcedure;
-    if (session_.hasFrame())
+    if (!session_.calls().empty())
         frame->database = session_.frame().database;
     const FrameScope scope(session_, std::move(frame), ScopeKind::Inner);
     try {
@@ -183,8 +183,8 @@ void Interpreter::report(const SqlError& error, std::uint16_t command, bool term
     session_.sendMessage(message);
     for (const Message& next : error.more)
         session_.sendMessage(next);
-    session_.lastError = message.number;
-    session_.lastRowCount = 0;
+    session_.outcome().lastError = message.number;
+    session_.outcome().lastRowCount = 0;
     if (terminated)
         session_.sendMessage(makeMessage(3621));
     session_.done(std::nullopt, command, true);
@@ -192,7 +192,7 @@ void Interpreter::report(const SqlError& error, std::uint16_t command, bool term
     const bool all = (!error.confined && endsTransaction(message.number)) ||
                      (session_.options().xactAbort && !aborted && message.number != 50000);
     if (all && session_.transactionCount() > 0)
-        session_.rollbackAll();
+        session_.transactions().rollbackAll();
     if (all)
         throw BatchAborted{};
     if (aborted)
@@ -217,7 +217,7 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         const bool terminated = terminates(statement, error);
         error.confined =
             terminated && (statement.kind == Kind::AlterTable || statement.kind == Kind::CreateIndex);
-        if (session_.catchesErrors()) {
+        if (session_.calls().catchesErrors()) {
             closeCaught(statement);
             throw SqlError(std::move(error));
         }
@@ -226,17 +226,17 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
             throw BatchAborted{};
     };
     const StatementEnd end(session_);
-    session_.statementError = 0;
+    session_.outcome().statementError = 0;
     try {
         work();
-        session_.lastError = session_.errorOfStatement();
+        session_.outcome().lastError = session_.outcome().errorOfStatement();
     } catch (const SqlError& error) {
         failed(error);
     } catch (const StoreError& failure) {
         failed({messageOf(failure)});
     } catch (const Cancelled&) {
         if (session_.options().xactAbort && session_.transactionCount() > 0)
-            session_.rollbackAll();
+            session_.transactions().rollbackAll();
         throw;
     }
 }
@@ -327,8 +327,9 @@ Interpreter::Flow Interpreter::tryCatch(const ast::TryCatchStatement& node)
             throw;
         const bool dooms =
             session_.options().xactAbort || (!error.confined && endsTransaction(error.message.number));
-        session_.doomed = session_.doomed || (dooms && session_.transactionCount() > 0);
-        session_.lastError = error.message.number;
+        session_.transactions().doomed =
+            session_.transactions().doomed || (dooms && session_.transactionCount() > 0);
+        session_.outcome().lastError = error.message.number;
         std::vector<Message> caught = frame.caught;
         caught.push_back(error.message);
         const Temporarily<std::vector<Message>> shown(frame.caught, std::move(caught));
@@ -415,10 +416,10 @@ void Interpreter::definition(const ast::Statement& node)
     // Databases come and go outside any transaction, and a backup writes files.
     const auto rows = session_.atomically([this, &node] { return executeDdl(session_, node); });
     if (const auto* table = ast::tryAs<ast::CreateTableStatement>(&node))
-        session_.ownGlobalTemporary(table->name.object);
+        session_.temporaries().ownGlobal(table->name.object);
     else if (const auto* procedure = ast::tryAs<ast::CreateProcedureStatement>(&node))
-        session_.ownGlobalTemporary(procedure->name.object);
-    session_.done(rows, commands::other, session_.statementError != 0);
+        session_.temporaries().ownGlobal(procedure->name.object);
+    session_.done(rows, commands::other, session_.outcome().statementError != 0);
 }
 
 void Interpreter::declare(const ast::DeclareStatement& node)
@@ -427,11 +428,11 @@ void Interpreter::declare(const ast::DeclareStatement& node)
         if (declaration.kind == ast::DeclarationKind::Table) {
             session_.createTableVariable(declaration);
         } else if (declaration.kind == ast::DeclarationKind::Scalar) {
-            session_.declare(declaration.name, declaredType(session_, declaration.type));
+            session_.calls().declare(declaration.name, declaredType(session_, declaration.type));
             if (declaration.initial) {
                 const Variable value = session_.evaluate(*declaration.initial);
                 session_.assign(declaration.name, value.value, value.type);
-                session_.lastRowCount = 1;
+                session_.outcome().lastRowCount = 1;
                 session_.done(1, commands::select);
             }
         }
@@ -440,13 +441,13 @@ void Interpreter::declare(const ast::DeclareStatement& node)
 
 void Interpreter::setVariable(const ast::SetVariableStatement& node)
 {
-    const Variable& target = session_.variable(node.variable);
+    const Variable& target = session_.calls().variable(node.variable);
     Variable value = session_.evaluate(*node.value);
     if (node.op != ast::AssignmentOperator::Set)
         value = session_.combined(target, node.op, value);
     requireConversion(value.type, target.type, Conversion::Implicit);
     session_.assign(node.variable, value.value, value.type);
-    session_.lastRowCount = 1;
+    session_.outcome().lastRowCount = 1;
     session_.done(1, commands::select);
 }
 
@@ -454,21 +455,21 @@ void Interpreter::transaction(const ast::TransactionStatement& node)
 {
     std::string name = node.name;
     if (name.starts_with('@')) {
-        const Variable& held = session_.variable(name);
+        const Variable& held = session_.calls().variable(name);
         name = held.value.isNull() ? "" : toText(held.value, held.type);
     }
     switch (node.action) {
     case ast::TransactionAction::Begin:
-        session_.beginTransaction(name);
+        session_.transactions().begin(name);
         break;
     case ast::TransactionAction::Commit:
-        session_.commitTransaction();
+        session_.transactions().commit();
         break;
     case ast::TransactionAction::Rollback:
-        session_.rollbackTransaction(name);
+        session_.transactions().rollback(name);
         break;
     case ast::TransactionAction::Save:
-        session_.saveTransaction(name);
+        session_.transactions().save(name);
         break;
     }
     constexpr std::uint16_t tokens[] = {commands::begin, commands::commit, commands::rollback,

@@ -2,6 +2,7 @@
 #include "engine/api/collecting_sink.h"
 #include "engine/binder/parsed_texts.h"
 #include "engine/context/permissions.h"
+#include "engine/context/temporary_names.h"
 #include "engine/execution/statements.h"
 #include "engine/functions/sql_functions.h"
 #include "engine/interpreter/interpreter.h"
@@ -152,7 +153,7 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
     const DatabasePtr database =
         name.database.empty() ? session_.database() : catalog.database(name.database);
     ObjectPtr found;
-    if (name.object.starts_with('#'))
+    if (isTemporary(name.object))
         found = catalog.object(tempdbId, "", session_.temporaryName(name.object));
     else if (database)
         found = catalog.object(database->id, name.schema, name.object, session_.user().id);
@@ -178,7 +179,7 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     frame->procedureId = procedure->id;
     frame->completion = Completion::Kind::InProcedure;
     // A temporary procedure works where it is called.
-    if (procedure->databaseId != tempdbId || !procedure->name.starts_with('#'))
+    if (procedure->databaseId != tempdbId || !isTemporary(procedure->name))
         frame->database = session_.catalog().database(procedure->databaseId);
     else
         frame->database = session_.frame().database;
@@ -194,7 +195,7 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
             Parameter* argument = argumentFor(arguments, definition.parameters[i].name, i);
             if (argument == nullptr || !argument->output)
                 continue;
-            giveBack(*argument, session_.variable(definition.parameters[i].name));
+            giveBack(*argument, session_.calls().variable(definition.parameters[i].name));
         }
     } catch (const ScopeAborted&) {
         return -6;
@@ -212,12 +213,12 @@ void Interpreter::passArguments(const std::string& procedure,
 {
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         const ast::ParameterDefinition& parameter = parameters[i];
-        session_.declare(parameter.name, declaredType(session_, parameter.type));
+        session_.calls().declare(parameter.name, declaredType(session_, parameter.type));
         const Parameter* argument = argumentFor(arguments, parameter.name, i);
         if (argument != nullptr && !argument->isDefault) {
             if (argument->output && !parameter.output)
                 raise(8162, {parameter.name});
-            const SqlType target = session_.variable(parameter.name).type;
+            const SqlType target = session_.calls().variable(parameter.name).type;
             try {
                 requireConversion(argument->type, target, Conversion::Implicit);
                 session_.assign(parameter.name, argument->value, argument->type);
@@ -262,7 +263,7 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
     }
     ast::ObjectName name = node.procedure;
     if (!node.variable.empty()) {
-        const Variable& variable = session_.variable(node.variable);
+        const Variable& variable = session_.calls().variable(node.variable);
         const std::string written = variable.value.isNull() ? "" : toText(variable.value, variable.type);
         name = parseObjectName(written);
         if (name.empty())
@@ -308,18 +309,18 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
         return prepareText(arguments, procedure == "sp_prepexec");
     if (procedure == "sp_execute") {
         const int handle = handleOf(arguments);
-        const auto prepared = session_.preparedTexts.find(handle);
-        if (prepared == session_.preparedTexts.end())
+        const PreparedText* found = session_.preparedTexts().find(handle);
+        if (found == nullptr)
             raise(8179, {std::to_string(handle)});
+        const PreparedText prepared = *found; // what runs may remove it
         std::vector<Parameter> values(arguments.begin() + 1, arguments.end());
-        const auto [declarations, text] = prepared->second;
-        runPrepared(declarations, text, values);
+        runPrepared(prepared.declarations, prepared.text, values);
         std::move(values.begin(), values.end(), arguments.begin() + 1);
         return 0;
     }
     if (procedure == "sp_unprepare") {
         const int handle = handleOf(arguments);
-        if (session_.preparedTexts.erase(handle) == 0)
+        if (!session_.preparedTexts().remove(handle))
             raise(8179, {std::to_string(handle)});
         return 0;
     }
@@ -343,7 +344,7 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
             session_.store().commit();
     } catch (...) {
         if (!savepoint && session_.store().inTransaction())
-            session_.undoFirstWrites();
+            session_.transactions().undoFirstWrites();
         throw;
     }
     known = status.has_value();
@@ -368,10 +369,9 @@ int Interpreter::prepareText(std::vector<Parameter>& arguments, bool execute)
 {
     if (arguments.size() < 3)
         raise(201, {execute ? "sp_prepexec" : "sp_prepare", "@stmt"});
-    const int handle = ++session_.lastHandle;
     const std::string declarations = plainText(arguments[1]);
     const std::string text = plainText(arguments[2]);
-    session_.preparedTexts[handle] = {declarations, text};
+    const int handle = session_.preparedTexts().add({declarations, text});
     giveBack(arguments[0], {intType(), Value{std::int64_t{handle}, {}}});
     if (!execute) {
         constexpr int returnMetadata = 1;
@@ -414,8 +414,8 @@ try {
         }
     }
 } catch (const SqlError& error) {
-    session_.preparedTexts.erase(session_.lastHandle);
-    if (session_.catchesErrors())
+    session_.preparedTexts().removeLast();
+    if (session_.calls().catchesErrors())
         throw;
     session_.sendMessage(error.message);
     raise(8180);

@@ -30,7 +30,9 @@ public:
         state_.setNestedRunner([this](const std::string& text) { Interpreter(state_).runNested(text); });
         registerSessionList(state_.connection(), registry);
         registry.add(spid, {login.name, request.host, request.application});
-        state_.transactionsChanged = [this](int count) { registry_.setTransactions(state_.spid(), count); };
+        state_.transactions().changed = [this](int count) {
+            registry_.setTransactions(state_.spid(), count);
+        };
     }
     ~EngineSession() override { registry_.remove(state_.spid()); }
 
@@ -68,7 +70,7 @@ public:
     void beginTransaction(const std::string& name, ResultSink& sink) override
     {
         request(sink, [this, &name] {
-            state_.beginTransaction(name);
+            state_.transactions().begin(name);
             state_.done(std::nullopt, commands::other);
         });
     }
@@ -76,7 +78,7 @@ public:
     void commitTransaction(ResultSink& sink) override
     {
         request(sink, [this] {
-            state_.commitTransaction();
+            state_.transactions().commit();
             state_.done(std::nullopt, commands::other);
         });
     }
@@ -84,7 +86,7 @@ public:
     void rollbackTransaction(const std::string& name, ResultSink& sink) override
     {
         request(sink, [this, &name] {
-            state_.rollbackTransaction(name);
+            state_.transactions().rollback(name);
             state_.done(std::nullopt, commands::other);
         });
     }
@@ -126,7 +128,7 @@ private:
             state_.abandon();
         } catch (const SqlError& error) {
             sink.message(error.message);
-            state_.lastError = error.message.number;
+            state_.outcome().lastError = error.message.number;
             state_.done(std::nullopt, command, true);
         } catch (const StoreError& failure) {
             Message message = makeMessage(8630);

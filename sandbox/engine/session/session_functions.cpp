@@ -43,11 +43,10 @@ void onCall(sqlite3_context* context, int count, sqlite3_value** arguments)
 // variable(name): as it stands at this row
 void variable(SessionState& session, const Call& call)
 {
-    SqlType type;
-    const Value* value = session.liveVariable(std::string(call.text(0)), type);
-    if (value == nullptr)
+    const Variable* found = session.calls().find(std::string(call.text(0)));
+    if (found == nullptr)
         return sqlite3_result_null(call.context());
-    call.result(*value, type);
+    call.result(found->value, found->type);
 }
 
 // global(name, type)
@@ -59,7 +58,7 @@ void global(SessionState& session, const Call& call)
 // identity(): the next identity value of the running INSERT
 void identity(SessionState& session, const Call& call)
 {
-    call.result(session.identityCounter.take());
+    call.result(session.outcome().identityCounter.take());
 }
 
 // timestamp(): the next value for a timestamp column

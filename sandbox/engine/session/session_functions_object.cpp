@@ -1,4 +1,5 @@
 // Functions that tell of objects, columns and types.
+#include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
 #include "tsql/parser.h"
@@ -17,7 +18,7 @@ ObjectPtr objectNamed(SessionState& session, std::string_view text)
     if (name.empty())
         return nullptr;
     Catalog& catalog = session.catalog();
-    if (name.object.starts_with('#'))
+    if (isTemporary(name.object))
         return catalog.object(tempdbId, "", session.temporaryName(name.object));
     const DatabasePtr database = name.database.empty() ? session.database() : catalog.database(name.database);
     return database ? catalog.object(database->id, name.schema, name.object, session.user().id) : nullptr;

@@ -8,24 +8,24 @@ FrameScope::FrameScope(SessionState& session, std::unique_ptr<Frame> frame, Scop
     if (kind == ScopeKind::Inner)
         database_ = session.database();
     frame->ownScope = kind != ScopeKind::Nested;
-    session.pushFrame(std::move(frame));
+    session.calls().push(std::move(frame));
     if (kind == ScopeKind::Module || kind == ScopeKind::Inner)
-        session.enterModule();
+        session.calls().enterModule();
 }
 
 FrameScope::~FrameScope()
 {
-    const std::unique_ptr<Frame> ended = session_.popFrame();
+    const std::unique_ptr<Frame> ended = session_.calls().pop();
     if (kind_ == ScopeKind::Nested)
         return;
     if (kind_ != ScopeKind::Request)
         restore();
-    session_.endScope(*ended, kind_ == ScopeKind::Request);
+    session_.temporaries().endScope(*ended, kind_ == ScopeKind::Request);
 }
 
 void FrameScope::restore()
 {
-    session_.leaveModule();
+    session_.calls().leaveModule();
     if (kind_ == ScopeKind::Module)
         options_.identityInsert = session_.options().identityInsert;
     session_.options() = std::move(options_);

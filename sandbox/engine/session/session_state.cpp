@@ -52,42 +52,39 @@ SessionState::SessionState(const std::filesystem::path& dataDirectory, const std
                            int spid, LoginRequest client, Login login, TemporaryLeftovers& leftovers)
     : dataDirectory_(dataDirectory), serverName_(serverName), spid_(spid), client_(std::move(client)),
       login_(std::move(login)), store_(dataDirectory / "store.db"), options_(firstOptions(client_)),
-      leftovers_(leftovers)
+      transactions_(store_, [this](EnvironmentChange kind, const std::string& descriptor) {
+          const bool begins = kind == EnvironmentChange::BeginTransaction;
+          sink().environment(kind, begins ? descriptor : "", begins ? "" : descriptor);
+      })
 {
     registerSqlFunctions(connection(), options_.dates);
     registerCatalogFunctions(connection());
     registerSessionFunctions(*this);
     catalog_ = std::make_unique<Catalog>(connection());
-    snapshot_ = Statement(connection(), "SELECT version FROM cat_version", true);
+    view_ = ReadView(store_);
+    temporaries_ = std::make_unique<Temporaries>(Temporaries::Ground{store_, *catalog_, view_, calls_, spid_},
+                                                 leftovers);
 }
 
 SessionState::~SessionState()
 {
-    frames_.clear();
+    calls_.clear();
     store_.rollback();
-    dropAllTemporaries();
+    temporaries_->dropAll();
 }
 
 DatabasePtr SessionState::database()
 {
-    if (!frames_.empty() && frames_.back()->database)
-        return frames_.back()->database;
-    DatabasePtr found = catalog_->database(databaseId_);
+    if (!calls_.empty() && calls_.top().database)
+        return calls_.top().database;
+    DatabasePtr found = catalog_->database(place_.databaseId());
     // A database may vanish under a session that stands in it.
-    return found ? found : catalog_->database(1);
+    return found ? found : catalog_->database(masterId);
 }
 
 const Principal& SessionState::user()
 {
-    const int databaseId = database()->id;
-    const std::uint64_t version = catalog_->version();
-    if (userDatabase_ != databaseId || userVersion_ != version) {
-        const auto found = catalog_->userOf(databaseId, login_);
-        user_ = found ? *found : Principal{2, "guest", "", false, false, true};
-        userDatabase_ = databaseId;
-        userVersion_ = version;
-    }
-    return user_;
+    return place_.user(*catalog_, login_, database()->id);
 }
 
 void SessionState::useDatabase(const std::string& name)
@@ -100,9 +97,7 @@ void SessionState::useDatabase(const std::string& name)
         raise(942, {found->name});
     if (!catalog_->userOf(found->id, login_))
         raise(916, {login_.name, found->name});
-    const std::string before = std::exchange(databaseName_, found->name);
-    databaseId_ = found->id;
-    sink().environment(EnvironmentChange::Database, found->name, before);
+    sink().environment(EnvironmentChange::Database, found->name, place_.enter(*found));
     inform(5701, {found->name});
 }
 
@@ -117,7 +112,7 @@ void SessionState::useLanguage(const Language& language, const std::string& befo
 
 void SessionState::sendMessage(Message message)
 {
-    if (!frames_.empty()) {
+    if (!calls_.empty()) {
         message.line = frame().line;
         if (message.procedure.empty())
             message.procedure = frame().procedure;
@@ -125,39 +120,51 @@ void SessionState::sendMessage(Message message)
     sink().message(message);
 }
 
-std::unique_ptr<Frame> SessionState::popFrame()
+std::string SessionState::temporaryName(const std::string& name) const
 {
-    std::unique_ptr<Frame> top = std::move(frames_.back());
-    frames_.pop_back();
-    return top;
+    return temporaries_->storedName(name);
 }
 
-Variable& SessionState::variable(const std::string& name)
+std::string SessionState::newTemporaryName(const std::string& name)
 {
-    const auto found = frame().variables.find(lowerCase(name));
-    if (found == frame().variables.end())
-        raise(137, {name});
-    return found->second;
+    return temporaries_->newStoredName(name);
 }
 
-void SessionState::declare(const std::string& name, const SqlType& type)
+void SessionState::beginWrite()
 {
-    frame().variables[lowerCase(name)] = {type, {}};
+    endStatement();
+    if (store_.inTransaction())
+        return;
+    store_.beginWrite();
+    catalog_->version();
+    transactions_.replaySavepoints();
+}
+
+void SessionState::attempt(const std::function<void()>& part)
+{
+    Savepoint savepoint(store_);
+    try {
+        catalog_->version();
+        part();
+        savepoint.release();
+    } catch (const SqlError& error) {
+        if (calls_.catchesErrors())
+            throw;
+        sendMessage(error.message);
+        outcome_.statementError = error.message.number;
+    }
+}
+
+void SessionState::startImplicitTransaction()
+{
+    if (options_.implicitTransactions && transactions_.count() == 0)
+        transactions_.begin("");
 }
 
 void SessionState::assign(const std::string& name, const Value& value, const SqlType& type)
 {
-    Variable& target = variable(name);
+    Variable& target = calls_.variable(name);
     target.value = convertedForVariable(value, type, target.type, options_.dates);
-}
-
-const Value* SessionState::liveVariable(const std::string& name, SqlType& type)
-{
-    const auto found = frame().variables.find(name);
-    if (found == frame().variables.end())
-        return nullptr;
-    type = found->second.type;
-    return &found->second.value;
 }
 
 BindContext SessionState::bindContext()
@@ -166,16 +173,14 @@ BindContext SessionState::bindContext()
             database(),
             user().id,
             [this](const std::string& name) -> std::optional<SqlType> {
-                if (frames_.empty())
-                    return std::nullopt;
-                const auto found = frame().variables.find(name);
-                return found == frame().variables.end() ? std::nullopt : std::optional(found->second.type);
+                const Variable* found = calls_.find(name);
+                return found == nullptr ? std::nullopt : std::optional(found->type);
             },
             [this](const std::string& name) {
                 const auto found = frame().tableVariables.find(name);
                 return found == frame().tableVariables.end() ? std::string() : temporaryName(found->second);
             },
-            !frames_.empty() && frame().procedureId != 0};
+            !calls_.empty() && frame().procedureId != 0};
 }
 
 CompiledBatchPtr SessionState::compile(const std::string& text, const std::string& family)
@@ -193,7 +198,7 @@ CompiledBatchPtr SessionState::compile(const std::string& text, const std::strin
 void SessionState::limitPlans()
 {
     constexpr std::size_t mostPlans = 1000;
-    if (frames_.size() == 1 && frame().compiled->plans.size() > mostPlans)
+    if (calls_.depth() == 1 && frame().compiled->plans.size() > mostPlans)
         frame().compiled->plans.clear();
 }
 
@@ -203,7 +208,7 @@ void SessionState::bindSlots(sqlite3_stmt* statement, const std::vector<Paramete
     for (const ParameterSlot& slot : slots) {
         ++place;
         if (slot.kind == ParameterSlot::Kind::Variable)
-            bindStorage(statement, place, variable(slot.name).value, slot.type);
+            bindStorage(statement, place, calls_.variable(slot.name).value, slot.type);
         else
             bindStorage(statement, place, globalValue(slot.name), slot.type);
     }
@@ -230,7 +235,7 @@ QueryPlan& SessionState::scalarPlan(const ast::Expression& expression, bool cond
 Variable SessionState::evaluate(const ast::Expression& expression)
 {
     if (const auto* name = ast::tryAs<ast::Variable>(&expression); name != nullptr && !name->isGlobal())
-        return variable(name->name);
+        return calls_.variable(name->name);
     QueryPlan& plan = scalarPlan(expression, false);
     bindSlots(plan.statement.handle(), plan.slots);
     Variable result{plan.columns.front().type, {}};
@@ -259,7 +264,7 @@ bool SessionState::isTrue(const ast::Expression& condition)
 void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command, bool error)
 {
     Completion completion;
-    if (!frames_.empty()) {
+    if (!calls_.empty()) {
         frame().closed = true;
         if (frame().silent)
             return;
@@ -277,22 +282,9 @@ void SessionState::done(std::optional<std::uint64_t> rows, std::uint16_t command
 
 void SessionState::beginStatement()
 {
-    clockRead_ = false;
-    if (!store_.inTransaction()) {
-        snapshot_.reset();
-        snapshot_.step();
-    }
+    clock_.nextStatement();
+    view_.begin();
     catalog_->version();
-}
-
-const DateTimeValue& SessionState::now(bool utc)
-{
-    if (!clockRead_) {
-        localNow_ = currentLocalTime();
-        utcNow_ = currentUtcTime();
-        clockRead_ = true;
-    }
-    return utc ? utcNow_ : localNow_;
 }
 
 std::int64_t SessionState::nextTimestamp()
@@ -300,11 +292,6 @@ std::int64_t SessionState::nextTimestamp()
     execute(connection(), "UPDATE engine_timestamp SET value = value + 1");
     Statement stamp(connection(), "SELECT value FROM engine_timestamp");
     return stamp.step() ? stamp.integer(0) : 0;
-}
-
-bool SessionState::catchesErrors() const
-{
-    return std::any_of(frames_.begin(), frames_.end(), [](const auto& frame) { return frame->tryDepth > 0; });
 }
 
 Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op, const Variable& right)
@@ -322,33 +309,28 @@ Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op
 
 void SessionState::returnTo(const DatabasePtr& database)
 {
-    if (database->id == databaseId_ || (hasFrame() && frame().database))
+    if (database->id == place_.databaseId() || (!calls_.empty() && frame().database))
         return;
-    sink().environment(EnvironmentChange::Database, database->name, databaseName_);
-    databaseId_ = database->id;
-    databaseName_ = database->name;
+    sink().environment(EnvironmentChange::Database, database->name, place_.enter(*database));
 }
 
 void SessionState::abandon()
 {
-    if (transactionCount_ == 0)
+    if (transactions_.count() == 0)
         store_.rollback();
-    else if (doomed)
-        rollbackAll();
+    else if (transactions_.doomed)
+        transactions_.rollbackAll();
 }
 
 void SessionState::reset()
 {
-    rollbackAll();
-    dropAllTemporaries();
+    transactions_.rollbackAll();
+    temporaries_->dropAll();
     options_ = initialOptions_;
     store_.setLockTimeout(-1);
-    lastError = 0;
-    lastRowCount = 0;
-    lastIdentity.reset();
-    scopeIdentity.reset();
-    globalCursors.clear();
-    preparedTexts.clear();
+    outcome_ = {};
+    globalCursors_.clear();
+    preparedTexts_.clear();
 }
 
 } // namespace practice

@@ -90,7 +90,7 @@ void SessionState::createTableVariable(const ast::Declaration& declaration)
         cover(column.source);
     for (const ast::TableConstraint& constraint : declaration.table->constraints)
         cover(constraint.source);
-    const std::string name = "#" + declaration.name.substr(1) + "_" + std::to_string(++tableVariables_);
+    const std::string name = temporaries_->tableVariableName(declaration.name);
     const std::string elements(batchText().substr(begin, end - begin));
     runText("CREATE TABLE [" + name + "] (" + elements + ")");
     frame().tableVariables[lowerCase(declaration.name)] = name;

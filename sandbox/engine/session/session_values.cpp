@@ -50,8 +50,8 @@ Value point(DateTimeValue value, const SqlType& type)
 
 DateTimeValue withOffset(SessionState& session)
 {
-    DateTimeValue utc = session.now(true);
-    utc.offsetMinutes = session.now(false).offsetMinutes;
+    DateTimeValue utc = session.clock().now(true);
+    utc.offsetMinutes = session.clock().now(false).offsetMinutes;
     return utc;
 }
 
@@ -85,9 +85,9 @@ const std::unordered_map<std::string, Reader>& readers()
 {
     static const std::unordered_map<std::string, Reader> map = {
         {"@@version", [](SessionState&) { return text(versionText); }},
-        {"@@rowcount", [](SessionState& s) { return number(s.lastRowCount); }},
-        {"@@error", [](SessionState& s) { return number(s.lastError); }},
-        {"@@identity", [](SessionState& s) { return decimal(s.lastIdentity); }},
+        {"@@rowcount", [](SessionState& s) { return number(s.outcome().lastRowCount); }},
+        {"@@error", [](SessionState& s) { return number(s.outcome().lastError); }},
+        {"@@identity", [](SessionState& s) { return decimal(s.outcome().lastIdentity); }},
         {"@@trancount", [](SessionState& s) { return number(s.transactionCount()); }},
         {"@@spid", [](SessionState& s) { return number(s.spid()); }},
         {"@@servername", [](SessionState& s) { return text(s.serverName()); }},
@@ -100,9 +100,9 @@ const std::unordered_map<std::string, Reader>& readers()
         {"@@datefirst", [](SessionState& s) { return number(s.options().dateFirst); }},
         {"@@options", [](SessionState& s) { return number(optionBits(s.options())); }},
         {"@@microsoftversion", fixed(microsoftVersion)},
-        {"@@fetch_status", [](SessionState& s) { return number(s.fetchStatus); }},
-        {"@@cursor_rows", [](SessionState& s) { return number(s.cursorRows); }},
-        {"@@nestlevel", [](SessionState& s) { return number(s.nestLevel()); }},
+        {"@@fetch_status", [](SessionState& s) { return number(s.outcome().fetchStatus); }},
+        {"@@cursor_rows", [](SessionState& s) { return number(s.outcome().cursorRows); }},
+        {"@@nestlevel", [](SessionState& s) { return number(s.calls().nestLevel()); }},
         {"@@lock_timeout", [](SessionState& s) { return number(s.store().lockTimeout()); }},
         {"@@textsize", [](SessionState& s) { return number(s.options().textSize); }},
         {"@@procid", [](SessionState& s) { return number(s.frame().procedureId); }},
@@ -118,19 +118,19 @@ const std::unordered_map<std::string, Reader>& readers()
          }},
         {"getdate()",
          [](SessionState& s) {
-             return point(s.now(false), {TypeId::DateTime, 8});
+             return point(s.clock().now(false), {TypeId::DateTime, 8});
          }},
         {"getutcdate()",
          [](SessionState& s) {
-             return point(s.now(true), {TypeId::DateTime, 8});
+             return point(s.clock().now(true), {TypeId::DateTime, 8});
          }},
         {"sysdatetime()",
          [](SessionState& s) {
-             return point(s.now(false), {TypeId::DateTime2, 8, 0, 7});
+             return point(s.clock().now(false), {TypeId::DateTime2, 8, 0, 7});
          }},
         {"sysutcdatetime()",
          [](SessionState& s) {
-             return point(s.now(true), {TypeId::DateTime2, 8, 0, 7});
+             return point(s.clock().now(true), {TypeId::DateTime2, 8, 0, 7});
          }},
         {"sysdatetimeoffset()",
          [](SessionState& s) {
@@ -152,10 +152,10 @@ const std::unordered_map<std::string, Reader>& readers()
         {"db_id()", [](SessionState& s) { return number(s.database()->id); }},
         {"schema_name()", [](SessionState&) { return text("dbo"); }},
         {"schema_id()", fixed(1)},
-        {"scope_identity()", [](SessionState& s) { return decimal(s.scopeIdentity); }},
+        {"scope_identity()", [](SessionState& s) { return decimal(s.outcome().scopeIdentity); }},
         {"xact_state()",
          [](SessionState& s) {
-             return number(s.transactionCount() == 0 ? 0 : s.doomed ? -1 : 1);
+             return number(s.transactionCount() == 0 ? 0 : s.transactions().doomed ? -1 : 1);
          }},
         {"getansinull()", fixed(1)},
         {"context_info()", [](SessionState&) { return Value{}; }},

@@ -2,6 +2,7 @@
 
 #include "engine/catalog/catalog_types.h"
 #include "engine/catalog/catalog_writer.h"
+#include "engine/context/temporary_names.h"
 #include "engine/store/storage.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ std::string temporaryStoredName(const std::string& name, int spid, int serial)
 std::string temporaryWrittenName(const std::string& stored)
 {
     constexpr std::size_t suffix = 11 + 12;
-    const bool own = stored.starts_with('#') && !stored.starts_with("##") && stored.size() > suffix &&
+    const bool own = isTemporary(stored) && !isGlobalTemporary(stored) && stored.size() > suffix &&
                      stored.compare(stored.size() - suffix, 11, filler) == 0;
     return own ? stored.substr(0, stored.size() - suffix) : stored;
 }

@@ -1,6 +1,8 @@
-// Transactions and savepoints of a session.
+#include "engine/session/transactions.h"
+
+#include "engine/catalog/catalog_types.h"
 #include "engine/messages/errors.h"
-#include "engine/session/session_state.h"
+#include "engine/store/storage.h"
 
 #include <algorithm>
 
@@ -23,126 +25,92 @@ std::string descriptorBytes(std::uint64_t descriptor)
 
 } // namespace
 
-void SessionState::announceTransaction(EnvironmentChange kind)
+void Transactions::setCount(int count)
 {
-    const std::string descriptor = descriptorBytes(transactionDescriptor_);
-    const bool begins = kind == EnvironmentChange::BeginTransaction;
-    sink().environment(kind, begins ? descriptor : "", begins ? "" : descriptor);
+    count_ = count;
+    if (changed)
+        changed(count);
 }
 
-void SessionState::setTransactionCount(int count)
+void Transactions::begin(const std::string& name)
 {
-    transactionCount_ = count;
-    if (transactionsChanged)
-        transactionsChanged(count);
-}
-
-void SessionState::beginTransaction(const std::string& name)
-{
-    setTransactionCount(transactionCount_ + 1);
-    if (transactionCount_ > 1)
+    setCount(count_ + 1);
+    if (count_ > 1)
         return;
-    transactionName_ = name;
-    ++transactionDescriptor_;
-    announceTransaction(EnvironmentChange::BeginTransaction);
+    name_ = name;
+    announce_(EnvironmentChange::BeginTransaction, descriptorBytes(++descriptor_));
 }
 
-/// The store's transaction begins with the first write, so that a session which only reads neither
-/// blocks a writer nor grows stale.
-void SessionState::beginWrite()
+void Transactions::replaySavepoints()
 {
-    endStatement();
-    if (store_.inTransaction())
+    for (const std::string& name : pending_)
+        execute(store_.connection(), "SAVEPOINT " + savepointName(name));
+    pending_.clear();
+}
+
+void Transactions::end(EnvironmentChange kind)
+{
+    savepoints_.clear();
+    pending_.clear();
+    if (count_ == 0)
         return;
-    store_.beginWrite();
-    catalog_->version();
-    for (const std::string& pending : pendingSavepoints_)
-        execute(connection(), "SAVEPOINT " + savepointName(pending));
-    pendingSavepoints_.clear();
+    setCount(0);
+    announce_(kind, descriptorBytes(descriptor_));
 }
 
-void SessionState::attempt(const std::function<void()>& part)
+void Transactions::commit()
 {
-    Savepoint savepoint(store_);
-    try {
-        catalog_->version();
-        part();
-        savepoint.release();
-    } catch (const SqlError& error) {
-        if (catchesErrors())
-            throw;
-        sendMessage(error.message);
-        statementError = error.message.number;
-    }
-}
-
-void SessionState::startImplicitTransaction()
-{
-    if (options_.implicitTransactions && transactionCount_ == 0)
-        beginTransaction("");
-}
-
-void SessionState::commitTransaction()
-{
-    if (transactionCount_ == 0)
+    if (count_ == 0)
         raise(3902);
     if (doomed)
         raise(3930);
-    if (transactionCount_ > 1) {
-        setTransactionCount(transactionCount_ - 1);
+    if (count_ > 1) {
+        setCount(count_ - 1);
         return;
     }
     if (store_.inTransaction())
         store_.commit();
-    setTransactionCount(0);
-    savepoints_.clear();
-    pendingSavepoints_.clear();
-    announceTransaction(EnvironmentChange::CommitTransaction);
+    end(EnvironmentChange::CommitTransaction);
 }
 
-void SessionState::rollbackAll()
+void Transactions::rollbackAll()
 {
     store_.rollback();
     doomed = false;
-    savepoints_.clear();
-    pendingSavepoints_.clear();
-    if (transactionCount_ == 0)
-        return;
-    setTransactionCount(0);
-    announceTransaction(EnvironmentChange::RollbackTransaction);
+    end(EnvironmentChange::RollbackTransaction);
 }
 
-void SessionState::undoFirstWrites()
+void Transactions::undoFirstWrites()
 {
     store_.rollback();
-    pendingSavepoints_ = savepoints_;
+    pending_ = savepoints_;
 }
 
-void SessionState::rollbackTransaction(const std::string& name)
+void Transactions::rollback(const std::string& name)
 {
-    if (transactionCount_ == 0)
+    if (count_ == 0)
         raise(3903);
     const auto saved = std::find_if(savepoints_.rbegin(), savepoints_.rend(),
                                     [&name](const std::string& known) { return sameName(known, name); });
-    if (name.empty() || (saved == savepoints_.rend() && sameName(name, transactionName_)))
+    if (name.empty() || (saved == savepoints_.rend() && sameName(name, name_)))
         return rollbackAll();
     if (saved == savepoints_.rend())
         raise(6401, {name});
     // Before the first write there is nothing to take back.
     if (store_.inTransaction())
-        execute(connection(), "ROLLBACK TO " + savepointName(name));
+        execute(store_.connection(), "ROLLBACK TO " + savepointName(name));
     savepoints_.erase(saved.base(), savepoints_.end());
 }
 
-void SessionState::saveTransaction(const std::string& name)
+void Transactions::save(const std::string& name)
 {
-    if (transactionCount_ == 0)
+    if (count_ == 0)
         raise(628);
     savepoints_.push_back(name);
     if (store_.inTransaction())
-        execute(connection(), "SAVEPOINT " + savepointName(name));
+        execute(store_.connection(), "SAVEPOINT " + savepointName(name));
     else
-        pendingSavepoints_.push_back(name);
+        pending_.push_back(name);
 }
 
 } // namespace practice
