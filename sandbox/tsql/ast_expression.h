@@ -470,6 +470,16 @@ enum class AssignmentOperator : std::uint8_t
     BitXor
 };
 
+/// The operator that a compound assignment applies: they stand in one order, behind Set.
+[[nodiscard]] constexpr BinaryOperator operatorOf(AssignmentOperator compound)
+{
+    static_assert(
+        static_cast<int>(AssignmentOperator::Add) - 1 == static_cast<int>(BinaryOperator::Add) &&
+        static_cast<int>(AssignmentOperator::Modulo) - 1 == static_cast<int>(BinaryOperator::Modulo) &&
+        static_cast<int>(AssignmentOperator::BitXor) - 1 == static_cast<int>(BinaryOperator::BitXor));
+    return static_cast<BinaryOperator>(static_cast<int>(compound) - 1);
+}
+
 enum class SelectItemKind : std::uint8_t
 {
     Expression,

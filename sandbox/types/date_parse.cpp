@@ -14,6 +14,7 @@ namespace {
 
 /// In the order of DateOrder.
 constexpr std::array<std::string_view, 6> orders{"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
+static_assert(orders.size() == static_cast<std::size_t>(DateOrder::DayYearMonth) + 1, "in their order");
 
 struct Number
 {

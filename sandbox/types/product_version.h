@@ -13,5 +13,7 @@ struct ProductVersion
 };
 
 inline constexpr ProductVersion productVersion{10, 50, 6000};
+inline constexpr const char* productVersionText = "10.50.6000.34";
+inline constexpr const char* productLevel = "SP3";
 
 } // namespace practice

@@ -31,6 +31,8 @@ constexpr std::array<TypeTraits, 31> traits{{
     {"timestamp", 8},     {"sql_variant", 8016},
     {"xml", maxLength},
 }};
+static_assert(traits.size() == static_cast<std::size_t>(TypeId::Xml) + 1,
+              "one for each type, in their order");
 
 constexpr bool between(TypeId id, TypeId first, TypeId last)
 {

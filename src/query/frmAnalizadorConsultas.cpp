@@ -35,9 +35,6 @@ void frmAnalizadorConsultas::PonIdioma()
 try {
     PonTexto(this, u"Analizado Consultas"_s, u"Query Analyzer"_s);
     PonTexto(cmdEjecuta, u"(F5) &Ejecutar"_s, u"(F5) &Execute"_s);
-    GridSQL->setCopyCaptions(
-        EnIdioma(u"&Copiar"_s, u"&Copy"_s).value_or(u"&Copiar"_s),
-        EnIdioma(u"Copiar con &títulos"_s, u"Copy with &headers"_s).value_or(u"Copiar con &títulos"_s));
 } catch (...) {
     InformaError(u"PonIdioma"_s);
 }

@@ -4,6 +4,7 @@
 
 #include "platform/ado/FieldValues.h"
 #include "platform/ado/Odbc.h"
+#include "platform/ado/TimeUnits.h"
 #include "platform/basic/RuntimeError.h"
 
 #include <algorithm>
@@ -40,11 +41,11 @@ constexpr std::array forms = std::to_array<Form>({
     {Storage::Scaled128, ado::field::addScaled, 0, ado::field::mostDecimalDigits},
     {Storage::Minutes, ado::field::addMinutes, sizeof(SQL_TIMESTAMP_STRUCT)},
     {Storage::Moment, ado::field::addTicks, sizeof(SQL_TIMESTAMP_STRUCT)},
-    {Storage::IsoMoment, ado::field::addTicks, sizeof(SQL_TIMESTAMP_STRUCT), ado::field::mostSecondDigits},
+    {Storage::IsoMoment, ado::field::addTicks, sizeof(SQL_TIMESTAMP_STRUCT), ado::tickDigits},
     {Storage::Day, ado::field::addDay, sizeof(SQL_DATE_STRUCT)},
     {Storage::IsoTime32, ado::field::addTime, 0, 4},
-    {Storage::IsoTime64, ado::field::addTime, 0, ado::field::mostSecondDigits},
-    {Storage::IsoOffset, ado::field::addOffset, 0, ado::field::mostSecondDigits},
+    {Storage::IsoTime64, ado::field::addTime, 0, ado::tickDigits},
+    {Storage::IsoOffset, ado::field::addOffset, 0, ado::tickDigits},
     {Storage::Guid, ado::field::addGuid, sizeof(SQLGUID)},
     {Storage::Text, ado::field::addUtf8, 0},
     {Storage::Text, ado::field::addUtf16, 0},

@@ -196,10 +196,8 @@ void BlockText::readItems()
             }
         }
         if (node.kind == ast::SelectItemKind::Assignment && node.op != ast::AssignmentOperator::Set) {
-            // AssignmentOperator's compound forms stand in the order of BinaryOperator.
-            const auto op = static_cast<ast::BinaryOperator>(static_cast<int>(node.op) - 1);
-            item.term =
-                arithmetic(op, translator_.variable(node.variable), item.term, translator_.emptyNulls());
+            item.term = arithmetic(ast::operatorOf(node.op), translator_.variable(node.variable), item.term,
+                                   translator_.emptyNulls());
         }
         if (block_.distinct && isLegacyLob(item.term.type.id))
             raise(421, {typeName(item.term.type.id)});

@@ -144,10 +144,9 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
         value = translator.expression(*assignment.value, binder.scope());
     }
     if (assignment.op != ast::AssignmentOperator::Set) {
-        const auto op = static_cast<ast::BinaryOperator>(static_cast<int>(assignment.op) - 1);
         const Term before =
             resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
-        value = arithmetic(op, before, value, translator.emptyNulls());
+        value = arithmetic(ast::operatorOf(assignment.op), before, value, translator.emptyNulls());
     }
     const Term converted = convertTerm(value, column.type, Conversion::Assignment);
     if (column.nullable || !converted.nullable)

@@ -2,6 +2,7 @@
 #include "engine/catalog/database_options.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
+#include "types/product_version.h"
 #include "types/text_encoding.h"
 
 #include <array>
@@ -101,7 +102,7 @@ void serverProperty(SessionState& session, const Call& call)
         Property{"engineedition", nullptr, 3},       Property{"isclustered", nullptr, 0},
         Property{"isfulltextinstalled", nullptr, 0}, Property{"isintegratedsecurityonly", nullptr, 0},
         Property{"issingleuser", nullptr, 0},        Property{"licensetype", "DISABLED", 0},
-        Property{"productlevel", "SP3", 0},          Property{"productversion", "10.50.6000.34", 0},
+        Property{"productlevel", productLevel, 0},   Property{"productversion", productVersionText, 0},
     };
     const std::string wanted = lowerCase(call.text(0));
     if (wanted == "servername" || wanted == "machinename")

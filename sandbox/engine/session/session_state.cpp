@@ -296,9 +296,7 @@ std::int64_t SessionState::nextTimestamp()
 
 Variable SessionState::combined(const Variable& left, ast::AssignmentOperator op, const Variable& right)
 {
-    // The compound assignments stand in the order of the operators that they are made of.
-    const auto binary = static_cast<ast::BinaryOperator>(static_cast<int>(op) - 1);
-    const Term term = arithmetic(binary, constantTerm(left.value, left.type),
+    const Term term = arithmetic(ast::operatorOf(op), constantTerm(left.value, left.type),
                                  constantTerm(right.value, right.type), !options_.concatNullYieldsNull);
     Statement statement(connection(), "SELECT " + term.sql);
     Variable result{term.type, {}};

@@ -2,6 +2,7 @@
 #include "engine/messages/errors.h"
 #include "engine/session/session_state.h"
 #include "types/date_time.h"
+#include "types/product_version.h"
 
 #include <functional>
 
@@ -9,10 +10,18 @@ namespace practice {
 
 namespace {
 
-constexpr const char* versionText = "Microsoft SQL Server 2008 R2 (SP3) - 10.50.6000.34 (X64) \n\tAug 19 "
-                                    "2014 12:21:34 \n\tCopyright (c) Microsoft "
-                                    "Corporation\n\tPractice Server (64-bit) on this machine\n";
-constexpr std::int64_t microsoftVersion = 0x0A321770;
+/// @@VERSION
+const std::string& versionText()
+{
+    static const std::string text =
+        std::string("Microsoft SQL Server 2008 R2 (") + productLevel + ") - " + productVersionText +
+        " (X64) \n\tAug 19 2014 12:21:34 \n\tCopyright (c) Microsoft Corporation\n"
+        "\tPractice Server (64-bit) on this machine\n";
+    return text;
+}
+
+constexpr std::int64_t microsoftVersion =
+    productVersion.major << 24 | productVersion.minor << 16 | productVersion.build;
 
 Value number(std::int64_t value)
 {
@@ -84,7 +93,7 @@ Reader fixed(std::int64_t value)
 const std::unordered_map<std::string, Reader>& readers()
 {
     static const std::unordered_map<std::string, Reader> map = {
-        {"@@version", [](SessionState&) { return text(versionText); }},
+        {"@@version", [](SessionState&) { return text(versionText()); }},
         {"@@rowcount", [](SessionState& s) { return number(s.outcome().lastRowCount); }},
         {"@@error", [](SessionState& s) { return number(s.outcome().lastError); }},
         {"@@identity", [](SessionState& s) { return decimal(s.outcome().lastIdentity); }},

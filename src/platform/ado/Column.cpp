@@ -1,4 +1,5 @@
 #include "platform/ado/Column.h"
+#include "platform/ado/TimeUnits.h"
 #include "platform/basic/VariantText.h"
 
 #include <algorithm>
@@ -15,10 +16,6 @@ namespace {
 
 constexpr std::size_t rowsPerWord = 64;
 constexpr std::size_t cellsPerGroup = 16;
-constexpr qint64 ticksPerSecond = 10'000'000;
-constexpr qint64 ticksPerDay = 86'400 * ticksPerSecond;
-constexpr int ticksDigits = 7;
-constexpr qint64 firstJulianDay = 1'721'426; ///< 1 January of the year 1
 
 // Encodings of a cell; Latin-1 covers plain ASCII, which nearly all text is.
 constexpr std::uint8_t latin1 = 0;
@@ -90,7 +87,7 @@ QString isoTime(qint64 ticks, int scale)
     QString result =
         twoDigits(seconds / 3600) + u':' + twoDigits(seconds / 60 % 60) + u':' + twoDigits(seconds % 60);
     if (scale > 0)
-        result += u'.' + u"%1"_s.arg(ticks % ticksPerSecond, ticksDigits, 10, QChar(u'0')).first(scale);
+        result += u'.' + u"%1"_s.arg(ticks % ticksPerSecond, tickDigits, 10, QChar(u'0')).first(scale);
     return result;
 }
 
@@ -110,7 +107,7 @@ QString isoOffset(const char* data, int scale)
 qint64 ticksPerUnit(int scale)
 {
     qint64 ticks = 1;
-    for (int digit = scale; digit < ticksDigits; ++digit)
+    for (int digit = scale; digit < tickDigits; ++digit)
         ticks *= 10;
     return ticks;
 }

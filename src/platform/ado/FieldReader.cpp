@@ -2,6 +2,7 @@
 
 #include "platform/ado/Diagnostics.h"
 #include "platform/ado/ErrorNumbers.h"
+#include "platform/ado/TimeUnits.h"
 #include "platform/basic/Language.h"
 
 using namespace Qt::StringLiterals;
@@ -199,7 +200,7 @@ FieldReader describeField(SQLHSTMT statement, SQLUSMALLINT number, Driver::Famil
     FieldReader reader = readerOf(statement, number, type, length, scale, family);
     reader.column.name = name;
     const int mostDigits =
-        reader.column.kind == FieldKind::Decimal ? field::mostDecimalDigits : field::mostSecondDigits;
+        reader.column.kind == FieldKind::Decimal ? field::mostDecimalDigits : tickDigits;
     if (reader.column.scale < 0 || reader.column.scale > mostDigits)
         basic::raise(
             number::DriverFailure,

@@ -2,6 +2,7 @@
 
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/Odbc.h"
+#include "platform/ado/TimeUnits.h"
 #include "platform/basic/Language.h"
 #include "platform/basic/RuntimeError.h"
 #include <QDate>
@@ -14,15 +15,11 @@ namespace ado::field {
 
 namespace {
 
-constexpr qint64 ticksPerSecond = 10'000'000;
-constexpr qint64 secondsPerDay = 86'400;
-constexpr qint64 ticksPerDay = secondsPerDay * ticksPerSecond;
-constexpr qint64 partsPerSecond = 300;       ///< in which datetime counts
-constexpr qint64 firstJulianDay = 1'721'426; ///< 1 January of the year 1
-constexpr qint64 dayOf1900 = 693'595;        ///< 1 January 1900, in days since the year 1
-constexpr qint64 lastDay = 3'652'058;        ///< 31 December 9999, the same
-constexpr qint64 mostSmallDays = 65'535;     ///< behind 1900, of a smalldatetime
-constexpr int longestOffset = 14;            ///< hours from UTC
+constexpr qint64 partsPerSecond = 300;   ///< in which datetime counts
+constexpr qint64 dayOf1900 = 693'595;    ///< 1 January 1900, in days since the year 1
+constexpr qint64 lastDay = 3'652'058;    ///< 31 December 9999, the same
+constexpr qint64 mostSmallDays = 65'535; ///< behind 1900, of a smalldatetime
+constexpr int longestOffset = 14;        ///< hours from UTC
 
 [[noreturn]] void refuseValue(const Column& column)
 {
@@ -271,7 +268,7 @@ void addOffset(ColumnBuilder& builder, const Column& column, const char* data, s
     const int day = reader.number();
     reader.expect(' ');
     const qint64 ticks =
-        dayNumber(column, year, month, day) * ticksPerDay + readTime(reader, column, mostSecondDigits);
+        dayNumber(column, year, month, day) * ticksPerDay + readTime(reader, column, tickDigits);
     reader.expect(' ');
     const bool west = reader.take('-');
     if (!west)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/ado/Column.h"
+#include "platform/ado/TimeUnits.h"
 
 namespace ado {
 
@@ -23,7 +24,7 @@ void addScaled(ColumnBuilder& builder, const Column& column, const char* data, s
 void addNumeric(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 /// datetime as SQL Server sends it: 32 bits of days since 1900, 32 bits of 1/300 seconds.
 void addDateTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
-/// "hh:mm:ss.fffffff", for a scale of at most `mostSecondDigits`.
+/// "hh:mm:ss.fffffff", for a scale of at most `tickDigits`.
 void addTime(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 /// "yyyy-mm-dd hh:mm:ss.fffffff +hh:mm"
 void addOffset(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
@@ -32,7 +33,6 @@ void addUtf16(ColumnBuilder& builder, const Column& column, const char* data, st
 void addBinary(ColumnBuilder& builder, const Column& column, const char* data, std::size_t length);
 
 inline constexpr int mostDecimalDigits = 38;
-inline constexpr int mostSecondDigits = 7;
 inline constexpr int scaled32Digits = 9;  ///< decimal digits that 32 bits hold
 inline constexpr int scaled64Digits = 18; ///< decimal digits that 64 bits hold
 

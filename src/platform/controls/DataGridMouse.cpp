@@ -112,7 +112,7 @@ void DataGrid::popUpMenu(const QPoint& at)
     QMenu menu;
     const bool text = canEdit() && !m_model->column(m_place.column).items.isToggled();
     const QAction* const cut = menu.addAction(uiText("Cor&tar", "Cu&t"));
-    const QAction* const copy = menu.addAction(uiText("&Copiar", "&Copy"));
+    const QAction* const copy = menu.addAction(copyCaption());
     const QAction* const paste = menu.addAction(uiText("&Pegar", "&Paste"));
     const QAction* const empty = menu.addAction(uiText("&Borrar", "&Delete"));
     for (QAction* action : menu.actions())

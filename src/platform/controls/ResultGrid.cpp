@@ -82,7 +82,6 @@ ResultGrid::ResultGrid(QWidget* parent) : QTableView(parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     connect(this, &QTableView::doubleClicked, this, &ResultGrid::showCell);
-    setCopyCaptions(uiText("&Copiar", "&Copy"), uiText("Copiar con &títulos", "Copy with &headers"));
     showRows(m_records);
 }
 
@@ -101,12 +100,6 @@ void ResultGrid::showMessage(const QString& text)
     m_records = ado::Recordset();
     showRows(m_records);
     viewport()->update();
-}
-
-void ResultGrid::setCopyCaptions(const QString& copy, const QString& copyWithHeaders)
-{
-    m_copyCaption = copy;
-    m_copyWithHeadersCaption = copyWithHeaders;
 }
 
 void ResultGrid::showRows(const ado::Recordset& records)
@@ -179,8 +172,8 @@ void ResultGrid::contextMenuEvent(QContextMenuEvent* event)
     if (!currentIndex().isValid())
         return;
     QMenu menu;
-    const QAction* plain = menu.addAction(m_copyCaption);
-    const QAction* withHeaders = menu.addAction(m_copyWithHeadersCaption);
+    const QAction* plain = menu.addAction(copyCaption());
+    const QAction* withHeaders = menu.addAction(uiText("Copiar con &títulos", "Copy with &headers"));
     const QAction* chosen = menu.exec(event->globalPos());
     if (chosen == plain || chosen == withHeaders)
         copy(chosen == withHeaders);

@@ -26,9 +26,6 @@ public:
     void showMessage(const QString& text);
     [[nodiscard]] const QString& message() const { return m_message; }
 
-    /// Captions of the pop-up's two entries.
-    void setCopyCaptions(const QString& copy, const QString& copyWithHeaders);
-
     /// The selection as it would be copied.
     [[nodiscard]] QString selectionText(bool headers) const;
 
@@ -45,8 +42,6 @@ private:
 
     ado::Recordset m_records;
     QString m_message;
-    QString m_copyCaption;
-    QString m_copyWithHeadersCaption;
 };
 
 } // namespace controls
