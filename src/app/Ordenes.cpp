@@ -1,5 +1,6 @@
 #include "app/Ordenes.h"
 
+#include "app/Ordenes_Copias.h"
 #include "app/Ordenes_Objetos.h"
 #include "app/Ordenes_Scripts.h"
 #include "app/Ordenes_Tabla.h"
@@ -70,6 +71,8 @@ void EnlazaOrdenes()
     enlaza(m->mnuDiseño, mnuDiseño_Click);
     enlaza(m->mnuVerRegistros, mnuVerRegistros_Click);
     enlaza(m->mnuEliminar, mnuEliminar_Click);
+    enlaza(m->mnuCopiaSeguridad, mnuCopiaSeguridad_Click);
+    enlaza(m->mnuRestaurarCopia, mnuRestaurarCopia_Click);
     enlaza(m->mnuAbrir, mnuAbrir_Click);
     enlaza(m->mnuGuardar, mnuGuardar_Click);
     enlaza(m->mnuInsertarFila, mnuInsertarFila_Click);

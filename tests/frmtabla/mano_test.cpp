@@ -240,7 +240,7 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
         Tecla(Qt::Key_Return);
         EXPECT_EQ(QApplication::focusWidget(), forma->TDBGridIndices);
     };
-    const auto entradas = [forma] {
+    const auto entradas = [&forma] {
         QStringList lista;
         for (int i = 0; i < forma->cboIndices->ListCount(); ++i)
             lista += forma->cboIndices->List(i) + forma->Datos.Indices.at(i, ColIndice::Clase) +
