@@ -67,6 +67,12 @@ bool hasDenyingRole(SessionContext& session, const Object& object, int user, std
 
 } // namespace
 
+void requireOnline(const Database& database)
+{
+    if ((database.options & Offline) != 0)
+        raise(942, {database.name});
+}
+
 void requirePermission(SessionContext& session, const Object& object, const char* action)
 {
     if ((session.login().serverRoles & SysAdmin) != 0 || object.databaseId == tempdbId)

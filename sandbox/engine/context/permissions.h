@@ -5,6 +5,9 @@
 
 namespace practice {
 
+/// @throws SqlError 942 for a database that is offline
+void requireOnline(const Database& database);
+
 /// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"
 /// @throws SqlError 229
 void requirePermission(SessionContext& session, const Object& object, const char* action);
