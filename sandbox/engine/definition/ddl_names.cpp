@@ -11,9 +11,17 @@ bool isTemporary(const std::string& name)
     return name.starts_with('#');
 }
 
-bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
+enum class Verdict : std::uint8_t
 {
-    constexpr int granted = 206; // 204 and 205 grant, 206 denies
+    Silent,
+    Granted,
+    Denied
+};
+
+/// What the user's own entries and those of its roles say of a statement: one that denies beats all.
+Verdict statementVerdict(SessionContext& session, int databaseId, int uid, const char* statement)
+{
+    constexpr int denied = 206; // 204 and 205 grant
     Statement row(
         session.connection(),
         "WITH RECURSIVE groups(uid) AS (SELECT ?2 UNION SELECT 0 UNION SELECT m.groupuid FROM groups g "
@@ -22,25 +30,29 @@ bool hasStatementPermission(SessionContext& session, int databaseId, int uid, co
         "JOIN sys_value v ON v.type = 'T' AND v.number = p.action "
         "WHERE p.dbid = ?1 AND p.id = 0 AND v.name = ?3 AND p.uid IN (SELECT uid FROM groups)");
     row.bind(1, databaseId).bind(2, uid).bind(3, statement).step();
-    return !row.isNull(0) && row.number(0) < granted;
+    if (row.isNull(0))
+        return Verdict::Silent;
+    return row.number(0) == denied ? Verdict::Denied : Verdict::Granted;
 }
 
 void requireStatementPermission(SessionContext& session, const Database& database, const Principal& user,
                                 const char* statement)
 {
-    if (database.id == tempdbId || isDatabaseOwner(session, database.id) ||
-        session.catalog().isMember(database.id, "db_ddladmin", user.id) ||
-        hasStatementPermission(session, database.id, user.id, statement))
+    if (database.id == tempdbId || user.id == dboId)
         return;
-    raise(262, {statement, database.name});
+    const Verdict verdict = statementVerdict(session, database.id, user.id, statement);
+    const bool byRole = isDatabaseOwner(session, database.id) ||
+                        (session.catalog().isMember(database.id, "db_ddladmin", user.id) &&
+                         !sameName(statement, "CREATE DATABASE"));
+    if (verdict == Verdict::Denied || (verdict == Verdict::Silent && !byRole))
+        raise(262, {statement, database.name});
 }
 
 } // namespace
 
 void requireWritable(const Database& database)
 {
-    if ((database.options & Offline) != 0)
-        raise(942, {database.name});
+    requireOnline(database);
     if ((database.options & ReadOnly) != 0)
         raise(3906, {database.name});
 }
@@ -54,6 +66,7 @@ DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
     DatabasePtr found = session.catalog().database(name.database);
     if (!found)
         raise(911, {name.database});
+    requireOnline(*found);
     return found;
 }
 
