@@ -24,6 +24,13 @@ void expectAnswersIn(const TemporaryDirectory& directory, std::initializer_list<
     }
 }
 
+/// CREATE DATABASE with one file of its name, as the designer puts it together.
+std::string createStatement(const std::string& name, const std::string& folder, const char* clauses)
+{
+    return "CREATE DATABASE " + name + "\r ON PRIMARY (NAME = " + name + ", FILENAME = '" + folder + "\\" +
+           name + ".mdf'," + clauses + "\r";
+}
+
 TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
 {
     const TemporaryDirectory directory;
@@ -60,8 +67,7 @@ TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
     };
     for (const Form& form : forms) {
         const std::string name = form.name;
-        const std::string statement = "CREATE DATABASE " + name + "\r ON PRIMARY (NAME = " + name +
-                                      ", FILENAME = '" + path + "\\" + name + ".mdf'," + form.clauses + "\r";
+        const std::string statement = createStatement(name, path, form.clauses);
         SCOPED_TRACE(statement);
         std::string answer = engine.run(statement);
         const auto file = directory.path() / (name + ".mdf");

@@ -153,4 +153,18 @@ TEST_F(StatementRights, GoByRoleAndDenialBeatsThem)
            true, right);
 }
 
+TEST_F(StatementRights, OfObjectsGoByRolesOfRolesToo)
+{
+    const auto select = [this](const char* change) {
+        EXPECT_EQ(engine_.run(change), "");
+        return Engine::run(*engine_.login("rut", "Clave-1", "Ventas"), "SELECT n FROM ajena");
+    };
+    const char* refusal =
+        "Msg 229, Level 14, State 5: The SELECT permission was denied on the object 'ajena', "
+        "database 'Ventas', schema 'dbo'.\n";
+    EXPECT_EQ(select("CREATE TABLE ajena (n int)"), refusal);
+    EXPECT_EQ(select("GRANT SELECT ON ajena TO casa"), "n\n");
+    EXPECT_EQ(select("GRANT SELECT ON ajena TO rut DENY SELECT ON ajena TO casa"), refusal);
+}
+
 } // namespace practice::test

@@ -12,6 +12,10 @@ void requireOnline(const Database& database);
 /// @throws SqlError 229
 void requirePermission(SessionContext& session, const Object& object, const char* action);
 
+/// @param statement "CREATE TABLE", "BACKUP LOG" ...
+/// @throws SqlError 262
+void requireStatementPermission(SessionContext& session, const Database& database, const char* statement);
+
 /// True when the session's user may change what belongs to `ownerId` in the database.
 [[nodiscard]] bool mayChange(SessionContext& session, int databaseId, int ownerId);
 /// db_owner of that database, or sysadmin.

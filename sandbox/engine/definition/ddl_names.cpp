@@ -11,43 +11,6 @@ bool isTemporary(const std::string& name)
     return name.starts_with('#');
 }
 
-enum class Verdict : std::uint8_t
-{
-    Silent,
-    Granted,
-    Denied
-};
-
-/// What the user's own entries and those of its roles say of a statement: one that denies beats all.
-Verdict statementVerdict(SessionContext& session, int databaseId, int uid, const char* statement)
-{
-    constexpr int denied = 206; // 204 and 205 grant
-    Statement row(
-        session.connection(),
-        "WITH RECURSIVE groups(uid) AS (SELECT ?2 UNION SELECT 0 UNION SELECT m.groupuid FROM groups g "
-        "JOIN cat_member m ON m.dbid = ?1 AND m.memberuid = g.uid) "
-        "SELECT max(p.protecttype) FROM cat_permission p "
-        "JOIN sys_value v ON v.type = 'T' AND v.number = p.action "
-        "WHERE p.dbid = ?1 AND p.id = 0 AND v.name = ?3 AND p.uid IN (SELECT uid FROM groups)");
-    row.bind(1, databaseId).bind(2, uid).bind(3, statement).step();
-    if (row.isNull(0))
-        return Verdict::Silent;
-    return row.number(0) == denied ? Verdict::Denied : Verdict::Granted;
-}
-
-void requireStatementPermission(SessionContext& session, const Database& database, const Principal& user,
-                                const char* statement)
-{
-    if (database.id == tempdbId || user.id == dboId)
-        return;
-    const Verdict verdict = statementVerdict(session, database.id, user.id, statement);
-    const bool byRole = isDatabaseOwner(session, database.id) ||
-                        (session.catalog().isMember(database.id, "db_ddladmin", user.id) &&
-                         !sameName(statement, "CREATE DATABASE"));
-    if (verdict == Verdict::Denied || (verdict == Verdict::Silent && !byRole))
-        raise(262, {statement, database.name});
-}
-
 } // namespace
 
 void requireWritable(const Database& database)
@@ -82,7 +45,7 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
     const auto user = session.catalog().userOf(place.database->id, session.login());
     if (!user)
         raise(916, {session.login().name, place.database->name});
-    requireStatementPermission(session, *place.database, *user, statement);
+    requireStatementPermission(session, *place.database, statement);
     place.ownerId = isTemporary(name.object) ? 1 : user->id;
     if (!name.schema.empty() && !isTemporary(name.object)) {
         const auto owner = session.catalog().principal(place.database->id, name.schema);
