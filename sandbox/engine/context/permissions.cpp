@@ -92,6 +92,13 @@ void requireOnline(const Database& database)
         raise(942, {database.name});
 }
 
+void requireWritable(const Database& database)
+{
+    requireOnline(database);
+    if ((database.options & ReadOnly) != 0)
+        raise(3906, {database.name});
+}
+
 void requirePermission(SessionContext& session, const Object& object, const char* action)
 {
     if ((session.login().serverRoles & SysAdmin) != 0 || object.databaseId == tempdbId)

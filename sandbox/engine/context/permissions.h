@@ -7,6 +7,8 @@ namespace practice {
 
 /// @throws SqlError 942 for a database that is offline
 void requireOnline(const Database& database);
+/// @throws SqlError 942, 3906 for a database that is offline or read-only
+void requireWritable(const Database& database);
 
 /// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"
 /// @throws SqlError 229

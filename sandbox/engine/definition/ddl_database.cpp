@@ -113,8 +113,9 @@ void addDataFiles(SessionContext& session, FileList& files, int databaseId,
 {
     const char* extension = ".mdf";
     for (const ast::FileGroupSpec& group : statement.groups) {
-        const bool primary = group.name.empty() || sameName(group.name, "PRIMARY");
-        const int id = primary ? 1 : insertFilegroup(session, databaseId, group.name);
+        const int id = group.name.empty() ? 1 : insertFilegroup(session, databaseId, group.name);
+        if (group.isDefault)
+            setDefaultFilegroup(session, databaseId, id);
         for (const ast::FileSpec& spec : group.files) {
             ast::FileSpec sized = spec;
             if (!files.hasData() && !spec.size)

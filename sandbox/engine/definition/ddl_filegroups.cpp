@@ -68,6 +68,13 @@ void setGroupStatus(SessionContext& session, int databaseId, int groupId, int cl
 
 } // namespace
 
+void setDefaultFilegroup(SessionContext& session, int databaseId, int groupId)
+{
+    Statement others(session.connection(), "UPDATE cat_filegroup SET status = status & ~?1 WHERE dbid = ?2");
+    others.bind(1, defaultGroup).bind(2, databaseId).run();
+    setGroupStatus(session, databaseId, groupId, 0, defaultGroup);
+}
+
 int groupForFiles(SessionContext& session, int databaseId, const std::string& name)
 {
     const auto group = findGroup(session, databaseId, name);
@@ -129,13 +136,8 @@ void modifyFilegroup(SessionContext& session, const Database& database, const st
     const StoredGroup group = requireGroup(session, database, name);
     if (filesInGroup(session, database.id, group.id) == 0)
         raise(5050, {name});
-    if (property == "DEFAULT") {
-        Statement others(session.connection(),
-                         "UPDATE cat_filegroup SET status = status & ~?1 WHERE dbid = ?2");
-        others.bind(1, defaultGroup).bind(2, database.id).run();
-        setGroupStatus(session, database.id, group.id, 0, defaultGroup);
-        return;
-    }
+    if (property == "DEFAULT")
+        return setDefaultFilegroup(session, database.id, group.id);
     const bool readOnly = property == "READONLY" || property == "READ_ONLY";
     if (group.id == primaryGroup)
         raise(5047, {property});

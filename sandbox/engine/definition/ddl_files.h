@@ -47,6 +47,9 @@ void renameFilegroup(SessionContext& session, const Database& database, const st
 /// @throws SqlError 5031, 5042, 5055
 void requireRemovable(SessionContext& session, int databaseId, int groupId, const std::string& file);
 
+/// The one that what names no filegroup goes to.
+void setDefaultFilegroup(SessionContext& session, int databaseId, int groupId);
+
 /// @return the new group's id
 int insertFilegroup(SessionContext& session, int databaseId, const std::string& name);
 

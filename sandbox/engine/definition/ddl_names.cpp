@@ -13,13 +13,6 @@ bool isTemporary(const std::string& name)
 
 } // namespace
 
-void requireWritable(const Database& database)
-{
-    requireOnline(database);
-    if ((database.options & ReadOnly) != 0)
-        raise(3906, {database.name});
-}
-
 DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
 {
     if (isTemporary(name.object))

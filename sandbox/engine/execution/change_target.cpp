@@ -58,6 +58,7 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
         raise(4406, {named.name.object});
     if (table->kind != ObjectKind::UserTable)
         raise(208, {writtenName(named.name)});
+    requireWritable(*session.catalog().database(table->databaseId));
     if (std::string_view(action) == "INSERT")
         requireFiles(session, *table);
     return table;
