@@ -24,145 +24,11 @@ void expectAnswersIn(const TemporaryDirectory& directory, std::initializer_list<
     }
 }
 
-TEST(Databases, AreCreatedWithTheirFiles)
+/// CREATE DATABASE with one file of its name, as the designer puts it together.
+std::string createStatement(const std::string& name, const std::string& folder, const char* clauses)
 {
-    const TemporaryDirectory directory;
-    expectAnswersIn(
-        directory,
-        {
-            {"CREATE DATABASE Ventas", "Msg 1801, Level 16, State 3: Database 'Ventas' already exists. "
-                                       "Choose a different database name."},
-            {"CREATE DATABASE W ON PRIMARY (NAME = w1, FILENAME = 'C:\\no\\hay\\w1.mdf')",
-             "Msg 5133, Level 16, State 1: Directory lookup for the file \"C:\\no\\hay\\w1.mdf\" failed with "
-             "the operating system error 2(The system cannot find the file specified.).\nMsg 1802, Level 16, "
-             "State 4: CREATE DATABASE failed. Some file names listed could not be created. Check related "
-             "errors."},
-            {"CREATE DATABASE W ON PRIMARY (NAME = w1, FILENAME = 'w1.mdf')",
-             "Msg 5105, Level 16, State 2: A file activation error occurred. The physical file name 'w1.mdf' "
-             "may be incorrect. Diagnose and correct additional errors, and retry the operation.\nMsg 1802, "
-             "Level 16, State 4: CREATE DATABASE failed. Some file names listed could not be created. Check "
-             "related errors."},
-            {"CREATE DATABASE W ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf', SIZE = 512KB)",
-             "Msg 1803, Level 16, State 1: The CREATE DATABASE statement failed. The primary file must be at "
-             "least 1 MB to accommodate a copy of the model database."},
-            {"CREATE DATABASE W ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf', SIZE = 5MB, MAXSIZE = 2MB)",
-             "Msg 5103, Level 16, State 1: MAXSIZE cannot be less than SIZE for file 'w1'.\nMsg 1802, Level "
-             "16, State 4: CREATE DATABASE failed. Some file names listed could not be created. Check "
-             "related errors."},
-            {"CREATE DATABASE W ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf') LOG ON (NAME = W1, "
-             "FILENAME = '$DIR\\w2.ldf')",
-             "Msg 1828, Level 16, State 3: The logical file name \"W1\" is already in use. Choose a "
-             "different name."},
-            {"CREATE DATABASE W COLLATE Nada", "Msg 448, Level 16, State 1: Invalid collation 'Nada'."},
-            {"BEGIN TRAN CREATE DATABASE W", "Msg 226, Level 16, State 6: CREATE DATABASE statement not "
-                                             "allowed within multi-statement transaction."},
-            {"ROLLBACK", ""},
-            {"CREATE DATABASE W\n ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf', SIZE = 1MB, MAXSIZE "
-             "=UNLIMITED,FILEGROWTH=10%),\n FILEGROUP g2 (NAME = w2, FILENAME = '$DIR\\w2.ndf', SIZE = 10MB, "
-             "MAXSIZE =50MB,FILEGROWTH=10MB)\n LOG ON  (NAME = wl, FILENAME = '$DIR\\wl.ldf', SIZE = 512KB "
-             "MAXSIZE =UNLIMITED)",
-             "Msg 102, Level 15, State 1: Incorrect syntax near 'MAXSIZE'."},
-            {"CREATE DATABASE W\n ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf', SIZE = 1MB, MAXSIZE "
-             "=UNLIMITED,FILEGROWTH=10%),\n FILEGROUP g2 (NAME = w2, FILENAME = '$DIR\\w2.ndf', SIZE = 10MB, "
-             "MAXSIZE =50MB,FILEGROWTH=10MB)\n LOG ON  (NAME = wl, FILENAME = '$DIR\\wl.ldf', SIZE = 512KB, "
-             "MAXSIZE =UNLIMITED)",
-             ""},
-            {"CREATE DATABASE X ON PRIMARY (NAME = w1, FILENAME = '$DIR\\w1.mdf')",
-             "Msg 5104, Level 16, State 1: File '$DIR\\w1.mdf' already used.\nMsg 1802, Level 16, State 4: "
-             "CREATE DATABASE failed. Some file names listed could not be created. Check related errors."},
-            {"SELECT rtrim(name), fileid, groupid, size, maxsize, growth, status, rtrim(filename) FROM "
-             "W..sysfiles",
-             " | fileid | groupid | size | maxsize | growth | status | \nw1 | 1 | 1 | 128 | -1 | 10 | "
-             "1048578 | $DIR\\w1.mdf\nwl | 2 | 0 | 64 | -1 | 10 | 1048642 | $DIR\\wl.ldf\nw2 | 3 | 2 | 1280 "
-             "| 6400 | 1280 | 2 | $DIR\\w2.ndf"},
-            {"EXEC sp_helpdb nada", "Msg 15010, Level 16, State 1: The database 'nada' does not exist. Use "
-                                    "sp_helpdb to show available databases."},
-            {"EXEC W..sp_helpfilegroup", "groupname | groupid | filecount\nPRIMARY | 1 | 1\ng2 | 2 | 1"},
-            {"USE W", "-- Changed database context to 'W'."},
-            {"DROP DATABASE W",
-             "Msg 3702, Level 16, State 4: Cannot drop database \"W\" because it is currently in use."},
-            {"USE master", "-- Changed database context to 'master'."},
-            {"DROP DATABASE W", ""},
-            {"DROP DATABASE W", "Msg 3701, Level 11, State 1: Cannot drop the database 'W', because it does "
-                                "not exist or you do not have permission."},
-            {"DROP DATABASE model", "Msg 3708, Level 16, State 1: Cannot drop the database 'model' because "
-                                    "it is a system database."},
-        });
-}
-
-TEST(Databases, AreAltered)
-{
-    const TemporaryDirectory directory;
-    expectAnswersIn(
-        directory,
-        {
-            {"ALTER DATABASE nada ADD FILEGROUP x",
-             "Msg 5011, Level 14, State 5: User does not have permission to alter database 'nada', the "
-             "database does not exist, or the database is not in a state that allows access checks.\nMsg "
-             "5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n ADD FILEGROUP g2", ""},
-            {"ALTER DATABASE Ventas ADD FILEGROUP G2",
-             "Msg 5035, Level 16, State 1: Filegroup 'G2' already exists in this database. Specify a "
-             "different name or remove the conflicting filegroup if it is empty.\nMsg 5069, Level 16, State "
-             "1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n ADD FILE  (NAME = v2, FILENAME = '$DIR\\v2.ndf', SIZE = 10MB, MAXSIZE "
-             "=50MB,FILEGROWTH=10%) TO FILEGROUP g2",
-             ""},
-            {"ALTER DATABASE Ventas ADD FILE (NAME = V2, FILENAME = '$DIR\\v3.ndf')",
-             "Msg 1828, Level 16, State 3: The logical file name \"V2\" is already in use. Choose a "
-             "different name.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas ADD FILE (NAME = v3, FILENAME = '$DIR\\v3.ndf') TO FILEGROUP nada",
-             "Msg 5043, Level 16, State 1: The filegroup 'nada' cannot be found in sysfilegroups.\nMsg 5069, "
-             "Level 16, State 1: ALTER DATABASE statement failed."},
-            {"CREATE TABLE t (a int) ON g2", ""},
-            {"SELECT s.groupname FROM Ventas..sysfilegroups s, Ventas..sysindexes i WHERE i.id = "
-             "object_id('t') AND i.indid < 2 AND i.groupid = s.groupid",
-             "groupname\ng2"},
-            {"select  g.groupname,g.status,  g.groupid, 'filecount' =         (select count(*) from "
-             "Ventas..sysfiles f             Where f.groupid = g.groupid                 and (f.status & "
-             "0x40 <> 0x40))     from Ventas..sysfilegroups g order by groupid",
-             "groupname | status | groupid | filecount\nPRIMARY | 16 | 1 | 1\ng2 | 0 | 2 | 1"},
-            {"ALTER DATABASE Ventas\n REMOVE FILE v2",
-             "Msg 5042, Level 16, State 1: The file 'v2' cannot be removed because it is not empty.\nMsg "
-             "5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n REMOVE FILEGROUP g2",
-             "Msg 5042, Level 16, State 1: The filegroup 'g2' cannot be removed because it is not "
-             "empty.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas REMOVE FILE Ventas",
-             "Msg 5020, Level 16, State 1: The primary data or log file cannot be removed from a "
-             "database.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas REMOVE FILE nada",
-             "Msg 5009, Level 16, State 9: One or more files listed in the statement could not be found or "
-             "could not be initialized.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2, SIZE = 5MB)",
-             "Msg 5039, Level 16, State 1: MODIFY FILE failed. Specified size is less than or equal to "
-             "current size.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2, SIZE = 60MB)",
-             "Msg 5040, Level 16, State 1: MODIFY FILE failed. Size is greater than MAXSIZE.\nMsg 5069, "
-             "Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2, SIZE = 20MB)", ""},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2,FILEGROWTH=10MB)", ""},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2, MAXSIZE =UNLIMITED)", ""},
-            {"ALTER DATABASE Ventas\n MODIFY FILE  (NAME = v2,)",
-             "Msg 102, Level 15, State 1: Incorrect syntax near ')'."},
-            {"ALTER DATABASE Ventas MODIFY FILE (NAME = nada, SIZE = 5MB)",
-             "Msg 5041, Level 16, State 1: MODIFY FILE failed. File 'nada' does not exist.\nMsg 5069, Level "
-             "16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas MODIFY FILE (NAME = v2, NEWNAME = segundo)", ""},
-            {"ALTER DATABASE Ventas MODIFY FILEGROUP [PRIMARY] READONLY",
-             "Msg 5047, Level 16, State 1: Cannot change the READONLY property of the filegroup "
-             "'PRIMARY'.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
-            {"ALTER DATABASE Ventas MODIFY FILEGROUP g2 DEFAULT", ""},
-            {"CREATE TABLE u (a int) SELECT groupid FROM sysindexes WHERE id = object_id('u')", "groupid\n2"},
-            {"SELECT rtrim(name), groupid, size, maxsize, growth, status FROM sysfiles ORDER BY fileid",
-             " | groupid | size | maxsize | growth | status\nVentas | 1 | 128 | -1 | 10 | "
-             "1048578\nVentas_log | 0 | 128 | -1 | 10 | 1048642\nsegundo | 2 | 2560 | -1 | 1280 | 2"},
-            {"DROP TABLE t DROP TABLE u", ""},
-            {"ALTER DATABASE Ventas MODIFY FILEGROUP [PRIMARY] DEFAULT", ""},
-            {"ALTER DATABASE Ventas\n REMOVE FILE segundo", ""},
-            {"ALTER DATABASE Ventas\n REMOVE FILEGROUP g2", ""},
-            {"SELECT groupname, status FROM sysfilegroups", "groupname | status\nPRIMARY | 16"},
-        });
+    return "CREATE DATABASE " + name + "\r ON PRIMARY (NAME = " + name + ", FILENAME = '" + folder + "\\" +
+           name + ".mdf'," + clauses + "\r";
 }
 
 TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
@@ -178,14 +44,13 @@ TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
         std::uintmax_t megabytes = 0;
     };
     const Form forms[] = {
-        {"a", " SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%)", "128 | -1 | 10 | 1048578", 1},
-        {"b", " SIZE = 1MB, MAXSIZE =50MB,FILEGROWTH=10MB)", "128 | 6400 | 1280 | 2", 1},
-        {"c", " SIZE = 10MB, MAXSIZE =UNLIMITED)", "1280 | -1 | 10 | 1048578", 10},
-        {"d", " SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=0MB)", "128 | -1 | 0 | 2", 1},
-        {"e", " SIZE = 0MB, MAXSIZE =UNLIMITED)",
+        {"a", " SIZE = 2MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%)", "256 | -1 | 10 | 1048578", 2},
+        {"b", " SIZE = 2MB, MAXSIZE =50MB,FILEGROWTH=10MB)", "256 | 6400 | 1280 | 2", 2},
+        {"c", " SIZE = 10MB, MAXSIZE =UNLIMITED)", "1280 | -1 | 128 | 2", 10},
+        {"d", " SIZE = 2MB, MAXSIZE =UNLIMITED,FILEGROWTH=0MB)", "256 | -1 | 0 | 2", 2},
+        {"e", " SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%)",
          "Msg 1803, Level 16, State 1: The CREATE DATABASE statement failed. The primary file must be at "
-         "least "
-         "1 MB to accommodate a copy of the model database."},
+         "least 2 MB to accommodate a copy of the model database."},
         {"e", " SIZE = 2MB, MAXSIZE =1MB,FILEGROWTH=3MB)",
          "Msg 5103, Level 16, State 1: MAXSIZE cannot be less than SIZE for file 'e'.\nMsg 1802, Level 16, "
          "State 4: CREATE DATABASE failed. Some file names listed could not be created. Check related "
@@ -202,8 +67,7 @@ TEST(Databases, OfTheDesignerHaveTheFilesThatItWrites)
     };
     for (const Form& form : forms) {
         const std::string name = form.name;
-        const std::string statement = "CREATE DATABASE " + name + "\r ON PRIMARY (NAME = " + name +
-                                      ", FILENAME = '" + path + "\\" + name + ".mdf'," + form.clauses + "\r";
+        const std::string statement = createStatement(name, path, form.clauses);
         SCOPED_TRACE(statement);
         std::string answer = engine.run(statement);
         const auto file = directory.path() / (name + ".mdf");
@@ -285,9 +149,6 @@ TEST(Databases, TakeOptions)
             {"USE Ventas",
              "Msg 942, Level 14, State 4: Database 'Ventas' cannot be opened because it is offline."},
             {"ALTER DATABASE Ventas SET ONLINE", ""},
-            {"ALTER DATABASE Ventas MODIFY NAME = master",
-             "Msg 1801, Level 16, State 3: Database 'master' already exists. Choose a different database "
-             "name.\nMsg 5069, Level 16, State 1: ALTER DATABASE statement failed."},
             {"EXEC sp_renamedb 'Ventas', 'tempdb'",
              "Msg 15032, Level 16, State 1: The database 'tempdb' already exists."},
             {"EXEC sp_renamedb 'nada', 'x'", "Msg 15010, Level 16, State 1: The database 'nada' does not "
@@ -350,6 +211,48 @@ TEST(Databases, HaveFilesOnDisk)
     EXPECT_EQ(engine.run("DROP DATABASE Otra"), "");
     EXPECT_FALSE(std::filesystem::exists(directory.path() / "o.mdf"));
     EXPECT_FALSE(std::filesystem::exists(directory.path() / "ol.ldf"));
+}
+
+TEST(Databases, TakeTheirFilesAwayWithThem)
+{
+    const TemporaryDirectory directory;
+    const std::string path = windowsPath(directory.path());
+    Engine& engine = freshDatabase();
+    const auto expectFile = [&](const char* name, bool exists) {
+        EXPECT_EQ(std::filesystem::exists(directory.path() / name), exists) << name;
+    };
+    engine.run("ALTER DATABASE Ventas ADD FILE (NAME = v3, FILENAME = '" + path +
+               "\\v3.ndf') ALTER DATABASE "
+               "Ventas ADD LOG FILE (NAME = v4, FILENAME = '" +
+               path + "\\v4.ldf')");
+    expectFile("v3.ndf", true);
+    expectFile("v4.ldf", true);
+    engine.run("ALTER DATABASE Ventas REMOVE FILE v3 ALTER DATABASE Ventas REMOVE FILE v4");
+    expectFile("v3.ndf", false);
+    expectFile("v4.ldf", false);
+    // Nobody has an offline database's files open, and nobody deletes them.
+    engine.run("CREATE DATABASE Otra ON (NAME = o, FILENAME = '" + path + "\\o.mdf')");
+    EXPECT_EQ(engine.run("ALTER DATABASE Otra SET OFFLINE DROP DATABASE Otra"), "");
+    expectFile("o.mdf", true);
+    EXPECT_EQ(engine.run("CREATE DATABASE Otra ON (NAME = o, FILENAME = '" + path + "\\o.mdf')"),
+              "Msg 5170, Level 16, State 1: Cannot create file '" + path +
+                  "\\o.mdf' because it already exists. Change the file path or the file name, and retry the "
+                  "operation.\nMsg 1802, Level 16, State 4: CREATE DATABASE failed. Some file names listed "
+                  "could not be created. Check related errors.\n");
+}
+
+TEST(Databases, KeepTheirNamesWhileOthersUseThem)
+{
+    Engine& engine = freshDatabase();
+    const std::string rename = " EXEC sp_renamedb 'Ventas','Otra'";
+    {
+        const auto other = engine.login("sa", "Secret1", "Ventas");
+        EXPECT_EQ(engine.run(rename), "Msg 5030, Level 16, State 2: The database could not be exclusively "
+                                      "locked to perform the operation.\n");
+    }
+    EXPECT_EQ(engine.run(rename), "-- The database name 'Otra' has been set.\n");
+    EXPECT_EQ(engine.run("EXEC sp_renamedb 'Otra','Ventas'"),
+              "-- The database name 'Ventas' has been set.\n");
 }
 
 } // namespace practice::test

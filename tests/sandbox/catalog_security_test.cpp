@@ -88,4 +88,83 @@ TEST(Security, KeepsWhoIsConnected)
     EXPECT_EQ(engine.run("EXEC sp_droplogin 'luz'"), "-- Login dropped.\n");
 }
 
+/// Grants of the statements, each tried by the user whom it is for.
+class StatementRights : public ::testing::Test
+{
+protected:
+    StatementRights() : engine_(freshDatabase())
+    {
+        engine_.run("EXEC sp_addlogin 'rut', 'Clave-1' EXEC sp_grantdbaccess 'rut' EXEC sp_addrole 'taller' "
+                    "EXEC sp_addrole 'casa' EXEC sp_addrolemember 'taller', 'rut' EXEC sp_addrolemember "
+                    "'casa', 'taller' USE master EXEC sp_grantdbaccess 'rut' USE Ventas");
+    }
+
+    ~StatementRights() override
+    {
+        engine_.run("USE master EXEC sp_revokedbaccess 'rut' DROP DATABASE Ventas EXEC sp_droplogin 'rut'");
+    }
+
+    void expect(const std::string& change, const std::string& statement, bool allowed,
+                const std::string& right, const std::string& database = "Ventas")
+    {
+        SCOPED_TRACE(change + ": " + statement);
+        EXPECT_EQ(engine_.run(change), "");
+        const std::string refusal =
+            "Msg 262, Level 14, State 1: " + right + " permission denied in database '" + database + "'.\n";
+        EXPECT_EQ(Engine::run(*engine_.login("rut", "Clave-1", "Ventas"), statement), allowed ? "" : refusal);
+    }
+
+    Engine& engine_;
+};
+
+TEST_F(StatementRights, AreHeldOnlyWhenGranted)
+{
+    const std::pair<const char*, const char*> forms[] = {
+        {"CREATE TABLE", "CREATE TABLE a (n int) IF object_id('a') > 0 DROP TABLE a"},
+        {"CREATE VIEW", "CREATE VIEW v AS SELECT 1 AS n"},
+        {"CREATE PROCEDURE", "CREATE PROCEDURE p AS SELECT 1"},
+    };
+    for (const auto& [right, statement] : forms) {
+        const std::string name = right;
+        expect("", statement, false, name);
+        expect("GRANT " + name + " TO rut", statement, true, name);
+        expect("DENY " + name + " TO rut", statement, false, name);
+        expect("REVOKE " + name + " TO rut", statement, false, name);
+    }
+    expect("", "CREATE DATABASE deRut", false, "CREATE DATABASE", "master");
+    engine_.run("USE master GRANT CREATE DATABASE TO rut USE Ventas");
+    expect("", "CREATE DATABASE deRut DROP DATABASE deRut", true, "CREATE DATABASE", "master");
+    engine_.run("USE master DENY  CREATE DATABASE TO rut USE Ventas");
+    expect("", "CREATE DATABASE deRut", false, "CREATE DATABASE", "master");
+}
+
+TEST_F(StatementRights, GoByRoleAndDenialBeatsThem)
+{
+    const char* table = "CREATE TABLE a (n int) IF object_id('a') > 0 DROP TABLE a";
+    const char* right = "CREATE TABLE";
+    expect("GRANT CREATE TABLE TO casa", table, true, right);
+    expect("DENY CREATE TABLE TO taller", table, false, right);
+    expect("GRANT CREATE TABLE TO rut", table, false, right);
+    expect("REVOKE CREATE TABLE TO taller", table, true, right);
+    expect("DENY CREATE TABLE TO public", table, false, right);
+    engine_.run("EXEC sp_addrolemember 'db_ddladmin', 'rut'");
+    expect("", table, false, right);
+    expect("REVOKE CREATE TABLE TO public REVOKE CREATE TABLE TO rut REVOKE CREATE TABLE TO casa", table,
+           true, right);
+}
+
+TEST_F(StatementRights, OfObjectsGoByRolesOfRolesToo)
+{
+    const auto select = [this](const char* change) {
+        EXPECT_EQ(engine_.run(change), "");
+        return Engine::run(*engine_.login("rut", "Clave-1", "Ventas"), "SELECT n FROM ajena");
+    };
+    const char* refusal =
+        "Msg 229, Level 14, State 5: The SELECT permission was denied on the object 'ajena', "
+        "database 'Ventas', schema 'dbo'.\n";
+    EXPECT_EQ(select("CREATE TABLE ajena (n int)"), refusal);
+    EXPECT_EQ(select("GRANT SELECT ON ajena TO casa"), "n\n");
+    EXPECT_EQ(select("GRANT SELECT ON ajena TO rut DENY SELECT ON ajena TO casa"), refusal);
+}
+
 } // namespace practice::test

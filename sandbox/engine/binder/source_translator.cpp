@@ -87,6 +87,7 @@ ObjectPtr Translator::object(const ast::ObjectName& name)
         database = catalog.database(name.database);
     if (!database || (!name.server.empty() && !sameName(name.server, context_.session.serverName())))
         raise(208, {writtenName(name)});
+    requireOnline(*database);
     ObjectPtr found = catalog.object(database->id, name.schema, name.object, context_.userId);
     if (!found)
         raise(208, {writtenName(name)});
@@ -195,6 +196,8 @@ std::string Translator::namedTable(const ast::NamedTable& node, Scope& scope)
     if (const SystemTable* system = findSystemTable(name.schema, name.object)) {
         const DatabasePtr database =
             name.database.empty() ? context_.database : context_.session.catalog().database(name.database);
+        if (database)
+            requireOnline(*database);
         if (database)
             return systemTable(*system, database->id, std::move(source), scope);
     }

@@ -19,6 +19,7 @@ namespace {
 constexpr int staticRevision = 2;
 
 constexpr std::int64_t pagesPerMegabyte = 128;
+constexpr std::int64_t smallestLog = 64; ///< 512 KB
 
 struct SystemDatabase
 {
@@ -30,14 +31,19 @@ struct SystemDatabase
     const char* dataFile;
     const char* logName;
     const char* logFile;
-    std::int64_t dataMegabytes;
+    std::int64_t dataPages;
+    std::int64_t dataGrowth; ///< pages; 0 for ten percent
 };
 
 constexpr std::array<SystemDatabase, 4> systemDatabases{
-    {{1, "master", RecoveryModel::Simple, true, "master", "master.mdf", "mastlog", "mastlog.ldf", 12},
-     {tempdbId, "tempdb", RecoveryModel::Simple, true, "tempdev", "tempdb.mdf", "templog", "templog.ldf", 8},
-     {3, "model", RecoveryModel::Full, false, "modeldev", "model.mdf", "modellog", "modellog.ldf", 1},
-     {4, "msdb", RecoveryModel::Simple, true, "MSDBData", "msdbdata.mdf", "MSDBLog", "msdblog.ldf", 12}}};
+    {{1, "master", RecoveryModel::Simple, true, "master", "master.mdf", "mastlog", "mastlog.ldf",
+      12 * pagesPerMegabyte, 0},
+     {tempdbId, "tempdb", RecoveryModel::Simple, true, "tempdev", "tempdb.mdf", "templog", "templog.ldf",
+      8 * pagesPerMegabyte, 0},
+     {3, "model", RecoveryModel::Full, false, "modeldev", "model.mdf", "modellog", "modellog.ldf", 160,
+      pagesPerMegabyte},
+     {4, "msdb", RecoveryModel::Simple, true, "MSDBData", "msdbdata.mdf", "MSDBLog", "msdblog.ldf",
+      12 * pagesPerMegabyte, 0}}};
 
 void insertDevice(sqlite3* connection, const std::string& name, const std::string& path)
 {
@@ -49,8 +55,9 @@ void insertDevice(sqlite3* connection, const std::string& name, const std::strin
 
 void createSystemFile(sqlite3* connection, int databaseId, NewFile file)
 {
-    file.growth = 10;
-    file.percent = true;
+    file.percent = file.growth == 0;
+    if (file.percent)
+        file.growth = 10;
     removeDatabaseFile(file.path); // what an interrupted first start left
     createDatabaseFile(file.path, file.size);
     insertFile(connection, databaseId, file);
@@ -70,14 +77,15 @@ void createSystemDatabase(sqlite3* connection, const SystemDatabase& system, con
     const std::string logPath = folder + '\\' + system.logFile;
     NewFile data;
     data.id = 1;
-    data.size = system.dataMegabytes * pagesPerMegabyte;
+    data.size = system.dataPages;
+    data.growth = system.dataGrowth;
     data.name = system.dataName;
     data.path = dataPath;
     createSystemFile(connection, system.id, data);
     NewFile log;
     log.id = 2;
     log.groupId = 0;
-    log.size = pagesPerMegabyte;
+    log.size = smallestLog;
     log.name = system.logName;
     log.path = logPath;
     createSystemFile(connection, system.id, log);

@@ -5,9 +5,18 @@
 
 namespace practice {
 
+/// @throws SqlError 942 for a database that is offline
+void requireOnline(const Database& database);
+/// @throws SqlError 942, 3906 for a database that is offline or read-only
+void requireWritable(const Database& database);
+
 /// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"
 /// @throws SqlError 229
 void requirePermission(SessionContext& session, const Object& object, const char* action);
+
+/// @param statement "CREATE TABLE", "BACKUP LOG" ...
+/// @throws SqlError 262
+void requireStatementPermission(SessionContext& session, const Database& database, const char* statement);
 
 /// True when the session's user may change what belongs to `ownerId` in the database.
 [[nodiscard]] bool mayChange(SessionContext& session, int databaseId, int ownerId);

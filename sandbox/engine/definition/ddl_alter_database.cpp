@@ -62,6 +62,12 @@ void setRecoveryByName(SessionContext& session, const Database& database, const 
     raise(5058, {"RECOVERY", database.name});
 }
 
+bool isState(const std::string& name)
+{
+    static constexpr std::array names{"SINGLE_USER", "RESTRICTED_USER", "MULTI_USER", "OFFLINE", "ONLINE"};
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 /// SINGLE_USER, READ_ONLY, OFFLINE and their contraries.
 bool setState(SessionContext& session, const Database& database, const std::string& name, bool othersMayGo)
 {
@@ -126,7 +132,7 @@ void setCollation(SessionContext& session, const Database& database, const std::
     if (!isCollation(collation))
         raise(448, {collation});
     if (database.isSystem())
-        raise(5058, {"COLLATE", database.name});
+        raise(3708, {"alter", "database", database.name, "database"});
     Statement row(session.connection(), "UPDATE cat_database SET collation = ? WHERE dbid = ?");
     row.bind(1, collation).bind(2, database.id).run();
     bumpCatalogVersion(session.connection());
@@ -143,9 +149,23 @@ void setOptions(SessionContext& session, const ast::AlterDatabaseStatement& stat
     }
 }
 
+/// An offline database may come back or change who may enter; all else is for one that is open.
+void requireOpen(const Database& database, const ast::AlterDatabaseStatement& statement)
+{
+    if ((database.options & Offline) == 0)
+        return;
+    if (statement.action != ast::AlterDatabaseAction::SetOptions)
+        requireOnline(database);
+    for (const ast::NamedOption& option : statement.options) {
+        if (!isState(option.name))
+            raise(5052, {"ALTER DATABASE", "Offline"});
+    }
+}
+
 void apply(SessionContext& session, const ast::AlterDatabaseStatement& statement, const Database& database)
 {
     using Action = ast::AlterDatabaseAction;
+    requireOpen(database, statement);
     switch (statement.action) {
     case Action::AddFile:
     case Action::AddLogFile:
@@ -178,7 +198,7 @@ void apply(SessionContext& session, const ast::AlterDatabaseStatement& statement
 void renameDatabase(SessionContext& session, const Database& database, const std::string& name)
 {
     if (database.isSystem())
-        raise(5030);
+        raise(5016, {database.name});
     const DatabasePtr taken = session.catalog().database(name);
     if (taken && taken->id != database.id)
         raise(1801, {name});
@@ -189,6 +209,7 @@ void renameDatabase(SessionContext& session, const Database& database, const std
     Statement logins(session.connection(), "UPDATE cat_login SET dbname = ? WHERE dbname = ?");
     logins.bind(1, name).bind(2, database.name).run();
     bumpCatalogVersion(session.connection());
+    session.inform(5021, {"database", name});
 }
 
 void setDatabaseOption(SessionContext& session, const Database& database, DatabaseOption option, bool on)
@@ -228,6 +249,9 @@ void alterDatabase(SessionContext& session, const ast::AlterDatabaseStatement& s
     try {
         apply(session, statement, *database);
     } catch (const SqlError& error) {
+        // Files, filegroups and names fail with the one message.
+        if (statement.action != ast::AlterDatabaseAction::SetOptions)
+            throw;
         raiseAfter(session, error.message, 5069);
     }
 }

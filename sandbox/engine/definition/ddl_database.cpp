@@ -8,6 +8,7 @@
 #include "engine/messages/errors.h"
 #include "engine/store/collation.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 
@@ -39,6 +40,11 @@ std::int64_t modelSize(SessionContext& session)
     return row.integer(0);
 }
 
+ast::FileSize sizeOf(std::int64_t pages)
+{
+    return {pages * (pageSize / 1024), ast::SizeUnit::KB};
+}
+
 /// Takes the files of one CREATE DATABASE as they come and numbers them: the primary file 1, the log
 /// 2, what follows from 3 on.
 class FileList
@@ -55,6 +61,15 @@ public:
         if (!paths_.insert(nativePath(file.path).string()).second)
             raise(5104, {file.path});
         files_.push_back(std::move(file));
+    }
+
+    /// Of the data files so far.
+    [[nodiscard]] std::int64_t dataSize() const
+    {
+        std::int64_t pages = 0;
+        for (const NewFile& file : files_)
+            pages += file.groupId == 0 ? 0 : file.size;
+        return pages;
     }
 
     /// Makes them all.
@@ -98,25 +113,33 @@ void addDataFiles(SessionContext& session, FileList& files, int databaseId,
 {
     const char* extension = ".mdf";
     for (const ast::FileGroupSpec& group : statement.groups) {
-        const bool primary = group.name.empty() || sameName(group.name, "PRIMARY");
-        const int id = primary ? 1 : insertFilegroup(session, databaseId, group.name);
+        const int id = group.name.empty() ? 1 : insertFilegroup(session, databaseId, group.name);
+        if (group.isDefault)
+            setDefaultFilegroup(session, databaseId, id);
         for (const ast::FileSpec& spec : group.files) {
-            files.add(spec, id, extension);
+            ast::FileSpec sized = spec;
+            if (!files.hasData() && !spec.size)
+                sized.size = sizeOf(modelSize(session));
+            files.add(sized, id, extension);
             extension = ".ndf";
         }
     }
 }
 
-void addDefaultFiles(FileList& files, const std::string& database)
+/// What the statement leaves out: a primary file as large as the model's, a log of a quarter of the data.
+void addDefaultFiles(SessionContext& session, FileList& files, const std::string& database)
 {
     if (!files.hasData()) {
         ast::FileSpec data;
         data.name = database;
+        data.size = sizeOf(modelSize(session));
         files.add(data, 1, ".mdf");
     }
     if (!files.hasLog()) {
         ast::FileSpec log;
+        constexpr std::int64_t smallestLog = 64; // 512 KB
         log.name = database + "_log";
+        log.size = sizeOf(std::max(smallestLog, files.dataSize() / 4));
         files.add(log, 0, ".LDF");
     }
 }
@@ -158,13 +181,17 @@ void createFiles(SessionContext& session, int databaseId, const ast::CreateDatab
         addDataFiles(session, files, databaseId, statement);
         for (const ast::FileSpec& spec : statement.logFiles)
             files.add(spec, 0, ".ldf");
-        addDefaultFiles(files, statement.name);
+        addDefaultFiles(session, files, statement.name);
         files.create();
     } catch (const SqlError& error) {
         constexpr int firstFileFault = 5100;
         if (error.message.number < firstFileFault)
             throw;
-        raiseAfter(session, error.message, 1802);
+        session.sendMessage(error.message);
+        Message failed = makeMessage(1802);
+        if (error.message.number == 5133)
+            failed.state = 1; // nothing was begun
+        throw SqlError{failed, error.message.number};
     }
 }
 
@@ -190,6 +217,10 @@ bool isInUseByOthers(SessionContext& session, int databaseId)
 
 void createDatabase(SessionContext& session, const ast::CreateDatabaseStatement& statement)
 {
+    const bool dataFiles = std::any_of(statement.groups.begin(), statement.groups.end(),
+                                       [](const ast::FileGroupSpec& group) { return !group.files.empty(); });
+    if (!statement.logFiles.empty() && !dataFiles)
+        raise(188);
     requireNoTransaction(session, "CREATE DATABASE");
     requireMayCreate(session);
     if (session.catalog().database(statement.name))
@@ -220,7 +251,7 @@ void dropDatabase(SessionContext& session, const std::string& name, bool ifExist
         raise(3702, {database->name});
     Statement files(session.connection(), "SELECT filename FROM cat_file WHERE dbid = ?");
     files.bind(1, database->id);
-    while (files.step())
+    while ((database->options & Offline) == 0 && files.step()) // those of an offline database stay
         followTransaction(session.store(), session.dataDirectory(), files.string(0));
     files.reset();
     deleteDatabase(session.connection(), database->id);

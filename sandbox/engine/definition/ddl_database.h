@@ -14,7 +14,7 @@ void requireNoTransaction(SessionContext& session, const char* statement);
 [[nodiscard]] bool isInUse(SessionContext& session, int databaseId);
 [[nodiscard]] bool isInUseByOthers(SessionContext& session, int databaseId);
 
-/// @throws SqlError 5030 while others use it, 1801
+/// @throws SqlError 5030 while others use it, 1801, 5016
 void renameDatabase(SessionContext& session, const Database& database, const std::string& name);
 
 void setDatabaseOption(SessionContext& session, const Database& database, DatabaseOption option, bool on);

@@ -14,10 +14,15 @@ namespace {
 constexpr std::int64_t pagesPerExtent = 8;
 constexpr std::int64_t smallestFile = 64; ///< 512 KB
 constexpr std::int64_t defaultSize = 128;
-constexpr std::int64_t defaultGrowth = 10; ///< percent
-constexpr int readOnlyGroup = 8;
-constexpr int defaultGroup = 16;
+constexpr std::int64_t defaultDataGrowth = 128;
+constexpr std::int64_t defaultLogGrowth = 10; ///< percent
+constexpr std::int64_t unlimited = -1;
+constexpr std::int64_t unlimitedLog = 268435456; ///< 2 TB
 constexpr int percentGrowth = 0x100000;
+constexpr int primaryFileId = 1;
+constexpr int firstLogId = 2;
+constexpr int firstFreeId = 3;
+constexpr int firstFileFault = 5100; ///< numbers from here on tell why a file can't be as it is described
 
 struct StoredFile
 {
@@ -25,59 +30,42 @@ struct StoredFile
     int groupId = 0;
     std::int64_t size = 0;
     std::int64_t maxSize = 0;
+    std::int64_t growth = 0;
+    bool percent = false;
     std::string path;
+
+    [[nodiscard]] bool isLog() const { return groupId == 0; }
 };
 
 std::optional<StoredFile> findFile(SessionContext& session, int databaseId, const std::string& name)
 {
-    Statement row(session.connection(), "SELECT fileid, groupid, size, maxsize, filename FROM cat_file "
-                                        "WHERE dbid = ? AND fold = ?");
+    Statement row(session.connection(), "SELECT fileid, groupid, size, maxsize, growth, status, filename "
+                                        "FROM cat_file WHERE dbid = ? AND fold = ?");
     if (!row.bind(1, databaseId).bind(2, foldName(name)).step())
         return std::nullopt;
-    return StoredFile{row.number(0), row.number(1), row.integer(2), row.integer(3), row.string(4)};
-}
-
-struct StoredGroup
-{
-    int id = 0;
-    int status = 0;
-};
-
-StoredGroup requireGroup(SessionContext& session, int databaseId, const std::string& name)
-{
-    Statement row(session.connection(),
-                  "SELECT groupid, status FROM cat_filegroup WHERE dbid = ? AND fold = ?");
-    if (!row.bind(1, databaseId).bind(2, foldName(name)).step())
-        raise(5043, {"filegroup", name, "sysfilegroups"});
-    return {row.number(0), row.number(1)};
-}
-
-std::int64_t count(SessionContext& session, const char* sql, int databaseId, int id)
-{
-    Statement row(session.connection(), sql);
-    row.bind(1, databaseId).bind(2, id).step();
-    return row.integer(0);
-}
-
-std::int64_t filesInGroup(SessionContext& session, int databaseId, int groupId)
-{
-    return count(session, "SELECT count(*) FROM cat_file WHERE dbid = ? AND groupid = ?", databaseId,
-                 groupId);
-}
-
-bool groupHoldsData(SessionContext& session, int databaseId, int groupId)
-{
-    return count(
-               session,
-               "SELECT (SELECT count(*) FROM cat_object WHERE dbid = ?1 AND groupid = ?2 AND xtype = 'U') + "
-               "(SELECT count(*) FROM cat_index WHERE dbid = ?1 AND groupid = ?2)",
-               databaseId, groupId) > 0;
+    return StoredFile{row.number(0),  row.number(1),  row.integer(2),
+                      row.integer(3), row.integer(4), (row.number(5) & percentGrowth) != 0,
+                      row.string(6)};
 }
 
 void setGrowth(NewFile& file, const ast::FileSize& growth)
 {
     file.percent = growth.unit == ast::SizeUnit::Percent;
     file.growth = file.percent ? growth.number : pagesOf(growth);
+}
+
+[[noreturn]] void raiseFileFault(int number, int state, const std::string& file)
+{
+    Message message = makeMessage(number, {file});
+    message.state = state;
+    throw SqlError{std::move(message)};
+}
+
+/// A growth in percent has no bound.
+void requireGrowthWithin(const std::string& name, const NewFile& file, int state)
+{
+    if (file.maxSize >= 0 && !file.percent && file.growth > file.maxSize)
+        raiseFileFault(5169, state, name);
 }
 
 std::string filePath(SessionContext& session, const ast::FileSpec& spec, const char* extension)
@@ -95,15 +83,24 @@ std::string filePath(SessionContext& session, const ast::FileSpec& spec, const c
 void requireFolder(const std::string& path)
 {
     std::error_code ignored;
-    if (!std::filesystem::is_directory(nativePath(path).parent_path(), ignored))
-        raise(5133, {path, "2(The system cannot find the file specified.)"});
+    const std::filesystem::path folder = nativePath(path).parent_path();
+    if (std::filesystem::is_directory(folder, ignored))
+        return;
+    const bool onlyItself = std::filesystem::is_directory(folder.parent_path(), ignored);
+    raise(5133, {path, onlyItself ? "2(The system cannot find the file specified.)"
+                                  : "3(The system cannot find the path specified.)"});
 }
 
-int nextFileId(SessionContext& session, int databaseId)
+/// Ids of files that have gone are given again.
+int freeFileId(SessionContext& session, int databaseId)
 {
-    Statement row(session.connection(), "SELECT coalesce(max(fileid), 0) + 1 FROM cat_file WHERE dbid = ?");
-    row.bind(1, databaseId).step();
-    return row.number(0);
+    Statement rows(session.connection(), "SELECT fileid FROM cat_file WHERE dbid = ? AND fileid >= ? "
+                                         "ORDER BY fileid");
+    rows.bind(1, databaseId).bind(2, firstFreeId);
+    int id = firstFreeId;
+    while (rows.step() && rows.number(0) == id)
+        ++id;
+    return id;
 }
 
 void updateFile(SessionContext& session, int databaseId, int fileId, const char* column, std::int64_t value)
@@ -134,21 +131,56 @@ void growFile(SessionContext& session, int databaseId, const StoredFile& file, s
     updateFile(session, databaseId, file.id, "size", pages);
 }
 
-void changeGrowth(SessionContext& session, int databaseId, int fileId, const ast::FileSize& growth)
+void changeLimit(SessionContext& session, int databaseId, const StoredFile& file, const std::string& name,
+                 std::int64_t maxSize)
 {
-    NewFile file;
-    setGrowth(file, growth);
-    Statement row(session.connection(), "UPDATE cat_file SET growth = ?, status = (status & ~?2) | ?3 "
-                                        "WHERE dbid = ?4 AND fileid = ?5");
-    row.bind(1, file.growth).bind(2, percentGrowth).bind(3, file.percent ? percentGrowth : 0);
-    row.bind(4, databaseId).bind(5, fileId).run();
+    if (maxSize >= 0 && maxSize < file.size)
+        raise(5040);
+    constexpr int settingTheLimit = 3;
+    NewFile changed;
+    changed.maxSize = maxSize;
+    changed.growth = file.growth;
+    changed.percent = file.percent;
+    requireGrowthWithin(name, changed, settingTheLimit);
+    updateFile(session, databaseId, file.id, "maxsize", maxSize);
 }
 
-void setGroupStatus(SessionContext& session, int databaseId, int groupId, int cleared, int set)
+void changeGrowth(SessionContext& session, int databaseId, const StoredFile& file, const ast::FileSpec& spec,
+                  std::int64_t maxSize)
 {
-    Statement row(session.connection(), "UPDATE cat_filegroup SET status = (status & ~?1) | ?2 "
-                                        "WHERE dbid = ?3 AND groupid = ?4");
-    row.bind(1, cleared).bind(2, set).bind(3, databaseId).bind(4, groupId).run();
+    constexpr int settingTheGrowth = 1;
+    NewFile changed;
+    changed.maxSize = maxSize;
+    setGrowth(changed, *spec.growth);
+    requireGrowthWithin(spec.name, changed, settingTheGrowth);
+    Statement row(session.connection(), "UPDATE cat_file SET growth = ?, status = (status & ~?2) | ?3 "
+                                        "WHERE dbid = ?4 AND fileid = ?5");
+    row.bind(1, changed.growth).bind(2, percentGrowth).bind(3, changed.percent ? percentGrowth : 0);
+    row.bind(4, databaseId).bind(5, file.id).run();
+}
+
+void addFile(SessionContext& session, const Database& database, const ast::FileSpec& spec, int groupId)
+{
+    constexpr int namingTheCause = 8;
+    constexpr int aheadOfTheCause = 1;
+    if (findFile(session, database.id, spec.name))
+        raise(1828, {spec.name});
+    try {
+        const bool log = groupId == 0;
+        NewFile file = defineFile(session, spec, log, log ? ".ldf" : ".ndf");
+        file.id = freeFileId(session, database.id);
+        file.groupId = groupId;
+        createFile(session, file);
+        insertFile(session.connection(), database.id, file);
+    } catch (const SqlError& error) {
+        if (error.message.number < firstFileFault)
+            throw;
+        Message failed = makeMessage(5009);
+        const bool exists = error.message.number == 5170;
+        failed.state = exists ? aheadOfTheCause : namingTheCause;
+        session.sendMessage(exists ? failed : error.message);
+        throw SqlError{exists ? error.message : failed, exists ? failed.number : error.message.number};
+    }
 }
 
 } // namespace
@@ -177,16 +209,17 @@ NewFile defineFile(SessionContext& session, const ast::FileSpec& spec, bool log,
     file.name = spec.name;
     file.path = filePath(session, spec, extension);
     file.size = spec.size ? pagesOf(*spec.size) : defaultSize;
-    file.growth = defaultGrowth;
-    file.percent = true;
+    file.growth = log ? defaultLogGrowth : defaultDataGrowth;
+    file.percent = log;
     if (spec.growth)
         setGrowth(file, *spec.growth);
-    if (spec.maxSize)
-        file.maxSize = pagesOf(*spec.maxSize);
+    file.maxSize = spec.maxSize ? pagesOf(*spec.maxSize) : log ? unlimitedLog : unlimited;
     if (file.size < smallestFile)
         raise(5174);
     if (file.maxSize >= 0 && file.maxSize < file.size)
         raise(5103, {file.name});
+    constexpr int creating = 2;
+    requireGrowthWithin(file.name, file, creating);
     requireUnusedPath(session, file.path);
     requireFolder(file.path);
     return file;
@@ -198,7 +231,7 @@ void requireUnusedPath(SessionContext& session, const std::string& path)
     Statement rows(session.connection(), "SELECT filename FROM cat_file");
     while (rows.step()) {
         if (nativePath(rows.string(0)).string() == wanted)
-            raise(5104, {path});
+            raise(5170, {path});
     }
 }
 
@@ -211,23 +244,16 @@ void createFile(SessionContext& session, const NewFile& file)
 
 void addFiles(SessionContext& session, const Database& database, const ast::AlterDatabaseStatement& statement)
 {
-    const bool log = statement.action == ast::AlterDatabaseAction::AddLogFile;
-    StoredGroup group{1, 0};
-    if (!log && !statement.fileGroup.empty())
-        group = requireGroup(session, database.id, statement.fileGroup);
-    else if (!log)
-        group.id = filegroupOf(session, database.id, "");
-    if ((group.status & readOnlyGroup) != 0)
-        raise(5048, {statement.fileGroup});
-    for (const ast::FileSpec& spec : statement.files) {
-        if (findFile(session, database.id, spec.name))
-            raise(1828, {spec.name});
-        NewFile file = defineFile(session, spec, log, log ? ".ldf" : ".ndf");
-        file.id = nextFileId(session, database.id);
-        file.groupId = log ? 0 : group.id;
-        createFile(session, file);
-        insertFile(session.connection(), database.id, file);
-    }
+    if (database.id == masterId || database.id == modelId)
+        raise(5013);
+    constexpr int primaryGroup = 1;
+    int group = primaryGroup; // whichever is the default
+    if (statement.action == ast::AlterDatabaseAction::AddLogFile)
+        group = 0;
+    else if (!statement.fileGroup.empty())
+        group = groupForFiles(session, database.id, statement.fileGroup);
+    for (const ast::FileSpec& spec : statement.files)
+        addFile(session, database, spec, group);
 }
 
 void removeFile(SessionContext& session, const Database& database, const std::string& name)
@@ -235,15 +261,13 @@ void removeFile(SessionContext& session, const Database& database, const std::st
     const auto file = findFile(session, database.id, name);
     if (!file)
         raise(5009);
-    const bool firstOfKind =
-        file->id == 1 || (file->groupId == 0 && filesInGroup(session, database.id, 0) == 1);
-    if (firstOfKind)
+    if (file->id == primaryFileId || file->id == firstLogId)
         raise(5020);
-    const bool onlyOne = filesInGroup(session, database.id, file->groupId) == 1;
-    if (onlyOne && groupHoldsData(session, database.id, file->groupId))
-        raise(5042, {"file", name});
+    if (!file->isLog())
+        requireRemovable(session, database.id, file->groupId, name);
     Statement row(session.connection(), "DELETE FROM cat_file WHERE dbid = ? AND fileid = ?");
     row.bind(1, database.id).bind(2, file->id).run();
+    bumpCatalogVersion(session.connection());
     followTransaction(session.store(), session.dataDirectory(), file->path);
 }
 
@@ -260,83 +284,16 @@ void modifyFile(SessionContext& session, const Database& database, const ast::Fi
         raise(5038, {spec.name});
     std::int64_t maxSize = file->maxSize;
     if (spec.maxSize || spec.unlimited) {
-        maxSize = spec.unlimited ? -1 : pagesOf(*spec.maxSize);
-        if (maxSize >= 0 && maxSize < file->size)
-            raise(5040);
-        updateFile(session, database.id, file->id, "maxsize", maxSize);
+        const std::int64_t none = file->isLog() ? unlimitedLog : unlimited;
+        maxSize = spec.maxSize ? pagesOf(*spec.maxSize) : none;
+        changeLimit(session, database.id, *file, spec.name, maxSize);
     }
     if (spec.growth)
-        changeGrowth(session, database.id, file->id, *spec.growth);
+        changeGrowth(session, database.id, *file, spec, maxSize);
     if (!spec.newName.empty())
         renameFile(session, database.id, file->id, spec.newName);
     if (spec.size) // last: what happens on the disk is not undone
         growFile(session, database.id, *file, pagesOf(*spec.size), maxSize);
-}
-
-int insertFilegroup(SessionContext& session, int databaseId, const std::string& name)
-{
-    Statement taken(session.connection(), "SELECT 1 FROM cat_filegroup WHERE dbid = ? AND fold = ?");
-    if (taken.bind(1, databaseId).bind(2, foldName(name)).step())
-        raise(5035, {name});
-    Statement last(session.connection(), "SELECT max(groupid) + 1 FROM cat_filegroup WHERE dbid = ?");
-    last.bind(1, databaseId).step();
-    const int id = last.number(0);
-    Statement row(session.connection(), "INSERT INTO cat_filegroup(dbid, groupid, name, fold, status) "
-                                        "VALUES(?, ?, ?, ?, 0)");
-    row.bind(1, databaseId).bind(2, id).bind(3, name).bind(4, foldName(name)).run();
-    return id;
-}
-
-void addFilegroup(SessionContext& session, const Database& database, const std::string& name)
-{
-    if (database.id <= tempdbId)
-        raise(1826, {database.name});
-    insertFilegroup(session, database.id, name);
-}
-
-void removeFilegroup(SessionContext& session, const Database& database, const std::string& name)
-{
-    const StoredGroup group = requireGroup(session, database.id, name);
-    if (group.id == 1 || filesInGroup(session, database.id, group.id) > 0 ||
-        groupHoldsData(session, database.id, group.id))
-        raise(5042, {"filegroup", name});
-    if ((group.status & defaultGroup) != 0)
-        raise(5031, {name});
-    Statement row(session.connection(), "DELETE FROM cat_filegroup WHERE dbid = ? AND groupid = ?");
-    row.bind(1, database.id).bind(2, group.id).run();
-}
-
-void modifyFilegroup(SessionContext& session, const Database& database, const std::string& name,
-                     const std::string& property)
-{
-    const StoredGroup group = requireGroup(session, database.id, name);
-    if (filesInGroup(session, database.id, group.id) == 0)
-        raise(5050, {name});
-    if (property == "DEFAULT") {
-        Statement others(session.connection(),
-                         "UPDATE cat_filegroup SET status = status & ~?1 WHERE dbid = ?2");
-        others.bind(1, defaultGroup).bind(2, database.id).run();
-        setGroupStatus(session, database.id, group.id, 0, defaultGroup);
-        return;
-    }
-    const bool readOnly = property == "READONLY" || property == "READ_ONLY";
-    if (group.id == 1)
-        raise(5047, {property});
-    setGroupStatus(session, database.id, group.id, readOnlyGroup, readOnly ? readOnlyGroup : 0);
-}
-
-void renameFilegroup(SessionContext& session, const Database& database, const std::string& name,
-                     const std::string& newName)
-{
-    const StoredGroup group = requireGroup(session, database.id, name);
-    if (group.id == 1)
-        raise(5012);
-    Statement taken(session.connection(), "SELECT 1 FROM cat_filegroup WHERE dbid = ? AND fold = ?");
-    if (taken.bind(1, database.id).bind(2, foldName(newName)).step())
-        raise(5035, {newName});
-    Statement row(session.connection(),
-                  "UPDATE cat_filegroup SET name = ?, fold = ? WHERE dbid = ? AND groupid = ?");
-    row.bind(1, newName).bind(2, foldName(newName)).bind(3, database.id).bind(4, group.id).run();
 }
 
 } // namespace practice

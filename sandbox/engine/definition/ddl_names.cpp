@@ -5,41 +5,6 @@
 #include "engine/messages/errors.h"
 
 namespace practice {
-namespace {
-
-bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
-{
-    constexpr int granted = 206; // 204 and 205 grant, 206 denies
-    Statement row(
-        session.connection(),
-        "WITH RECURSIVE groups(uid) AS (SELECT ?2 UNION SELECT 0 UNION SELECT m.groupuid FROM groups g "
-        "JOIN cat_member m ON m.dbid = ?1 AND m.memberuid = g.uid) "
-        "SELECT max(p.protecttype) FROM cat_permission p "
-        "JOIN sys_value v ON v.type = 'T' AND v.number = p.action "
-        "WHERE p.dbid = ?1 AND p.id = 0 AND v.name = ?3 AND p.uid IN (SELECT uid FROM groups)");
-    row.bind(1, databaseId).bind(2, uid).bind(3, statement).step();
-    return !row.isNull(0) && row.number(0) < granted;
-}
-
-void requireStatementPermission(SessionContext& session, const Database& database, const Principal& user,
-                                const char* statement)
-{
-    if (database.id == tempdbId || isDatabaseOwner(session, database.id) ||
-        session.catalog().isMember(database.id, "db_ddladmin", user.id) ||
-        hasStatementPermission(session, database.id, user.id, statement))
-        return;
-    raise(262, {statement, database.name});
-}
-
-} // namespace
-
-void requireWritable(const Database& database)
-{
-    if ((database.options & Offline) != 0)
-        raise(942, {database.name});
-    if ((database.options & ReadOnly) != 0)
-        raise(3906, {database.name});
-}
 
 DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
 {
@@ -50,6 +15,7 @@ DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
     DatabasePtr found = session.catalog().database(name.database);
     if (!found)
         raise(911, {name.database});
+    requireOnline(*found);
     return found;
 }
 
@@ -65,7 +31,7 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
     const auto user = session.catalog().userOf(place.database->id, session.login());
     if (!user)
         raise(916, {session.login().name, place.database->name});
-    requireStatementPermission(session, *place.database, *user, statement);
+    requireStatementPermission(session, *place.database, statement);
     place.ownerId = isTemporary(name.object) ? 1 : user->id;
     if (!name.schema.empty() && !isTemporary(name.object)) {
         const auto owner = session.catalog().principal(place.database->id, name.schema);

@@ -18,11 +18,8 @@ struct ObjectPlace
     std::string written; ///< as messages call it
 };
 
-/// @throws SqlError 942, 3906 for a database that is offline or read-only
-void requireWritable(const Database& database);
-
 /// The database of a name, the current one where none is written.
-/// @throws SqlError 911
+/// @throws SqlError 911, 942
 [[nodiscard]] DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name);
 
 /// Where CREATE puts an object. "#t" goes to tempdb.

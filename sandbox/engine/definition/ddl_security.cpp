@@ -88,7 +88,7 @@ std::vector<int> actionsOf(const ast::PermissionStatement& statement, const Obje
         if (known->scope != scope)
             raise(4606, {item.name});
         if (known->action == createDatabaseAction && databaseId != masterId)
-            raise(4621);
+            raise(4619);
         actions.push_back(known->action);
     }
     return actions;

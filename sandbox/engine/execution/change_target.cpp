@@ -5,6 +5,8 @@
 #include "engine/messages/errors.h"
 #include "types/text_encoding.h"
 
+#include <string_view>
+
 namespace practice {
 
 std::string identityInsertKey(const Object& table)
@@ -16,6 +18,25 @@ bool acceptsIdentity(SessionState& session, const Object& table)
 {
     return session.options().identityInsert == identityInsertKey(table);
 }
+
+namespace {
+
+/// A table may outlive the files of its filegroup, but takes no rows then.
+/// @throws SqlError 622
+void requireFiles(SessionState& session, const Object& table)
+{
+    constexpr int primaryGroup = 1;
+    if (table.filegroupId == primaryGroup)
+        return;
+    Statement row(session.connection(),
+                  "SELECT (SELECT name FROM cat_filegroup WHERE dbid = ?1 AND groupid = ?2), "
+                  "EXISTS (SELECT 1 FROM cat_file WHERE dbid = ?1 AND groupid = ?2)");
+    row.bind(1, table.databaseId).bind(2, table.filegroupId).step();
+    if (row.number(1) == 0)
+        raise(622, {row.isNull(0) ? "" : row.string(0)});
+}
+
+} // namespace
 
 ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast::TableSource& target,
                        const char* action)
@@ -37,6 +58,9 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
         raise(4406, {named.name.object});
     if (table->kind != ObjectKind::UserTable)
         raise(208, {writtenName(named.name)});
+    requireWritable(*session.catalog().database(table->databaseId));
+    if (std::string_view(action) == "INSERT")
+        requireFiles(session, *table);
     return table;
 }
 

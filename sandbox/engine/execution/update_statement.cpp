@@ -68,6 +68,7 @@ public:
         }
         if (!plan.table || plan.table->kind != ObjectKind::UserTable)
             raise(208, {"inserted"});
+        requireWritable(*session_.catalog().database(plan.table->databaseId));
         if (findTarget(scope_, target_, plan.table) == nullptr) {
             const auto* named = ast::tryAs<ast::NamedTable>(&target_);
             const std::string exposed = !target_.alias.empty() ? target_.alias
@@ -358,6 +359,7 @@ void executeTruncate(SessionState& session, const ast::TruncateStatement& statem
         if (table->kind != ObjectKind::UserTable)
             raise(4708, {statement.table.object});
         requirePermission(session, *table, "DELETE");
+        requireWritable(*session.catalog().database(table->databaseId));
         const bool referenced =
             std::any_of(table->referencedBy.begin(), table->referencedBy.end(),
                         [](const ForeignKey& key) { return key.tableId != key.referencedId; });

@@ -155,8 +155,10 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
     ObjectPtr found;
     if (isTemporary(name.object))
         found = catalog.object(tempdbId, "", session_.temporaryName(name.object));
-    else if (database)
+    else if (database) {
+        requireOnline(*database);
         found = catalog.object(database->id, name.schema, name.object, session_.user().id);
+    }
     // Procedures called sp_ are looked for in master too.
     if (!found && maybeSystem)
         found = catalog.object(1, name.schema, name.object);
@@ -326,6 +328,8 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
     }
     // A database prefix makes the procedure work on that database.
     const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
+    if (wanted)
+        requireOnline(*wanted);
     const Temporarily<DatabasePtr> database(session_.frame().database,
                                             wanted ? wanted : session_.frame().database);
     const Temporarily<Completion::Kind> completion(session_.frame().completion,

@@ -9,8 +9,14 @@ namespace {
 // Ascending by number, as the assertion below holds it to.
 constexpr MessageText ddlTexts[] = {
     {129, 15, 1, "Fillfactor %s is not a valid percentage; fillfactor must be between 1 and 100."},
+    {188, 15, 1,
+     "Cannot specify a log file in a CREATE DATABASE statement without also specifying at least one data "
+     "file."},
     {226, 16, 6, "%s statement not allowed within multi-statement transaction."},
     {574, 16, 0, "%s statement cannot be used inside a user transaction."},
+    {622, 16, 3,
+     "The filegroup \"%s\" has no files assigned to it. Tables, indexes, text columns, ntext columns, and "
+     "image columns cannot be populated on this filegroup until a file is added."},
     {1088, 16, 12, "Cannot find the object \"%s\" because it does not exist or you do not have permissions."},
     {1505, 16, 1,
      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
@@ -160,6 +166,7 @@ constexpr MessageText ddlTexts[] = {
     {4615, 16, 1, "Invalid column name '%s'."},
     {4617, 16, 1, "Cannot grant, deny or revoke permissions to or from special roles."},
     {4618, 16, 1, "You do not have permission to use %s in the AS clause."},
+    {4619, 16, 1, "CREATE DATABASE permission can only be granted in the master database."},
     {4621, 16, 10,
      "Permissions at the server scope can only be granted when the current database is master."},
     {4624, 16, 1,
@@ -198,7 +205,12 @@ constexpr MessageText ddlTexts[] = {
      "not in "
      "a state that allows access checks."},
     {5012, 16, 1, "The name of the primary filegroup cannot be changed."},
+    {5013, 16, 1,
+     "The master and model databases cannot have files added to them. ALTER DATABASE was aborted."},
+    {5014, 16, 1, "The %s '%s' does not exist in database '%s'."},
+    {5016, 16, 1, "Cannot change the name of the system database %s."},
     {5020, 16, 1, "The primary data or log file cannot be removed from a database."},
+    {5021, 10, 1, "The %s name '%s' has been set."},
     {5030, 16, 2, "The database could not be exclusively locked to perform the operation."},
     {5031, 16, 1, "Cannot remove the filegroup '%s' because it is the DEFAULT filegroup."},
     {5035, 16, 1,
@@ -216,6 +228,7 @@ constexpr MessageText ddlTexts[] = {
     {5048, 16, 1, "Cannot add, remove, or modify files in filegroup '%s'. The filegroup is read-only."},
     {5050, 16, 1,
      "Cannot change the properties of empty filegroup '%s'. The filegroup must contain at least one file."},
+    {5052, 16, 1, "%s is not permitted while a database is in the %s state."},
     {5055, 16, 1, "Cannot add, remove, or modify file '%s'. The file is read-only."},
     {5058, 16, 1, "Option '%s' cannot be set in database '%s'."},
     {5061, 16, 1,
@@ -238,6 +251,7 @@ constexpr MessageText ddlTexts[] = {
     {5133, 16, 1, "Directory lookup for the file \"%s\" failed with the operating system error %s."},
     {5149, 16, 3,
      "MODIFY FILE encountered operating system error %s while attempting to expand the physical file '%s'."},
+    {5169, 16, 1, "FILEGROWTH cannot be greater than MAXSIZE for file '%s'."},
     {5170, 16, 1,
      "Cannot create file '%s' because it already exists. Change the file path or the file name, and retry "
      "the "
@@ -371,7 +385,6 @@ constexpr MessageText ddlTexts[] = {
      "an object with the same name."},
     {15521, 10, 1, "'Disk' device added."},
     {15522, 10, 1, "Device dropped."},
-    {15523, 10, 1, "The database name '%s' has been set."},
     {15600, 15, 1, "An invalid parameter or option was specified for procedure '%s'."},
     {40510, 16, 1, "Statement '%s' is not supported in this version of SQL Server."},
 };

@@ -296,7 +296,6 @@ int renameDatabaseProcedure(const ProcedureCall& call)
     if (newName.empty())
         raise(15004);
     renameDatabase(call.session(), *database, newName);
-    call.session().inform(15523, {newName});
     return 0;
 }
 
