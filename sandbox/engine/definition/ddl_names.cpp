@@ -4,13 +4,6 @@
 #include "engine/messages/errors.h"
 
 namespace practice {
-namespace {
-
-bool isTemporary(const std::string& name)
-{
-    return name.starts_with('#');
-}
-
 bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
 {
     constexpr int granted = 206; // 204 and 205 grant, 206 denies
@@ -23,6 +16,13 @@ bool hasStatementPermission(SessionContext& session, int databaseId, int uid, co
         "WHERE p.dbid = ?1 AND p.id = 0 AND v.name = ?3 AND p.uid IN (SELECT uid FROM groups)");
     row.bind(1, databaseId).bind(2, uid).bind(3, statement).step();
     return !row.isNull(0) && row.number(0) < granted;
+}
+
+namespace {
+
+bool isTemporary(const std::string& name)
+{
+    return name.starts_with('#');
 }
 
 void requireStatementPermission(SessionContext& session, const Database& database, const Principal& user,
@@ -39,6 +39,8 @@ void requireStatementPermission(SessionContext& session, const Database& databas
 
 void requireWritable(const Database& database)
 {
+    if ((database.options & Restoring) != 0)
+        raise(927, {database.name});
     if ((database.options & Offline) != 0)
         raise(942, {database.name});
     if ((database.options & ReadOnly) != 0)

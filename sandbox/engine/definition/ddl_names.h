@@ -21,6 +21,10 @@ struct ObjectPlace
 /// @throws SqlError 942, 3906 for a database that is offline or read-only
 void requireWritable(const Database& database);
 
+/// Whether the user, or a group that it is in, was granted a statement: "CREATE TABLE", "BACKUP LOG".
+[[nodiscard]] bool hasStatementPermission(SessionContext& session, int databaseId, int uid,
+                                          const char* statement);
+
 /// The database of a name, the current one where none is written.
 /// @throws SqlError 911
 [[nodiscard]] DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name);
