@@ -20,21 +20,21 @@ struct OptionWord
 
 /// What is taken without an effect: there is one kind of file, which is always checksummed.
 constexpr std::array withoutEffect = {
-    OptionWord{"BLOCKSIZE", true, true},         OptionWord{"BUFFERCOUNT", true, true},
-    OptionWord{"CHECKSUM", true, true},          OptionWord{"COMPRESSION", true, false},
-    OptionWord{"EXPIREDATE", true, false},       OptionWord{"LOADHISTORY", false, true},
-    OptionWord{"MAXTRANSFERSIZE", true, true},   OptionWord{"MEDIADESCRIPTION", true, false},
-    OptionWord{"MEDIANAME", true, true},         OptionWord{"NOFORMAT", true, false},
-    OptionWord{"NOREWIND", true, true},          OptionWord{"NOSKIP", true, false},
-    OptionWord{"NOUNLOAD", true, true},          OptionWord{"NO_CHECKSUM", true, true},
-    OptionWord{"NO_COMPRESSION", true, false},   OptionWord{"RETAINDAYS", true, false},
-    OptionWord{"REWIND", true, true},            OptionWord{"SKIP", true, false},
-    OptionWord{"STOP_ON_ERROR", true, true},     OptionWord{"UNLOAD", true, true},
+    OptionWord{"BLOCKSIZE", true, true},       OptionWord{"BUFFERCOUNT", true, true},
+    OptionWord{"CHECKSUM", true, true},        OptionWord{"COMPRESSION", true, false},
+    OptionWord{"EXPIREDATE", true, false},     OptionWord{"LOADHISTORY", false, true},
+    OptionWord{"MAXTRANSFERSIZE", true, true}, OptionWord{"MEDIADESCRIPTION", true, false},
+    OptionWord{"MEDIANAME", true, true},       OptionWord{"NOFORMAT", true, false},
+    OptionWord{"NOREWIND", true, true},        OptionWord{"NOSKIP", true, false},
+    OptionWord{"NOUNLOAD", true, true},        OptionWord{"NO_CHECKSUM", true, true},
+    OptionWord{"NO_COMPRESSION", true, false}, OptionWord{"RETAINDAYS", true, false},
+    OptionWord{"REWIND", true, true},          OptionWord{"SKIP", true, false},
+    OptionWord{"STOP_ON_ERROR", true, true},   OptionWord{"UNLOAD", true, true},
 };
 
 /// What SQL Server knows beyond that.
 constexpr std::array<std::string_view, 11> notOffered = {
-    "CONTINUE_AFTER_ERROR", "NO_TRUNCATE", "PARTIAL",    "RESTRICTED_USER", "STANDBY", "STOPAT",
+    "CONTINUE_AFTER_ERROR", "NO_TRUNCATE",    "PARTIAL",  "RESTRICTED_USER", "STANDBY",         "STOPAT",
     "STOPATMARK",           "STOPBEFOREMARK", "PASSWORD", "MEDIAPASSWORD",   "KEEP_REPLICATION"};
 
 std::string optionText(const ast::BackupOption& option, std::size_t place, const TextOf& textOf)
@@ -125,8 +125,7 @@ DeviceFile deviceFile(SessionContext& session, const std::vector<ast::BackupDevi
         raise(40510, {"BACKUP to another device than a disk"});
     std::string path = textOf(*device.name);
     if (device.kind == Logical) {
-        Statement row(session.connection(),
-                      "SELECT phyname FROM cat_device WHERE fold = ? AND status = 16");
+        Statement row(session.connection(), "SELECT phyname FROM cat_device WHERE fold = ? AND status = 16");
         if (!row.bind(1, foldName(path)).step())
             raise(3206, {path});
         path = row.string(0);

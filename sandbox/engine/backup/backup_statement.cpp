@@ -187,6 +187,9 @@ void executeBackup(SessionContext& session, const ast::BackupStatement& statemen
 {
     const bool log = statement.backupKind == ast::BackupKind::Log;
     const char* what = log ? "BACKUP LOG" : "BACKUP DATABASE";
+    const BackupOptions options = readOptions(statement.options, "BACKUP", textOf);
+    if (!statement.files.empty())
+        raise(40510, {"BACKUP of single files"});
     DeviceFile device;
     runBackupWork(session, what, device, [&] {
         requireNoOpenTransaction(session);
@@ -197,10 +200,9 @@ void executeBackup(SessionContext& session, const ast::BackupStatement& statemen
             raise(911, {name});
         requireMayBackUp(session, *database, what);
         requireOpen(*database);
-        const BackupOptions options = readOptions(statement.options, "BACKUP", textOf);
-        if (!statement.files.empty())
-            raise(40510, {"BACKUP of single files"});
-        const SetKind kind = log ? SetKind::Log : options.differential ? SetKind::Differential : SetKind::Full;
+        const SetKind kind = log                    ? SetKind::Log
+                             : options.differential ? SetKind::Differential
+                                                    : SetKind::Full;
         const BackupTask task{session, kind, options, database,
                               options.differential ? std::string(what) + " WITH DIFFERENTIAL" : what};
         requireKindFits(task);

@@ -92,7 +92,8 @@ DatabaseLock::DatabaseLock(SessionContext& session, int databaseId)
     const std::filesystem::path folder = session.dataDirectory() / "locks";
     std::filesystem::create_directories(folder);
     constexpr mode_t owner = 0600;
-    const int handle = ::open((folder / std::to_string(databaseId)).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, owner);
+    const int handle =
+        ::open((folder / std::to_string(databaseId)).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, owner);
     if (handle < 0)
         throw BackupFileFailure{BackupFileFailure::Work::Open, errno};
     file_ = std::make_unique<FileHandle>(handle);
@@ -104,7 +105,9 @@ std::unique_ptr<Store> openWorkStore(SessionContext& session)
 {
     auto store = std::make_unique<Store>(session.dataDirectory() / "store.db");
     store->setLockTimeout(session.store().lockTimeout());
-    execute(store->connection(), "PRAGMA temp_store=FILE; PRAGMA secure_delete=OFF; PRAGMA cache_size=-65536");
+    // What is committed is on the disk: a set that nobody knew of would tear the chain.
+    execute(store->connection(), "PRAGMA synchronous=FULL; PRAGMA temp_store=FILE; PRAGMA secure_delete=OFF;"
+                                 "PRAGMA cache_size=-65536");
     return store;
 }
 
@@ -138,8 +141,8 @@ void tellSuccess(SessionContext& session, const std::string& what, const std::st
     }
     if (stats)
         session.inform(3211, {"100"});
-    const auto spent = std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::steady_clock::now() - start);
+    const auto spent =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     const std::int64_t milliseconds = std::max<std::int64_t>(spent.count(), 1);
     constexpr std::int64_t megabyte = 1 << 20;
     constexpr std::int64_t million = 1'000'000;

@@ -51,8 +51,7 @@ END;
 
 std::optional<BackupHistory> backupHistory(sqlite3* connection, int databaseId)
 {
-    Statement row(connection,
-                  "SELECT fork, lsn, fulllsn, fullid, loglsn FROM backup_history WHERE dbid = ?");
+    Statement row(connection, "SELECT fork, lsn, fulllsn, fullid, loglsn FROM backup_history WHERE dbid = ?");
     if (!row.bind(1, databaseId).step())
         return std::nullopt;
     BackupHistory history;
@@ -71,14 +70,14 @@ void beginBackup(Store& store, int databaseId)
     Statement running(store.connection(), "SELECT 1 FROM backup_running WHERE dbid = ?");
     const bool unsure = running.bind(1, databaseId).step();
     running.reset();
-    if (unsure)
+    if (unsure) {
         forget(store.connection(), "UPDATE backup_chunk SET digest = NULL WHERE dbid = ?", databaseId);
-    else
+        // Its moment is taken.
+        forget(store.connection(), "UPDATE backup_history SET lsn = lsn + 1 WHERE dbid = ?", databaseId);
+    } else {
         forget(store.connection(), "INSERT INTO backup_running VALUES(?)", databaseId);
-    // The note has to be there before the set is: a set that nobody knows of would tear the chain.
-    execute(store.connection(), "PRAGMA synchronous=FULL");
+    }
     store.commit();
-    execute(store.connection(), "PRAGMA synchronous=NORMAL");
 }
 
 void endBackup(Store& store, int databaseId)
@@ -115,13 +114,15 @@ void PresentChunks::replaceBase(int databaseId, ChangeBase base)
 /// Takes the checksum from each chunk that is no longer what it was at the base.
 void PresentChunks::markChanged(int databaseId, ChangeBase base)
 {
-    Statement(connection_, "UPDATE backup_chunk SET digest = NULL WHERE dbid = ? AND base = ? AND digest IS NOT "
-                           "(SELECT p.digest FROM temp.present p WHERE p.id = backup_chunk.id AND "
-                           "p.chunk = backup_chunk.chunk)")
+    Statement(connection_,
+              "UPDATE backup_chunk SET digest = NULL WHERE dbid = ? AND base = ? AND digest IS NOT "
+              "(SELECT p.digest FROM temp.present p WHERE p.id = backup_chunk.id AND "
+              "p.chunk = backup_chunk.chunk)")
         .bind(1, databaseId)
         .bind(2, static_cast<int>(base))
         .run();
-    Statement(connection_, "INSERT OR IGNORE INTO backup_chunk SELECT ?, ?, id, chunk, NULL FROM temp.present")
+    Statement(connection_,
+              "INSERT OR IGNORE INTO backup_chunk SELECT ?, ?, id, chunk, NULL FROM temp.present")
         .bind(1, databaseId)
         .bind(2, static_cast<int>(base))
         .run();

@@ -72,9 +72,9 @@ public:
     {
         while (here_ && rows_.integer(0) < chunk)
             step(gone);
-        const bool same = here_ && rows_.integer(0) == chunk && !rows_.isNull(1) &&
-                          rows_.blob(1) == std::string_view(reinterpret_cast<const char*>(digest.data()),
-                                                            digest.size());
+        const bool same =
+            here_ && rows_.integer(0) == chunk && !rows_.isNull(1) &&
+            rows_.blob(1) == std::string_view(reinterpret_cast<const char*>(digest.data()), digest.size());
         if (here_ && rows_.integer(0) == chunk)
             here_ = rows_.step();
         return same;

@@ -44,6 +44,8 @@ struct CatalogInsert
     Statement statement;
     std::size_t database = 0; ///< which of the columns is dbid
     std::size_t columns = 0;
+    std::size_t name = 0; ///< of cat_database: which are its name and fold, `columns` for none
+    std::size_t fold = 0;
 };
 
 CatalogInsert catalogInsert(sqlite3* connection, RecordReader& records)
@@ -59,13 +61,17 @@ CatalogInsert catalogInsert(sqlite3* connection, RecordReader& records)
         throw DamagedBackup{records.position()};
     std::string names;
     std::string marks;
-    insert.database = insert.columns;
+    insert.database = insert.name = insert.fold = insert.columns;
     for (std::size_t i = 0; i < insert.columns; ++i) {
         const std::string column = records.text();
         if (!hasColumn(connection, table, column))
             throw DamagedBackup{records.position()};
         if (column == "dbid")
             insert.database = i;
+        if (table == "cat_database" && column == "name")
+            insert.name = i;
+        if (table == "cat_database" && column == "fold")
+            insert.fold = i;
         names += (i == 0 ? "" : ", ") + quotedName(column);
         marks += i == 0 ? "?" : ", ?";
     }
@@ -102,7 +108,7 @@ std::uint64_t Replay::run(RecordReader& records, SetKind kind, const std::functi
         removeCatalog();
     }
     RecordKind next = replayCatalog(records);
-    renameIt();
+    adjustIt();
     dropGoneTables();
     while (next == RecordKind::Table)
         next = replayTable(records, kind, afterRows);
@@ -143,6 +149,10 @@ RecordKind Replay::replayCatalog(RecordReader& records)
             for (std::size_t i = 0; i < values.size(); ++i)
                 bindStored(insert.statement.handle(), static_cast<int>(i) + 1, values[i]);
             insert.statement.bind(static_cast<int>(insert.database) + 1, target_.databaseId);
+            if (insert.name < insert.columns)
+                insert.statement.bind(static_cast<int>(insert.name) + 1, target_.name);
+            if (insert.fold < insert.columns)
+                insert.statement.bind(static_cast<int>(insert.fold) + 1, foldName(target_.name));
             insert.statement.run();
         } else {
             return kind;
@@ -152,16 +162,14 @@ RecordKind Replay::replayCatalog(RecordReader& records)
 
 /// What a set says about its database is said about the one that it is restored to, but for the name,
 /// the owner, the places of the files, and whether it is in use.
-void Replay::renameIt()
+void Replay::adjustIt()
 {
     Statement database(store_.connection(),
-                       "UPDATE cat_database SET name = ?1, fold = ?2, sid = ?3, options = (options & ~?4) | ?5 "
-                       "WHERE dbid = ?6");
-    database.bind(1, target_.name).bind(2, foldName(target_.name));
-    database.bindBlob(3, target_.ownerSid.data(), target_.ownerSid.size());
-    database.bind(4, std::int64_t{Offline | Restoring});
-    database.bind(5, std::int64_t{target_.restoring ? Restoring : 0U});
-    database.bind(6, target_.databaseId).run();
+                       "UPDATE cat_database SET sid = ?1, options = (options & ~?2) | ?3 WHERE dbid = ?4");
+    database.bindBlob(1, target_.ownerSid.data(), target_.ownerSid.size());
+    database.bind(2, std::int64_t{Offline | Restoring});
+    database.bind(3, std::int64_t{target_.restoring ? Restoring : 0U});
+    database.bind(4, target_.databaseId).run();
     if (sqlite3_changes(store_.connection()) != 1)
         throw DamagedBackup{};
     Statement owner(store_.connection(), "UPDATE cat_user SET sid = ? WHERE dbid = ? AND uid = 1");
@@ -232,8 +240,8 @@ RecordKind Replay::replayTable(RecordReader& records, SetKind kind, const std::f
         throw DamagedBackup{records.position()};
     prepareTable(*table, shape);
     Statement insert = rowInsert(store_.connection(), *table, columns);
-    Statement remove(store_.connection(), "DELETE FROM " + storageTable(target_.databaseId, id) +
-                                              " WHERE rowid BETWEEN ? AND ?");
+    Statement remove(store_.connection(),
+                     "DELETE FROM " + storageTable(target_.databaseId, id) + " WHERE rowid BETWEEN ? AND ?");
     std::vector<StoredValue> values(columns.size());
     RecordKind next = records.kind();
     for (; next == RecordKind::Row || next == RecordKind::Chunk; next = records.kind()) {

@@ -30,7 +30,7 @@ public:
 private:
     void removeCatalog();
     RecordKind replayCatalog(RecordReader& records);
-    void renameIt();
+    void adjustIt();
     void rememberTables();
     void dropGoneTables();
     RecordKind replayTable(RecordReader& records, SetKind kind, const std::function<void()>& afterRows);

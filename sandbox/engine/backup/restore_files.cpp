@@ -12,8 +12,9 @@ namespace {
 void applyMoves(std::map<int, std::string>& places, const SetHeader& set, const BackupOptions& options)
 {
     for (const auto& [name, path] : options.moves) {
-        const auto file = std::find_if(set.files.begin(), set.files.end(),
-                                       [&name = name](const BackedUpFile& known) { return sameName(known.name, name); });
+        const auto file =
+            std::find_if(set.files.begin(), set.files.end(),
+                         [&name = name](const BackedUpFile& known) { return sameName(known.name, name); });
         if (file == set.files.end())
             raise(3234, {name, set.database});
         places[file->id] = path;
@@ -22,9 +23,8 @@ void applyMoves(std::map<int, std::string>& places, const SetHeader& set, const 
 
 bool isOwn(const std::map<int, std::string>& standing, const std::string& path)
 {
-    return std::any_of(standing.begin(), standing.end(), [&path](const auto& file) {
-        return nativePath(file.second) == nativePath(path);
-    });
+    return std::any_of(standing.begin(), standing.end(),
+                       [&path](const auto& file) { return nativePath(file.second) == nativePath(path); });
 }
 
 /// Tells what is wrong with a place, if anything is.

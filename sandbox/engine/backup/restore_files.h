@@ -8,8 +8,9 @@ namespace practice {
 
 /// @param standing the present places by file id; empty for a database that is not there
 /// @throws SqlError 3234; 1834, 5133 and 3156, 3176, with 3119 behind them
-[[nodiscard]] std::map<int, std::string> placeFiles(SessionContext& session, sqlite3* connection, int databaseId,
-                                                    const SetHeader& set, const BackupOptions& options,
+[[nodiscard]] std::map<int, std::string> placeFiles(SessionContext& session, sqlite3* connection,
+                                                    int databaseId, const SetHeader& set,
+                                                    const BackupOptions& options,
                                                     const std::map<int, std::string>& standing);
 
 [[nodiscard]] std::map<int, std::string> standingFiles(sqlite3* connection, int databaseId);

@@ -75,7 +75,9 @@ Cell bitCell(const char* name, bool on)
 
 const char* kindText(SetKind kind)
 {
-    return kind == SetKind::Full ? "Database" : kind == SetKind::Log ? "Transaction Log" : "Database Differential";
+    return kind == SetKind::Full  ? "Database"
+           : kind == SetKind::Log ? "Transaction Log"
+                                  : "Database Differential";
 }
 
 const char* recoveryText(int recovery)
@@ -151,7 +153,8 @@ void addState(std::vector<Cell>& row, const SetHeader& header)
     row.push_back(bitCell("IsSingleUser", header.access == static_cast<int>(UserAccess::Single)));
     row.push_back(bitCell("HasBackupChecksums", true));
     row.push_back(bitCell("IsDamaged", false));
-    row.push_back(bitCell("BeginsLogChain", header.kind == SetKind::Log && header.firstLsn == header.fullLsn));
+    row.push_back(
+        bitCell("BeginsLogChain", header.kind == SetKind::Log && header.firstLsn == header.fullLsn));
     row.push_back(bitCell("HasIncompleteMetaData", false));
     row.push_back(bitCell("IsForceOffline", false));
     row.push_back(bitCell("IsCopyOnly", header.copyOnly));
@@ -171,7 +174,8 @@ void addChain(std::vector<Cell>& row, const FoundSet& set)
                       : nothing("DifferentialBaseGUID", defaultType(TypeId::UniqueIdentifier, true)));
     row.push_back(textCell("BackupTypeDescription", 60, kindText(header.kind)));
     row.push_back(idCell("BackupSetGUID", header.id));
-    row.push_back(numberCell("CompressedBackupSize", TypeId::BigInt, static_cast<std::int64_t>(set.trailer.bytes)));
+    row.push_back(
+        numberCell("CompressedBackupSize", TypeId::BigInt, static_cast<std::int64_t>(set.trailer.bytes)));
 }
 
 std::vector<Cell> fileRow(const FoundSet& set, const BackedUpFile& file)
@@ -254,19 +258,15 @@ void sendFileList(SessionContext& session, const FoundSet& set)
 
 void sendLabel(SessionContext& session, const MediaPage& media)
 {
-    sendCells(session, {{textCell("MediaName", 128, ""),
-                         idCell("MediaSetId", media.id),
-                         numberCell("FamilyCount", TypeId::Int, 1),
-                         numberCell("FamilySequenceNumber", TypeId::Int, 1),
-                         idCell("MediaFamilyId", media.id),
-                         numberCell("MediaSequenceNumber", TypeId::Int, 1),
-                         numberCell("MediaLabelPresent", TypeId::TinyInt, 0),
-                         textCell("MediaDescription", 255, ""),
-                         textCell("SoftwareName", 128, "Microsoft SQL Server"),
-                         numberCell("SoftwareVendorId", TypeId::Int, softwareVendor),
-                         momentCell("MediaDate", media.created),
-                         numberCell("MirrorCount", TypeId::Int, 1),
-                         bitCell("IsCompressed", false)}});
+    sendCells(
+        session,
+        {{textCell("MediaName", 128, ""), idCell("MediaSetId", media.id),
+          numberCell("FamilyCount", TypeId::Int, 1), numberCell("FamilySequenceNumber", TypeId::Int, 1),
+          idCell("MediaFamilyId", media.id), numberCell("MediaSequenceNumber", TypeId::Int, 1),
+          numberCell("MediaLabelPresent", TypeId::TinyInt, 0), textCell("MediaDescription", 255, ""),
+          textCell("SoftwareName", 128, "Microsoft SQL Server"),
+          numberCell("SoftwareVendorId", TypeId::Int, softwareVendor), momentCell("MediaDate", media.created),
+          numberCell("MirrorCount", TypeId::Int, 1), bitCell("IsCompressed", false)}});
 }
 
 } // namespace practice

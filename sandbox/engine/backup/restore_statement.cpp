@@ -54,7 +54,7 @@ void requireFree(SessionContext& session, const Database& database)
 
 const char* makerOf(SetKind kind)
 {
-    return kind == SetKind::Log             ? "BACKUP LOG"
+    return kind == SetKind::Log            ? "BACKUP LOG"
            : kind == SetKind::Differential ? "BACKUP DATABASE WITH DIFFERENTIAL"
                                            : "BACKUP DATABASE";
 }
@@ -199,16 +199,16 @@ void restoreDatabase(SessionContext& session, const ast::RestoreStatement& state
 {
     const bool log = statement.restoreKind == ast::RestoreKind::Log;
     const std::string what = log ? "RESTORE LOG" : "RESTORE DATABASE";
+    const BackupOptions options = readOptions(statement.options, "RESTORE", textOf);
+    if (!statement.files.empty())
+        raise(40510, {"RESTORE of single files"});
     DeviceFile device;
     runBackupWork(session, what, device, [&] {
         requireNoOpenTransaction(session);
         session.catalog().version();
-        RestoreTask task{session, log, readOptions(statement.options, "RESTORE", textOf),
-                         textOf(*statement.database), what, nullptr, ""};
+        RestoreTask task{session, log, options, textOf(*statement.database), what, nullptr, ""};
         task.database = session.catalog().database(task.name);
         requireMayRestore(session, task.database.get());
-        if (!statement.files.empty())
-            raise(40510, {"RESTORE of single files"});
         if (task.database)
             requireFree(session, *task.database);
         if (statement.devices.empty())
@@ -233,7 +233,8 @@ const char* listingName(ast::RestoreKind kind)
     }
 }
 
-void verify(SessionContext& session, BackupReader& file, const BackupOptions& options, const DeviceFile& device)
+void verify(SessionContext& session, BackupReader& file, const BackupOptions& options,
+            const DeviceFile& device)
 {
     const std::vector<FoundSet> sets = readSets(file, true, progressOf(session, options.stats));
     (void)requireSet(sets, options.file, device.shown);
@@ -242,7 +243,8 @@ void verify(SessionContext& session, BackupReader& file, const BackupOptions& op
     session.inform(3262, {std::to_string(options.file)});
 }
 
-void list(SessionContext& session, ast::RestoreKind kind, const BackupOptions& options, const DeviceFile& device)
+void list(SessionContext& session, ast::RestoreKind kind, const BackupOptions& options,
+          const DeviceFile& device)
 {
     BackupReader file(device.path);
     if (kind == ast::RestoreKind::VerifyOnly)
@@ -265,11 +267,12 @@ void executeRestore(SessionContext& session, const ast::RestoreStatement& statem
         return restoreDatabase(session, statement, textOf);
     if (kind == RewindOnly)
         raise(40510, {"RESTORE REWINDONLY"});
+    const BackupOptions options = readOptions(statement.options, "RESTORE", textOf);
     DeviceFile device;
     runBackupWork(session, listingName(kind), device, [&] {
         requireMayCreateDatabases(session);
         device = deviceFile(session, statement.devices, textOf);
-        list(session, kind, readOptions(statement.options, "RESTORE", textOf), device);
+        list(session, kind, options, device);
     });
 }
 

@@ -197,9 +197,9 @@ void Snapshot::scan(const Table& table, std::optional<ChangeBase> since, std::ve
         if (chunk != chunkOf(id)) {
             close();
             chunk = chunkOf(id);
-            (*progress_)(before_ + std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(id, 0)),
-                                            table.weight),
-                         total_);
+            (*progress_)(
+                before_ + std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(id, 0)), table.weight),
+                total_);
         }
         encodeRow(row, rows.handle(), columns);
         digest.add(row.bytes);

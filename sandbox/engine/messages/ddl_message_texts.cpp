@@ -152,7 +152,8 @@ constexpr MessageText ddlTexts[] = {
     {3044, 16, 1, "Invalid zero-length device name. Reissue the BACKUP statement with a valid device name."},
     {3101, 16, 1, "Exclusive access could not be obtained because the database is in use."},
     {3102, 16, 1,
-     "%s cannot process database '%s' because it is in use by this session. It is recommended that the master "
+     "%s cannot process database '%s' because it is in use by this session. It is recommended that the "
+     "master "
      "database be used when performing this operation."},
     {3108, 16, 1,
      "To restore the master database, the server must be running in single-user mode. For information on "
@@ -177,7 +178,8 @@ constexpr MessageText ddlTexts[] = {
     {3156, 16, 4,
      "File '%s' cannot be restored to '%s'. Use WITH MOVE to identify a valid location for the file."},
     {3176, 16, 1,
-     "File '%s' is claimed by '%s'(%s) and '%s'(%s). The WITH MOVE clause can be used to relocate one or more "
+     "File '%s' is claimed by '%s'(%s) and '%s'(%s). The WITH MOVE clause can be used to relocate one or "
+     "more "
      "files."},
     {3183, 16, 1,
      "RESTORE detected an error on page (%s:%s) in database \"%s\" as read from the backup set."},
@@ -215,14 +217,16 @@ constexpr MessageText ddlTexts[] = {
     {4212, 16, 1, "Cannot back up the log of the master database. Use BACKUP DATABASE instead."},
     {4214, 16, 1, "BACKUP LOG cannot be performed because there is no current database backup."},
     {4305, 16, 1,
-     "The log in this backup set begins at LSN %s, which is too recent to apply to the database. An earlier log "
+     "The log in this backup set begins at LSN %s, which is too recent to apply to the database. An earlier "
+     "log "
      "backup that includes LSN %s can be restored."},
     {4326, 16, 1,
      "The log in this backup set terminates at LSN %s, which is too early to apply to the database. A more "
      "recent log backup that includes LSN %s can be restored."},
     {4330, 16, 1,
      "This backup set cannot be applied because it is on a recovery path that is inconsistent with the "
-     "database. The recovery path is the sequence of data and log backups that have brought the database to a "
+     "database. The recovery path is the sequence of data and log backups that have brought the database to "
+     "a "
      "particular recovery point. Find a compatible backup to restore, or restore the rest of the database to "
      "match a recovery point within this backup set, which will restore the database to a different point in "
      "time.  For more information about recovery paths, see SQL Server Books Online."},
