@@ -404,6 +404,13 @@ void replaceContents(const std::filesystem::path& path, const std::string& bytes
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
+void putByte(const std::filesystem::path& path, std::size_t at, char byte)
+{
+    std::fstream(path, std::ios::binary | std::ios::in | std::ios::out)
+        .seekp(static_cast<std::streamoff>(at))
+        .put(byte);
+}
+
 void readAll(const std::filesystem::path& path)
 {
     BackupReader file(path);
@@ -419,20 +426,18 @@ TEST_F(BackupTest, AFlippedBitAnywhereIsRefused)
     const std::string whole = contents(server().path("a.bak"));
     std::mt19937 random(7);
     for (std::size_t at = 0; at < whole.size() && !HasFailure(); ++at) {
-        std::string damaged = whole;
-        damaged[at] = static_cast<char>(damaged[at] ^ (1 << random() % 8));
-        replaceContents(server().path("a.bak"), damaged);
+        putByte(server().path("a.bak"), at, static_cast<char>(whole[at] ^ (1 << random() % 8)));
         EXPECT_THROW(readAll(server().path("a.bak")), DamagedBackup) << at;
-        if (at % 64 != 0)
-            continue;
         for (const char* statement : {"RESTORE VERIFYONLY", "RESTORE DATABASE Ventas"}) {
+            if (at % 64 != 0)
+                break;
             const std::string answer = server().run(statement + (" FROM " + disk));
             EXPECT_TRUE(answer.starts_with("Msg 3183, ")) << at << ": " << answer;
             EXPECT_NE(answer.find("Msg 3013, "), std::string::npos) << at << ": " << answer;
         }
+        putByte(server().path("a.bak"), at, whole[at]);
     }
     EXPECT_EQ(run("SELECT a FROM Ventas..t"), "a\n2\n");
-    replaceContents(server().path("a.bak"), whole);
     server().mustRun("RESTORE DATABASE Ventas FROM " + disk);
     EXPECT_EQ(run("SELECT a FROM Ventas..t"), "a\n1\n");
 }
