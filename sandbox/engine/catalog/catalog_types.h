@@ -42,6 +42,7 @@ enum DatabaseOption : std::uint32_t
     ReadOnly = 1U << 16,
     Offline = 1U << 17,
     DatabaseChaining = 1U << 18,
+    Restoring = 1U << 19, ///< between two RESTORE statements: nobody may enter
 };
 using DatabaseOptions = std::uint32_t;
 

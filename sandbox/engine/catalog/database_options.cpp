@@ -86,7 +86,9 @@ std::optional<DatabaseProperty> databaseProperty(const Database& database, const
     constexpr int localeId = 1033;
     const auto is = [&](const char* name) { return sameName(property, name); };
     if (is("Status"))
-        return textProperty((database.options & Offline) != 0 ? "OFFLINE" : "ONLINE");
+        return textProperty((database.options & Restoring) != 0 ? "RESTORING"
+                            : (database.options & Offline) != 0 ? "OFFLINE"
+                                                                : "ONLINE");
     if (is("Recovery"))
         return textProperty(recoveryName(database.recovery));
     if (is("Collation"))

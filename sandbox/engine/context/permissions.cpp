@@ -88,6 +88,8 @@ bool hasDenyingRole(SessionContext& session, const Object& object, int user, std
 
 void requireOnline(const Database& database)
 {
+    if ((database.options & Restoring) != 0)
+        raise(927, {database.name});
     if ((database.options & Offline) != 0)
         raise(942, {database.name});
 }

@@ -5,9 +5,9 @@
 
 namespace practice {
 
-/// @throws SqlError 942 for a database that is offline
+/// @throws SqlError 927, 942 for a database that is being restored or is offline
 void requireOnline(const Database& database);
-/// @throws SqlError 942, 3906 for a database that is offline or read-only
+/// @throws SqlError 3906 besides, for one that is read-only
 void requireWritable(const Database& database);
 
 /// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"

@@ -25,14 +25,6 @@ void requireMayCreate(SessionContext& session)
     (void)placeForNew(session, inMaster, "CREATE DATABASE");
 }
 
-int freeDatabaseId(SessionContext& session)
-{
-    int id = 5;
-    while (session.catalog().database(id))
-        ++id;
-    return id;
-}
-
 std::int64_t modelSize(SessionContext& session)
 {
     Statement row(session.connection(), "SELECT size FROM cat_file WHERE dbid = ? AND fileid = 1");
@@ -201,6 +193,14 @@ void requireNoTransaction(SessionContext& session, const char* statement)
 {
     if (session.transactionCount() > 0)
         raise(226, {statement});
+}
+
+int freeDatabaseId(SessionContext& session)
+{
+    int id = 5;
+    while (session.catalog().database(id))
+        ++id;
+    return id;
 }
 
 bool isInUse(SessionContext& session, int databaseId)

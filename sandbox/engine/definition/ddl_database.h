@@ -10,6 +10,9 @@ namespace practice {
 /// @throws SqlError 226
 void requireNoTransaction(SessionContext& session, const char* statement);
 
+/// The least id that no database has.
+[[nodiscard]] int freeDatabaseId(SessionContext& session);
+
 /// True while any session works in the database.
 [[nodiscard]] bool isInUse(SessionContext& session, int databaseId);
 [[nodiscard]] bool isInUseByOthers(SessionContext& session, int databaseId);

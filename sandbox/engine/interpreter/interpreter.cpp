@@ -1,5 +1,6 @@
 #include "engine/interpreter/interpreter.h"
 
+#include "engine/backup/backup.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_scope.h"
@@ -405,15 +406,28 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::ExecuteAs:
     case Kind::Revert:
         raise(15247);
+    case Kind::Backup:
+        return executeBackup(session_, ast::as<ast::BackupStatement>(node), constantTexts());
+    case Kind::Restore:
+        return executeRestore(session_, ast::as<ast::RestoreStatement>(node), constantTexts());
     default:
         return definition(node);
     }
 }
 
+TextOf Interpreter::constantTexts()
+{
+    return [this](const ast::Expression& node) {
+        if (const auto* literal = ast::tryAs<ast::Literal>(&node))
+            return literal->text;
+        const Value text = session_.evaluate(node, nVarCharType(4000));
+        return text.isNull() ? std::string() : std::get<std::string>(text.data);
+    };
+}
+
 void Interpreter::definition(const ast::Statement& node)
 {
     session_.startImplicitTransaction();
-    // Databases come and go outside any transaction, and a backup writes files.
     const auto rows = session_.atomically([this, &node] { return executeDdl(session_, node); });
     if (const auto* table = ast::tryAs<ast::CreateTableStatement>(&node))
         session_.temporaries().ownGlobal(table->name.object);

@@ -2,6 +2,7 @@
 // ends.
 #pragma once
 
+#include "engine/backup/backup_options.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_state.h"
 
@@ -58,6 +59,7 @@ private:
     Flow returned(const ast::ReturnStatement& statement);
     void simple(const ast::Statement& statement);
     void definition(const ast::Statement& statement);
+    TextOf constantTexts();
     void declare(const ast::DeclareStatement& statement);
     void setVariable(const ast::SetVariableStatement& statement);
     void transaction(const ast::TransactionStatement& statement);

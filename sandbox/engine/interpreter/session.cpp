@@ -1,6 +1,7 @@
 // The server and its sessions, as the wire sees them.
 #include "engine/api/session.h"
 
+#include "engine/backup/change_base.h"
 #include "engine/catalog/catalog_sessions.h"
 #include "engine/catalog/pending_files.h"
 #include "engine/interpreter/interpreter.h"
@@ -161,6 +162,7 @@ public:
     {
         bootstrapCatalog(store_.connection(), {options_.dataDirectory.string(), options_.saPassword,
                                                options_.serverName, systemProcedureNames()});
+        defineBackupTables(store_.connection());
         settlePendingFiles(store_, options_.dataDirectory);
         execute(store_.connection(), "CREATE TABLE IF NOT EXISTS engine_timestamp(value INTEGER NOT NULL);"
                                      "INSERT INTO engine_timestamp SELECT 2000 WHERE NOT EXISTS "

@@ -142,6 +142,68 @@ constexpr MessageText ddlTexts[] = {
      "The specified schema name \"%s\" either does not exist or you do not have permission to use it."},
     {2761, 16, 1, "The ROWGUIDCOL property can only be specified on the uniqueidentifier data type."},
     {3013, 16, 1, "%s is terminating abnormally."},
+    {3014, 0, 1, "%s successfully processed %s pages in %s seconds (%s MB/sec)."},
+    {3021, 16, 0, "Cannot perform a backup or restore operation within a transaction."},
+    {3023, 16, 2,
+     "Backup and file manipulation operations (such as ALTER DATABASE ADD FILE) on a database must be "
+     "serialized. Reissue the statement after the current backup or file manipulation operation is "
+     "completed."},
+    {3024, 16, 0,
+     "You can only perform a full backup of the master database. Use BACKUP DATABASE to back up the entire "
+     "master database."},
+    {3035, 16, 1,
+     "Cannot perform a differential backup for database \"%s\", because a current database backup does not "
+     "exist. Perform a full database backup by reissuing BACKUP DATABASE, omitting the WITH DIFFERENTIAL "
+     "option."},
+    {3044, 16, 1, "Invalid zero-length device name. Reissue the BACKUP statement with a valid device name."},
+    {3101, 16, 1, "Exclusive access could not be obtained because the database is in use."},
+    {3102, 16, 1,
+     "%s cannot process database '%s' because it is in use by this session. It is recommended that the "
+     "master "
+     "database be used when performing this operation."},
+    {3108, 16, 1,
+     "To restore the master database, the server must be running in single-user mode. For information on "
+     "starting in single-user mode, see \"How to: Start an Instance of SQL Server (sqlservr.exe)\" in Books "
+     "Online."},
+    {3110, 14, 1, "User does not have permission to RESTORE database '%s'."},
+    {3117, 16, 1,
+     "The log or differential backup cannot be restored because no files are ready to rollforward."},
+    {3118, 16, 1,
+     "The database \"%s\" does not exist. RESTORE can only create a database when restoring either a full "
+     "backup or a file backup of the primary file."},
+    {3119, 16, 1,
+     "Problems were identified while planning for the RESTORE statement. Previous messages provide details."},
+    {3135, 16, 1,
+     "The backup set in file '%s' was created by %s and cannot be used for this restore operation."},
+    {3136, 16, 3,
+     "This differential backup cannot be restored because the database has not been restored to the correct "
+     "earlier state."},
+    {3147, 16, 3, "Backup and restore operations are not allowed on database tempdb."},
+    {3153, 16, 1, "The database is already fully recovered."},
+    {3154, 16, 4, "The backup set holds a backup of a database other than the existing '%s' database."},
+    {3156, 16, 4,
+     "File '%s' cannot be restored to '%s'. Use WITH MOVE to identify a valid location for the file."},
+    {3176, 16, 1,
+     "File '%s' is claimed by '%s'(%s) and '%s'(%s). The WITH MOVE clause can be used to relocate one or "
+     "more "
+     "files."},
+    {3183, 16, 1,
+     "RESTORE detected an error on page (%s:%s) in database \"%s\" as read from the backup set."},
+    {3201, 16, 2, "Cannot open backup device '%s'. Operating system error %s."},
+    {3202, 16, 1, "Write on \"%s\" failed: %s"},
+    {3203, 16, 1, "Read on \"%s\" failed: %s"},
+    {3206, 16, 1,
+     "Backup device '%s' does not exist. To view existing backup devices, use the sys.backup_devices catalog "
+     "view. To create a new backup device use either sp_addumpdevice or SQL Server Management Studio."},
+    {3211, 0, 1, "%s percent processed."},
+    {3234, 16, 2,
+     "Logical file '%s' is not part of database '%s'. Use RESTORE FILELISTONLY to list the logical file "
+     "names."},
+    {3241, 16, 0,
+     "The media family on device '%s' is incorrectly formed. SQL Server cannot process this media family."},
+    {3254, 16, 1, "The volume on device '%s' is empty."},
+    {3262, 0, 1, "The backup set on file %s is valid."},
+    {3287, 16, 1, "The file ID %s on device '%s' is not valid."},
     {3701, 11, 5, "Cannot drop the %s '%s', because it does not exist or you do not have permission."},
     {3702, 16, 4, "Cannot drop database \"%s\" because it is currently in use."},
     {3705, 16, 1, "Cannot use DROP %s with '%s' because '%s' is a %s. Use %s."},
@@ -154,6 +216,26 @@ constexpr MessageText ddlTexts[] = {
     {3728, 16, 1, "'%s' is not a constraint."},
     {3733, 16, 2, "Constraint '%s' does not belong to table '%s'."},
     {3906, 16, 1, "Failed to update database \"%s\" because the database is read-only."},
+    {4035, 0, 1, "Processed %s pages for database '%s', file '%s' on file %s."},
+    {4208, 16, 1,
+     "The statement %s is not allowed while the recovery model is SIMPLE. Use BACKUP DATABASE or change the "
+     "recovery model using ALTER DATABASE."},
+    {4212, 16, 1, "Cannot back up the log of the master database. Use BACKUP DATABASE instead."},
+    {4214, 16, 1, "BACKUP LOG cannot be performed because there is no current database backup."},
+    {4305, 16, 1,
+     "The log in this backup set begins at LSN %s, which is too recent to apply to the database. An earlier "
+     "log "
+     "backup that includes LSN %s can be restored."},
+    {4326, 16, 1,
+     "The log in this backup set terminates at LSN %s, which is too early to apply to the database. A more "
+     "recent log backup that includes LSN %s can be restored."},
+    {4330, 16, 1,
+     "This backup set cannot be applied because it is on a recovery path that is inconsistent with the "
+     "database. The recovery path is the sequence of data and log backups that have brought the database to "
+     "a "
+     "particular recovery point. Find a compatible backup to restore, or restore the rest of the database to "
+     "match a recovery point within this backup set, which will restore the database to a different point in "
+     "time.  For more information about recovery paths, see SQL Server Books Online."},
     {4506, 16, 1,
      "Column names in each view or function must be unique. Column name '%s' in view or function '%s' is "
      "specified "

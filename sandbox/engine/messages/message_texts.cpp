@@ -257,6 +257,7 @@ constexpr MessageText texts[] = {
      "The server principal \"%s\" is not able to access the database \"%s\" under the current security "
      "context."},
     {921, 14, 2, "Database '%s' has not been recovered yet. Wait and try again."},
+    {927, 14, 2, "Database '%s' cannot be opened. It is in the middle of a restore."},
     {942, 14, 4, "Database '%s' cannot be opened because it is offline."},
     {1001, 15, 1, "Line %s: Length or precision specification %s is invalid."},
     {1002, 15, 1, "Line %s: Specified scale %s is invalid."},

@@ -93,6 +93,8 @@ void SessionState::useDatabase(const std::string& name)
     const DatabasePtr found = catalog_->database(name);
     if (!found)
         raise(911, {name});
+    if ((found->options & Restoring) != 0)
+        raise(927, {found->name});
     if ((found->options & Offline) != 0)
         raise(942, {found->name});
     if (!catalog_->userOf(found->id, login_))
