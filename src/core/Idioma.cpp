@@ -1,6 +1,7 @@
 #include "core/Idioma.h"
 
 #include "core/Global.h"
+#include "platform/controls/DataGrid.h"
 #include "platform/controls/Form.h"
 #include "platform/controls/ListView.h"
 
@@ -9,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
+#include <QTabWidget>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -61,6 +63,18 @@ void PonCabecera(controls::ListView* lista, int posicion, const QString& españo
 {
     if (const auto texto = EnIdioma(español, ingles))
         lista->setColumnHeader(posicion, *texto);
+}
+
+void PonCabecera(controls::DataGrid* rejilla, int columna, const QString& español, const QString& ingles)
+{
+    if (const auto texto = EnIdioma(español, ingles))
+        rejilla->Columns(columna).setCaption(*texto);
+}
+
+void PonPestaña(QTabWidget* pestañas, int pestaña, const QString& español, const QString& ingles)
+{
+    if (const auto texto = EnIdioma(español, ingles))
+        pestañas->setTabText(pestaña, *texto);
 }
 
 controls::Answer MuestraMensaje(const QString& español, const QString& ingles, int estilo)

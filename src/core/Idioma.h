@@ -13,8 +13,10 @@ class QAction;
 class QGroupBox;
 class QLabel;
 class QMenu;
+class QTabWidget;
 
 namespace controls {
+class DataGrid;
 class Form;
 class ListView;
 } // namespace controls
@@ -39,6 +41,10 @@ void PonTexto(QLabel* etiqueta, const QString& español, const QString& ingles);
 void PonTexto(QMenu* menu, const QString& español, const QString& ingles);
 /// `posicion` counts column headers from 1.
 void PonCabecera(controls::ListView* lista, int posicion, const QString& español, const QString& ingles);
+/// `columna` counts the grid's columns from 0.
+void PonCabecera(controls::DataGrid* rejilla, int columna, const QString& español, const QString& ingles);
+/// `pestaña` counts from 0.
+void PonPestaña(QTabWidget* pestañas, int pestaña, const QString& español, const QString& ingles);
 
 /// Puts the text of the language into Mensaje and shows Mensaje under the program's title.
 controls::Answer MuestraMensaje(const QString& español, const QString& ingles, int estilo = EstiloAviso);

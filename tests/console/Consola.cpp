@@ -70,6 +70,12 @@ QString ServidorDePrueba()
     return u"127.0.0.1,"_s + QString::number(Servidor().port());
 }
 
+QStringList LlegadoAlServidor()
+{
+    static qint64 lugar = 0;
+    return Servidor().statementsFrom(lugar);
+}
+
 QString UltimaEnElServidor(const QString& comienzo)
 {
     const QStringList llegadas = Servidor().statementLog().filter(QRegularExpression(u"^"_s + comienzo));
@@ -78,6 +84,8 @@ QString UltimaEnElServidor(const QString& comienzo)
 
 void Consola::SetUp()
 {
+    m_sentencias.clear();
+    m_avisos.clear();
     ado::setStatementObserver([this](const QString& texto) { m_sentencias += texto; });
     controls::setMessageBoxAnswerer([this](const QString& texto, int estilo, const QString& titulo) {
         m_avisos += Aviso{texto, estilo, titulo};

@@ -40,6 +40,8 @@ inline constexpr int En = 1;
 
 /// The address of the shared practice server, "127.0.0.1,port", and its sa password.
 QString ServidorDePrueba();
+/// The batches that arrived at that server since the last call, byte for byte.
+QStringList LlegadoAlServidor();
 /// The last batch that arrived at that server with this beginning, byte for byte; "" when none did.
 QString UltimaEnElServidor(const QString& comienzo);
 inline const QString ClaveDePrueba = QStringLiteral("Practice1!");

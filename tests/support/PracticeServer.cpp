@@ -121,8 +121,14 @@ QString PracticeServer::connectionString(const QString& database) const
 
 QStringList PracticeServer::statementLog() const
 {
+    qint64 place = 0;
+    return statementsFrom(place);
+}
+
+QStringList PracticeServer::statementsFrom(qint64& place) const
+{
     QFile file(m_directory.filePath(logName));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(place))
         return {};
     QStringList statements;
     while (!file.atEnd()) {
@@ -135,6 +141,7 @@ QStringList PracticeServer::statementLog() const
         if (head[0] == "batch")
             statements += QString::fromUtf8(text);
     }
+    place = file.pos();
     return statements;
 }
 

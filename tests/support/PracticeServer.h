@@ -28,6 +28,8 @@ public:
     [[nodiscard]] QString connectionString(const QString& database = QStringLiteral("master")) const;
     /// The batches that clients have sent so far, exactly as received.
     [[nodiscard]] QStringList statementLog() const;
+    /// Those from a place in the log on, which moves to its end; 0 is the beginning.
+    [[nodiscard]] QStringList statementsFrom(qint64& place) const;
     /// Ends the program in order, and waits for it.
     void stop();
     /// Ends it as a power failure would.

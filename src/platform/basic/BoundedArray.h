@@ -68,13 +68,13 @@ public:
     BoundedArray2() = default;
     BoundedArray2(int lastRow, int lastColumn) { Redim(lastRow, lastColumn); }
     BoundedArray2(const BoundedArray2& other)
-        : m_lastRow(other.m_lastRow), m_lastColumn(other.m_lastColumn), m_cells(other.m_cells)
+        : m_lastRow(other.m_lastRow), m_lastColumn(other.m_lastColumn), m_rows(other.m_rows)
     {}
     BoundedArray2& operator=(const BoundedArray2& other)
     {
         m_lastRow = other.m_lastRow;
         m_lastColumn = other.m_lastColumn;
-        m_cells = other.m_cells;
+        m_rows = other.m_rows;
         notify({ArrayChange::Kind::Reshaped});
         return *this;
     }
@@ -86,7 +86,7 @@ public:
     {
         if (lastRow < -1 || lastColumn < -1)
             raise(error::Subscript);
-        m_cells.assign(static_cast<std::size_t>(lastRow + 1) * static_cast<std::size_t>(lastColumn + 1), T{});
+        m_rows.assign(static_cast<std::size_t>(lastRow) + 1U, {});
         m_lastRow = lastRow;
         m_lastColumn = lastColumn;
         notify({ArrayChange::Kind::Reshaped});
@@ -95,13 +95,23 @@ public:
     [[nodiscard]] int lastRow() const { return m_lastRow; }
     [[nodiscard]] int lastColumn() const { return m_lastColumn; }
 
-    [[nodiscard]] const T& at(int row, int column) const { return m_cells[index(row, column)]; }
+    [[nodiscard]] const T& at(int row, int column) const
+    {
+        static const T unset{};
+        check(row, column);
+        const std::vector<T>& cells = m_rows[static_cast<std::size_t>(row)];
+        return cells.empty() ? unset : cells[static_cast<std::size_t>(column)];
+    }
     const T& operator()(int row, int column) const { return at(row, column); }
     Cell operator()(int row, int column) { return Cell(*this, row, column); }
 
     void set(int row, int column, T value)
     {
-        m_cells[index(row, column)] = std::move(value);
+        check(row, column);
+        std::vector<T>& cells = m_rows[static_cast<std::size_t>(row)];
+        if (cells.empty())
+            cells.resize(static_cast<std::size_t>(m_lastColumn) + 1U);
+        cells[static_cast<std::size_t>(column)] = std::move(value);
         notify({ArrayChange::Kind::Cell, row, column});
     }
 
@@ -117,12 +127,10 @@ public:
 private:
     using Listener = std::weak_ptr<const std::function<void(const ArrayChange&)>>;
 
-    [[nodiscard]] std::size_t index(int row, int column) const
+    void check(int row, int column) const
     {
         if (row < 0 || row > m_lastRow || column < 0 || column > m_lastColumn)
             raise(error::Subscript);
-        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_lastColumn + 1) +
-               static_cast<std::size_t>(column);
     }
 
     void notify(const ArrayChange& change)
@@ -137,7 +145,7 @@ private:
 
     int m_lastRow = -1;
     int m_lastColumn = -1;
-    std::vector<T> m_cells;
+    std::vector<std::vector<T>> m_rows; ///< a row has cells once one is set: most of a large grid never has
     std::vector<Listener> m_listeners;
 };
 

@@ -2,7 +2,6 @@
 
 #include "platform/controls/DataGridDelegate.h"
 #include "platform/controls/DataGridModel.h"
-#include "platform/controls/ValueListPopup.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -16,7 +15,7 @@ namespace controls {
 
 DataGrid::DataGrid(QWidget* parent)
     : QTableView(parent), m_model(new DataGridModel(this)), m_delegate(new DataGridDelegate(*m_model, this)),
-      m_marks(new RowMarks(this)), m_list(new ValueListPopup(this))
+      m_marks(new RowMarks(this))
 {
     setVerticalHeader(m_marks);
     setItemDelegate(m_delegate);
@@ -34,8 +33,6 @@ DataGrid::DataGrid(QWidget* parent)
     setModel(m_model);
     connect(m_model, &QAbstractItemModel::modelReset, this, &DataGrid::keepPlace);
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &DataGrid::placeEditor);
-    connect(m_list, &ValueListPopup::chosen, this, [this](const QString& text) { setPendingText(text); });
-    connect(m_list, &ValueListPopup::keyTyped, this, &DataGrid::keyInList);
     connect(this, &DataGrid::currentMovedByReader, this, &DataGrid::followReader, Qt::QueuedConnection);
 }
 

@@ -251,6 +251,7 @@ private:
     void completeFromList(const QString& typed);
     void pressButton();
     void openList();
+    void hideList();
 
     // the keyboard
     bool takeKey(const QKeyEvent& event);
@@ -274,12 +275,11 @@ private:
     void emptyCell();
     void focusLeft(Qt::FocusReason reason);
     [[nodiscard]] bool hasFocusInside() const;
-    [[nodiscard]] bool formIsGone() const;
 
     DataGridModel* m_model;
     DataGridDelegate* m_delegate;
     RowMarks* m_marks;
-    ValueListPopup* m_list;
+    ValueListPopup* m_list = nullptr; ///< made when it first opens
     Place m_place;
     Edit m_edit;
     int m_wantedFirstRow = -1; ///< set while nothing is laid out

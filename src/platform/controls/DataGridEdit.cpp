@@ -4,6 +4,7 @@
 #include "platform/controls/DataGridModel.h"
 #include "platform/controls/ValueListPopup.h"
 
+#include <QKeyEvent>
 #include <QLineEdit>
 
 namespace controls {
@@ -100,7 +101,7 @@ bool DataGrid::endEdit()
     if (!m_edit.active || m_edit.ending)
         return true;
     m_edit.ending = true;
-    m_list->hide();
+    hideList();
     const QPointer<DataGrid> self(this);
     const unsigned serial = m_edit.serial;
     const Place place = m_edit.place;
@@ -185,7 +186,7 @@ void DataGrid::closeEditor()
 {
     m_edit.active = false;
     m_edit.ending = false;
-    m_list->hide();
+    hideList();
     QLineEdit* const editor = m_edit.editor;
     m_edit.editor = nullptr;
     if (editor) {
@@ -236,9 +237,20 @@ void DataGrid::openList()
     QStringList texts;
     for (int item = 0; item < items.Count(); ++item)
         texts.append(items.Item(item).text);
+    if (!m_list) {
+        m_list = new ValueListPopup(this);
+        connect(m_list, &ValueListPopup::chosen, this, [this](const QString& text) { setPendingText(text); });
+        connect(m_list, &ValueListPopup::keyTyped, this, &DataGrid::keyInList);
+    }
     const QRect cell = cellRect(m_place.row, m_place.column);
     m_list->open(texts, items.indexOfText(m_edit.editor->text()),
                  {viewport()->mapToGlobal(cell.topLeft()), cell.size()});
+}
+
+void DataGrid::hideList()
+{
+    if (m_list)
+        m_list->hide();
 }
 
 } // namespace controls

@@ -150,7 +150,10 @@ void DataGrid::emptyCell()
 
 void DataGrid::focusInEvent(QFocusEvent* event)
 {
+    // The view would make the first cell current where it knows of none, as after a reset.
+    m_marking = true;
     QTableView::focusInEvent(event);
+    markPlace();
     if (m_edit.editor)
         m_edit.editor->setFocus(event->reason());
 }
@@ -167,7 +170,7 @@ void DataGrid::focusLeft(Qt::FocusReason reason)
                        reason == Qt::MenuBarFocusReason;
     if (stays || m_losingFocus || hasFocusInside())
         return;
-    if (formIsGone()) {
+    if (isFormGone(this)) {
         dropEdit();
         return;
     }
@@ -186,15 +189,6 @@ bool DataGrid::hasFocusInside() const
     // The window's own: the application has none while a message box goes.
     const QWidget* const focused = window()->focusWidget();
     return focused && (focused == this || focused == m_edit.editor);
-}
-
-/// A form that closes hides its controls before it goes; that is no leaving of the grid.
-bool DataGrid::formIsGone() const
-{
-    const QWidget* form = this;
-    while (!form->isWindow() && !qobject_cast<const Form*>(form))
-        form = form->parentWidget();
-    return !form->isVisible();
 }
 
 } // namespace controls

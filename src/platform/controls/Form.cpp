@@ -29,6 +29,14 @@ QList<Form*> LoadedForms()
     return forms;
 }
 
+bool isFormGone(const QWidget* control)
+{
+    const QWidget* form = control;
+    while (!form->isWindow() && !qobject_cast<const Form*>(form))
+        form = form->parentWidget();
+    return !form->isVisible();
+}
+
 QStringList LoadedFormNames()
 {
     QStringList names;

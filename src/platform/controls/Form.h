@@ -87,6 +87,9 @@ private:
 /// Loaded forms in the order of their loading, without the MDI window.
 [[nodiscard]] QList<Form*> LoadedForms();
 
+/// A form that closes hides its controls before it goes: they lose the focus then, and nobody has left them.
+[[nodiscard]] bool isFormGone(const QWidget* control);
+
 /// Names of all loaded windows, the MDI window's among them, in the order of their loading.
 [[nodiscard]] QStringList LoadedFormNames();
 

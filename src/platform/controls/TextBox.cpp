@@ -1,7 +1,9 @@
 #include "platform/controls/TextBox.h"
 
+#include "platform/controls/Form.h"
 #include "platform/controls/Keys.h"
 
+#include <QFocusEvent>
 #include <QKeyEvent>
 
 namespace controls {
@@ -21,6 +23,20 @@ void TextBox::keyPressEvent(QKeyEvent* event)
         QLineEdit::keyPressEvent(event);
     else
         event->accept();
+}
+
+void TextBox::focusOutEvent(QFocusEvent* event)
+{
+    QLineEdit::focusOutEvent(event);
+    // Another window or a menu in front is no end of the entry, and a hidden box can't have the focus back.
+    const auto reason = event->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
+        reason == Qt::MenuBarFocusReason || isFormGone(this))
+        return;
+    bool cancel = false;
+    emit Validate(cancel);
+    if (cancel && isVisible())
+        setFocus();
 }
 
 } // namespace controls
