@@ -1,5 +1,6 @@
 #include "app/Ordenes.h"
 
+#include "app/Ordenes_BD.h"
 #include "app/Ordenes_Objetos.h"
 #include "app/Ordenes_Scripts.h"
 #include "browser/frmAdministrador.h"
@@ -63,6 +64,8 @@ void EnlazaOrdenes()
     enlaza(m->mnuConectar, mnuConectar_Click);
     enlaza(m->mnuAdministrador, mnuAdministrador_Click);
     enlaza(m->mnuAnalizadorConsultas, mnuAnalizadorConsultas_Click);
+    enlaza(m->mnuNuevaBD, mnuNuevaBD_Click);
+    enlaza(m->mnuPropiedadesBD, mnuPropiedadesBD_Click);
     enlaza(m->mnuAñadirVista, mnuAñadirVista_Click);
     enlaza(m->mnuAñadirProcedimiento, mnuAñadirProcedimiento_Click);
     enlaza(m->mnuDiseño, mnuDiseño_Click);
