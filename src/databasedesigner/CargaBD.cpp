@@ -54,7 +54,8 @@ void PonFichero(Matriz& archivos, int fila, const ado::Recordset& ficheros, cons
     const bool deDatos = idGrupo != u"0"_s;
     const QString ruta = TextoCampo(ficheros, u"FileName"_s).trimmed();
     const QString paginas = TextoCampo(ficheros, u"Size"_s);
-    archivos(fila, ColArchivo::Nombre) = TextoCampo(ficheros, u"Name"_s);
+    // The catalog pads names with blanks, which statements take off anyway.
+    archivos(fila, ColArchivo::Nombre) = TextoCampo(ficheros, u"Name"_s).trimmed();
     archivos(fila, ColArchivo::Ubicacion) = ruta.left(ruta.lastIndexOf(u'\\') + 1);
     archivos(fila, ColArchivo::Grupo) = deDatos ? DameGrupoFichero(idGrupo) : u"LOG"_s;
     archivos(fila, ColArchivo::Tamaño) = deDatos ? basic::text(MBEnteros(paginas)) : EnMB(paginas);
@@ -77,10 +78,18 @@ QString FechaYHora(const basic::Variant& valor)
     return momento->day.toString(u"dd/MM/yyyy "_s) + hora.toString(u"HH:mm"_s);
 }
 
-// True when the query has a row.
+// True when the query has a row. The statements of the text that give none have results without columns.
 bool AbreFicha(ado::Recordset& registros, const QString& texto)
 {
-    return CreaRecordset(ConexionSQL, registros, texto) && registros.RecordCount() > 0;
+    if (!CreaRecordset(ConexionSQL, registros, texto))
+        return false;
+    while (registros.FieldCount() == 0) {
+        auto siguiente = registros.NextRecordset();
+        if (!siguiente)
+            return false;
+        registros = *siguiente;
+    }
+    return registros.RecordCount() > 0;
 }
 
 QString ConsultaTamaño(const QString& nombre)

@@ -113,7 +113,8 @@ try {
     const auto blanca = [rejilla](int c) { return rejilla->Columns(c).Text().trimmed().isEmpty(); };
     switch (columna) {
     case ColArchivo::Nombre:
-        if (rejilla->Columns(ColArchivo::Grupo).Text().isEmpty())
+        // A file of the server always has a unit, also where its group could not be looked up.
+        if (rejilla->Columns(ColArchivo::Grupo).Text().isEmpty() && blanca(ColArchivo::Unidad))
             PonPorDefecto(rejilla, esLog ? u"LOG"_s : u"PRIMARY"_s);
         return true;
     case ColArchivo::Tamaño:
