@@ -67,8 +67,9 @@ void PonMarca(const controls::GridColumn& columna)
     columna.ValueItems().setPresentation(Presentacion::CheckBox);
 }
 
-constexpr int LetrasNombre = 22;
-constexpr int LetrasRuta = 40;
+constexpr int LetrasUsuario = 16;
+constexpr int LetrasNombre = 20;
+constexpr int LetrasRuta = 32;
 
 } // namespace
 
@@ -106,8 +107,7 @@ void frmPropiedadesBD::PonColumnas()
 
     TDBGridPermisos->setColumnCount(ColPermiso::UltimaVisible + 1);
     TDBGridPermisos->Columns(ColPermiso::Usuario).setCaption(u"Usuario"_s);
-    TDBGridPermisos->Columns(ColPermiso::Usuario).setLocked(true);
-    PonAncho(TDBGridPermisos, ColPermiso::Usuario, LetrasNombre);
+    PonAncho(TDBGridPermisos, ColPermiso::Usuario, LetrasUsuario);
     for (int columna = ColPermiso::CrearBD; columna <= ColPermiso::UltimaVisible; ++columna)
         TDBGridPermisos->Columns(columna).setCaption(TituloPermiso(columna));
 }

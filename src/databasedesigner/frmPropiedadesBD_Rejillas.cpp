@@ -78,10 +78,11 @@ void frmPropiedadesBD::EnlazaRejillas()
                 TDBGridTransacciones_BeforeColUpdate(columna, cancela);
             });
     connect(TDBGridGrupos, &DataGrid::KeyPress, this, &frmPropiedadesBD::TDBGridGrupos_KeyPress);
-    // The row below the users has nobody to grant to.
+    // Users are not renamed here, and the row below them has nobody to grant to.
     connect(TDBGridPermisos, &DataGrid::BeforeColEdit, this,
-            [this](int /*columna*/, int /*tecla*/, bool& cancela) {
-                cancela = TDBGridPermisos->Columns(ColPermiso::Usuario).Text().isEmpty();
+            [this](int columna, int /*tecla*/, bool& cancela) {
+                cancela = columna == ColPermiso::Usuario ||
+                          TDBGridPermisos->Columns(ColPermiso::Usuario).Text().isEmpty();
             });
     connect(TDBGridPermisos, &DataGrid::AfterColUpdate, this,
             &frmPropiedadesBD::TDBGridPermisos_AfterColUpdate);
