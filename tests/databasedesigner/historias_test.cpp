@@ -198,4 +198,106 @@ TEST_F(HistoriasBD, MasterAndModelAreClosedWithoutAStatement)
     }
 }
 
+TEST_F(HistoriasBD, GrowthByPercentAndMBInALocaleWithADecimalComma)
+{
+    const QLocale antes;
+    QLocale::setDefault(QLocale(u"es_ES"_s));
+    Prepara(Es, {u"alter database Obra modify file (name = Obra, filegrowth = 576KB)"_s,
+                 u"alter database Obra modify file (name = Obra_log, filegrowth = 1600KB)"_s});
+    auto* forma = Propiedades(u"Obra"_s);
+    EXPECT_EQ(forma->Datos.TransaccionesBD.at(0, ColArchivo::Cantidad), u"1,5625"_s);
+    const QString existente = forma->Datos.ArchivosBD.at(0, ColArchivo::Tamaño);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+    auto* archivos = forma->TDBGridArchivos;
+    mano::PonCelda(archivos, 0, ColArchivo::Cantidad, u"2,5"_s);
+    mano::PonCelda(archivos, 0, ColArchivo::Tamaño, u"30,25"_s);
+    mano::PonCelda(archivos, 1, ColArchivo::Nombre, u"mas"_s);
+    mano::Escribe(Carpeta());
+    mano::Tecla(Qt::Key_Return);
+    mano::PonCelda(archivos, 1, ColArchivo::Tamaño, u"3,5"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Transacciones);
+    Llegado();
+    Acepta(forma);
+    // A size above the growth is sent as the growth; a log's growth is sent with its comma, which is refused.
+    EXPECT_EQ(Cambios(), Lineas({u" USE master"_s,
+                                 u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra, SIZE = 2.5MB)"_s}));
+    EXPECT_EQ(Textos().size(), 1) << existente.toStdString();
+    QLocale::setDefault(antes);
+}
+
+TEST_F(HistoriasBD, ARenamedDatabaseGoesOnUnderItsNewName)
+{
+    Prepara(En);
+    Ejecuta({u"if db_id('Palacio') is not null drop database Palacio"_s});
+    auto* forma = Propiedades(u"Obra"_s);
+    Nombra(forma, u"OBRA"_s);
+    Llegado();
+    EXPECT_TRUE(Acepta(forma)) << "only the case has changed";
+    EXPECT_FALSE(Cambios().contains(u"sp_renamedb"_s));
+
+    forma = Propiedades(u"Obra"_s);
+    Nombra(forma, QString());
+    mano::Tecla(Qt::Key_Backspace);
+    EXPECT_FALSE(Acepta(forma));
+    EXPECT_EQ(Textos(), QStringList{u"Insert database name."_s});
+    Nombra(forma, u"Palacio"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+    mano::ClicCelda(forma->TDBGridArchivos, 0, ColArchivo::Automatico); // a file without growth is refused
+    Llegado();
+    EXPECT_FALSE(Acepta(forma));
+    EXPECT_TRUE(Cambios().startsWith(u" EXEC sp_renamedb 'Obra','Palacio'\n USE master\n"_s));
+    EXPECT_EQ(Avisos().size(), 1);
+    mano::ClicCelda(forma->TDBGridArchivos, 0, ColArchivo::Automatico);
+    mano::PonCelda(forma->TDBGridArchivos, 0, ColArchivo::Cantidad, u"10"_s);
+    EXPECT_TRUE(Acepta(forma)) << Textos().join(u'|').toStdString();
+    EXPECT_TRUE(Cambios().startsWith(u" USE master\n"_s)) << "it has its new name already";
+    Ejecuta({u"exec sp_renamedb 'Palacio', 'Obra'"_s});
+}
+
+TEST_F(HistoriasBD, ANewDatabaseWithAnotherNameThanOfferedRenamesTheOneOffered)
+{
+    Prepara(Es);
+    Ejecuta({u"if db_id('Casa') is not null drop database Casa"_s});
+    BaseDatosActual = u"Obra"_s;
+    auto* forma = Nueva();
+    EXPECT_EQ(forma->txtNombreBD->Text(), u"Obra"_s);
+    Nombra(forma, u"Casa"_s);
+    Llegado();
+    EXPECT_FALSE(Acepta(forma));
+    EXPECT_EQ(Cambios(),
+              Lineas({u" EXEC sp_renamedb 'Obra','Casa'"_s, u" USE master"_s, u"CREATE DATABASE Casa\r"_s}));
+    EXPECT_EQ(Avisos().size(), 1);
+    mano::Clic(forma->cmdCancelar);
+    Ejecuta({u"exec sp_renamedb 'Casa', 'Obra'"_s});
+}
+
+TEST_F(HistoriasBD, BadInputIsRefusedInWordsAndNothingIsLost)
+{
+    Prepara(Es);
+    const QString antes = Ficheros(u"Obra"_s);
+    const auto nuevo = [this](const QString& nombre, const QString& tamaño) {
+        auto* forma = Propiedades(u"Obra"_s);
+        mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+        mano::PonCelda(forma->TDBGridArchivos, 1, ColArchivo::Nombre, nombre);
+        mano::Escribe(Carpeta());
+        mano::Tecla(Qt::Key_Return);
+        mano::Escribe(tamaño);
+        mano::Tecla(Qt::Key_Return);
+        const bool rehusada = !Avisos().isEmpty(); // by the cell already
+        if (!rehusada) {
+            ASSERT_FALSE(Acepta(forma)) << nombre.toStdString() << tamaño.toStdString();
+            EXPECT_GE(Avisos().size(), 1);
+        }
+        EXPECT_EQ(rehusada, tamaño == u"-1"_s || tamaño == u"letras"_s);
+        EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+        mano::Clic(forma->cmdCancelar);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    for (const QString& nombre : {u"o'tro"_s, u"dos palabras"_s, u"a]b"_s, u"[a"_s, u"a,b"_s, u"a)"_s})
+        nuevo(nombre, u"1"_s);
+    for (const QString& tamaño : {u"0"_s, u"-1"_s, u"1e10"_s, u"letras"_s})
+        nuevo(u"nuevo"_s, tamaño);
+    EXPECT_EQ(Ficheros(u"Obra"_s), antes);
+}
+
 } // namespace pruebas
