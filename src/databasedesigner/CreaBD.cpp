@@ -9,7 +9,7 @@ namespace {
 
 QString ClausulaTamañoInicial(const Matriz& archivos, int fila)
 {
-    const QString tamaño = archivos.at(fila, ColArchivo::Tamaño);
+    const QString& tamaño = archivos.at(fila, ColArchivo::Tamaño);
     if (TomaCantidad(archivos, fila))
         return u" SIZE = "_s + NumeroSQL(archivos.at(fila, ColArchivo::Cantidad)) + u"MB,"_s;
     if (basic::toDouble(tamaño) < 1)
@@ -33,7 +33,7 @@ QString ClausulaGrupo(Matriz& archivos, int fila, QString& grupoAnterior)
 {
     if (archivos.at(fila, ColArchivo::Grupo).isEmpty())
         archivos(fila, ColArchivo::Grupo) = u"PRIMARY"_s;
-    const QString grupo = archivos.at(fila, ColArchivo::Grupo);
+    QString grupo = archivos.at(fila, ColArchivo::Grupo);
     if (grupo.toUpper() != u"PRIMARY"_s)
         return u" FILEGROUP "_s + grupo;
     if (grupoAnterior == grupo)

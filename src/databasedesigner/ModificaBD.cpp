@@ -39,7 +39,7 @@ struct ClaseArchivo
 // Of a log's growth the amount is written as the locale has it.
 QString CantidadSQL(const ClaseArchivo& clase, const Matriz& archivos, int fila)
 {
-    const QString cantidad = archivos.at(fila, ColArchivo::Cantidad);
+    const QString& cantidad = archivos.at(fila, ColArchivo::Cantidad);
     return clase.esLog ? cantidad : NumeroSQL(cantidad);
 }
 

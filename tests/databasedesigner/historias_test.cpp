@@ -225,6 +225,45 @@ TEST_F(HistoriasBD, GrowthByPercentAndMBInALocaleWithADecimalComma)
     QLocale::setDefault(antes);
 }
 
+TEST_F(HistoriasBD, GroupsFilesAndGrowthReachTheServerInTheirOrder)
+{
+    Prepara(En);
+    auto* forma = Propiedades(u"Obra"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+    auto* archivos = forma->TDBGridArchivos;
+    mano::PonCelda(archivos, 0, ColArchivo::Cantidad, u"25"_s);
+    mano::PonCelda(archivos, 1, ColArchivo::Nombre, u"dos"_s);
+    mano::Escribe(Carpeta());
+    mano::Tecla(Qt::Key_Return);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Grupos);
+    mano::PonCelda(forma->TDBGridGrupos, 1, ColGrupo::Nombre, u"SEC"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+    mano::PonCelda(archivos, 1, ColArchivo::Grupo, u"SEC"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Transacciones);
+    mano::PonCelda(forma->TDBGridTransacciones, 0, ColArchivo::Unidad, u"En Megabytes"_s);
+    mano::Escribe(u"3"_s);
+    mano::Tecla(Qt::Key_Return);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Opciones);
+    mano::Clic(forma->chkReducir);
+    mano::Tecla(Qt::Key_Return);
+    forma->cboModelo->setFocus();
+    mano::Tecla(Qt::Key_End);
+    Llegado();
+    EXPECT_TRUE(Acepta(forma));
+    EXPECT_EQ(Textos(), QStringList());
+    EXPECT_EQ(Cambios(),
+              Lineas({u" USE master"_s, u"ALTER DATABASE Obra\r ADD FILEGROUP SEC"_s,
+                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra,FILEGROWTH=25%)"_s,
+                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra, MAXSIZE =UNLIMITED)"_s,
+                      u"ALTER DATABASE Obra\r ADD FILE  (NAME = dos, FILENAME = '"_s + Carpeta() +
+                          u"dos.ndf', SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%) TO FILEGROUP SEC"_s,
+                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra_log,FILEGROWTH=3MB)"_s,
+                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra_log, MAXSIZE =UNLIMITED)"_s}) +
+                  Opciones(u"Obra"_s, u"SIMPLE"_s).replace(u"SHRINK OFF"_s, u"SHRINK ON"_s));
+    EXPECT_EQ(Consulta(u"select rtrim(name) + str(growth,4) from Obra..sysfiles order by fileid"_s),
+              u"Obra  25|Obra_log 384|dos  10"_s);
+}
+
 TEST_F(HistoriasBD, ARenamedDatabaseGoesOnUnderItsNewName)
 {
     Prepara(En);

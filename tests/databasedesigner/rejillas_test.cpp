@@ -144,6 +144,21 @@ TEST_F(RejillasBD, AFileIsNotShrunkAndItsGroupMustBeThere)
     EXPECT_EQ(Celda(1, ColArchivo::Grupo), u"viejos"_s);
 }
 
+TEST_F(RejillasBD, AcceptByItsKeyTakesTheTypedTextInAndStaysWhenACellRefusesIt)
+{
+    Abre(En);
+    mano::ClicCelda(archivos, 0, ColArchivo::Tamaño);
+    mano::Escribe(u"0"_s);
+    mano::Tecla(Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(Textos(), QStringList{u"Initial size must be major that exists."_s});
+    EXPECT_EQ(Cambios(), QString());
+    mano::ClicCelda(archivos, 0, ColArchivo::Cantidad);
+    mano::Escribe(u"77"_s);
+    mano::Tecla(Qt::Key_A, Qt::AltModifier);
+    EXPECT_TRUE(Cambios().contains(u"FILEGROWTH=77%"_s));
+    EXPECT_EQ(Textos(), QStringList());
+}
+
 TEST_F(RejillasBD, DeleteActsAtOnceAndABlankRowKeepsWhatWasTyped)
 {
     Abre(Es, {u"alter database Obra add filegroup VIEJOS"_s,
