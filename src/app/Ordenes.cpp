@@ -1,5 +1,6 @@
 #include "app/Ordenes.h"
 
+#include "app/Ordenes_BD.h"
 #include "app/Ordenes_Copias.h"
 #include "app/Ordenes_Objetos.h"
 #include "app/Ordenes_Scripts.h"
@@ -65,6 +66,8 @@ void EnlazaOrdenes()
     enlaza(m->mnuConectar, mnuConectar_Click);
     enlaza(m->mnuAdministrador, mnuAdministrador_Click);
     enlaza(m->mnuAnalizadorConsultas, mnuAnalizadorConsultas_Click);
+    enlaza(m->mnuNuevaBD, mnuNuevaBD_Click);
+    enlaza(m->mnuPropiedadesBD, mnuPropiedadesBD_Click);
     enlaza(m->mnuAñadirTabla, mnuAñadirTabla_Click);
     enlaza(m->mnuAñadirVista, mnuAñadirVista_Click);
     enlaza(m->mnuAñadirProcedimiento, mnuAñadirProcedimiento_Click);

@@ -9,6 +9,8 @@
 #include "platform/controls/Pointer.h"
 #include "platform/controls/TextBox.h"
 
+#include <QKeyEvent>
+
 #include <cstddef>
 #include <exception>
 #include <new>
@@ -39,6 +41,21 @@ QString CodigoMostrado(const Condicion& primera, std::initializer_list<Condicion
         return primera.Valor;
     return primera.Valor + u"/"_s + grupo(0).Valor;
 }
+
+/// Takes Enter from a control.
+class FiltroEntrada : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* /*control*/, QEvent* evento) override
+    {
+        if (evento->type() != QEvent::KeyPress)
+            return false;
+        const int tecla = static_cast<QKeyEvent*>(evento)->key();
+        return (tecla == Qt::Key_Return || tecla == Qt::Key_Enter) && SalidaCampo(Enter) == 0;
+    }
+};
 
 } // namespace
 
@@ -162,6 +179,11 @@ void EnlazaSalidaCampo(controls::TextBox* Caja)
 {
     QObject::connect(Caja, &controls::TextBox::KeyPress, Caja,
                      [](int& KeyAscii) { KeyAscii = SalidaCampo(KeyAscii); });
+}
+
+void EnlazaSalidaCampo(QWidget* Control)
+{
+    Control->installEventFilter(new FiltroEntrada(Control));
 }
 
 void MuestraError(const QString& Texto, const QString& Procedimiento, int Numero, const QString& Descripcion)

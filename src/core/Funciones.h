@@ -9,6 +9,8 @@
 #include <initializer_list>
 #include <optional>
 
+class QWidget;
+
 namespace controls {
 class ComboBox;
 class TextBox;
@@ -64,6 +66,8 @@ int SalidaCampo(int KeyAscii);
 
 /// Makes Enter in a text box leave it as Tab would.
 void EnlazaSalidaCampo(controls::TextBox* Caja);
+/// The same for a control that takes no text.
+void EnlazaSalidaCampo(QWidget* Control);
 
 /// Shows an error with its number and description. `Texto` and `Procedimiento` show only in the last
 /// resort, when that box itself fails.

@@ -7,13 +7,8 @@
 #include "platform/controls/Pointer.h"
 #include "tabledesigner/Campos.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QMdiSubWindow>
 #include <QRegularExpression>
-#include <QTabBar>
 #include <QTest>
-#include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,23 +20,6 @@ bool EsConsulta(const QString& sentencia)
     static const QRegularExpression consulta(u"^\\s*(select|exec sp_fkeys|exec sp_helpindex)"_s,
                                              QRegularExpression::CaseInsensitiveOption);
     return consulta.match(sentencia).hasMatch();
-}
-
-QWidget* Teclado()
-{
-    return QApplication::activePopupWidget() ? QApplication::activePopupWidget()
-                                             : QApplication::focusWidget();
-}
-
-/// What is under way; and the main window comes back when a list has closed, as a window manager does it.
-void Atiende()
-{
-    QCoreApplication::processEvents();
-    if (QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
-        QApplication::activeWindow() == &*::mdiPrincipal)
-        return;
-    ::mdiPrincipal->activateWindow();
-    QCoreApplication::processEvents();
 }
 
 } // namespace
@@ -123,55 +101,6 @@ bool Mesa::Cierra(controls::Answer contestacion)
     return forma.isNull();
 }
 
-void Mesa::Clic(QWidget* control, const QPoint& punto, Qt::MouseButton boton)
-{
-    QWidget* ventana = control->window();
-    const QPoint lugar = control->mapTo(ventana, punto);
-    const QWidget* debajo = ventana->childAt(lugar);
-    ASSERT_TRUE(debajo == control || control->isAncestorOf(debajo))
-        << "covered by " << (debajo ? debajo->objectName().toStdString() : "nothing");
-    QTest::mouseMove(ventana->windowHandle(), lugar);
-    QTest::mouseClick(ventana->windowHandle(), boton, {}, lugar);
-    Atiende();
-}
-
-void Mesa::Clic(QWidget* control)
-{
-    const auto* boton = qobject_cast<QAbstractButton*>(control);
-    constexpr int Marca = 8; // of a tick box or option, whose caption need not fill the rest
-    const QPoint centro = control->rect().center();
-    Clic(control, boton != nullptr && boton->isCheckable() ? QPoint(Marca, centro.y()) : centro);
-}
-
-void Mesa::ClicCelda(controls::DataGrid* rejilla, int fila, int columna, Qt::MouseButton boton)
-{
-    const QRect celda = rejilla->cellRect(fila, columna) & rejilla->viewport()->rect();
-    ASSERT_FALSE(celda.isEmpty()) << "out of sight: " << fila << "," << columna;
-    Clic(rejilla->viewport(), celda.center(), boton);
-}
-
-void Mesa::ClicEntrada(QMenu* menu, QAction* entrada)
-{
-    ASSERT_TRUE(menu->isVisible());
-    const QPoint punto = menu->actionGeometry(entrada).center();
-    QTest::mouseMove(menu->windowHandle(), punto);
-    QTest::mouseClick(menu->windowHandle(), Qt::LeftButton, {}, punto);
-    QTest::qWait(1);
-}
-
-void Mesa::Escribe(const QString& texto)
-{
-    for (const char32_t letra : texto.toUcs4())
-        QTest::sendKeyEvent(QTest::Click, Teclado(), Qt::Key_unknown, QString::fromUcs4(&letra, 1), {});
-}
-
-void Mesa::Tecla(int tecla, Qt::KeyboardModifiers con)
-{
-    ASSERT_NE(Teclado(), nullptr);
-    QTest::keyClick(Teclado(), static_cast<Qt::Key>(tecla), con);
-    Atiende();
-}
-
 void Mesa::VeA(controls::DataGrid* rejilla, int fila, int columna)
 {
     rejilla->SetFocus();
@@ -190,15 +119,9 @@ bool Mesa::BloqueoDeLongitud(const QString& tipo)
 
 void Mesa::PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto)
 {
-    // A click into the current cell would begin an edit behind its text.
-    if (rejilla->Bookmark() != fila || rejilla->Col() != columna || !rejilla->hasFocus()) {
-        if (rejilla->viewport()->rect().contains(rejilla->cellRect(fila, columna)))
-            ClicCelda(rejilla, fila, columna);
-        else
-            VeA(rejilla, fila, columna);
-    }
-    Escribe(texto);
-    Tecla(Qt::Key_Return);
+    if (!rejilla->viewport()->rect().contains(rejilla->cellRect(fila, columna)))
+        VeA(rejilla, fila, columna);
+    mano::PonCelda(rejilla, fila, columna, texto);
 }
 
 void Mesa::BuscaExterna(formularios::frmTabla* forma, const QString& tabla)
@@ -212,8 +135,7 @@ void Mesa::BuscaExterna(formularios::frmTabla* forma, const QString& tabla)
 
 void Mesa::Pagina(formularios::frmTabla* forma, int pagina)
 {
-    auto* pestañas = forma->SSTabIndicesRelaciones->tabBar();
-    Clic(pestañas, pestañas->tabRect(pagina).center());
+    ClicPestaña(forma->SSTabIndicesRelaciones, pagina);
 }
 
 Fila Mesa::FilaDe(const formularios::frmTabla* forma, int fila)

@@ -3,12 +3,15 @@
 #pragma once
 
 #include "Consola.h"
+#include "Mano.h"
 #include "platform/controls/DataGrid.h"
 #include "tabledesigner/frmTabla.h"
 
 #include <QStringList>
 
 namespace pruebas {
+
+using namespace mano;
 
 /// A column of a design as a row of the grid: name, type number, length, precision, scale, null, default.
 using Fila = QStringList;
@@ -32,17 +35,9 @@ protected:
     /// Closes the active designer by key, and answers its questions. Whether it has gone.
     bool Cierra(controls::Answer contestacion);
 
-    /// By hand: a click where the pointer would be, which must lie on `control`; keys to what has the focus.
-    static void Clic(QWidget* control, const QPoint& punto, Qt::MouseButton boton = Qt::LeftButton);
-    static void Clic(QWidget* control);
-    static void ClicCelda(controls::DataGrid* rejilla, int fila, int columna,
-                          Qt::MouseButton boton = Qt::LeftButton);
-    static void ClicEntrada(QMenu* menu, QAction* entrada);
-    static void Escribe(const QString& texto);
-    static void Tecla(int tecla, Qt::KeyboardModifiers con = Qt::NoModifier);
     /// Goes to a cell by the arrow keys, wherever the page stands.
     static void VeA(controls::DataGrid* rejilla, int fila, int columna);
-    /// A cell's text typed and left by Enter.
+    /// A cell's text typed and left by Enter, also of a cell that is out of sight.
     static void PonCelda(controls::DataGrid* rejilla, int fila, int columna, const QString& texto);
     /// Chooses the referenced table by the keys of its list.
     static void BuscaExterna(formularios::frmTabla* forma, const QString& tabla);

@@ -3,7 +3,6 @@
 #include "engine/backup/backup_work.h"
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
-#include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"
 
 namespace practice {

@@ -199,8 +199,7 @@ FieldReader describeField(SQLHSTMT statement, SQLUSMALLINT number, Driver::Famil
     name.truncate(nameLength);
     FieldReader reader = readerOf(statement, number, type, length, scale, family);
     reader.column.name = name;
-    const int mostDigits =
-        reader.column.kind == FieldKind::Decimal ? field::mostDecimalDigits : tickDigits;
+    const int mostDigits = reader.column.kind == FieldKind::Decimal ? field::mostDecimalDigits : tickDigits;
     if (reader.column.scale < 0 || reader.column.scale > mostDigits)
         basic::raise(
             number::DriverFailure,

@@ -9,11 +9,20 @@ static void loadResources()
 
 namespace controls {
 
-ImageList::ImageList(QObject* parent) : QObject(parent)
+namespace {
+
+QIcon drawing(const QString& name)
 {
     loadResources();
+    return QIcon(QStringLiteral(":/icons/%1.svg").arg(name));
+}
+
+} // namespace
+
+ImageList::ImageList(QObject* parent) : QObject(parent)
+{
     for (const QString& key : keys())
-        m_icons += QIcon(QStringLiteral(":/icons/%1.svg").arg(key));
+        m_icons += drawing(key);
 }
 
 const QStringList& ImageList::keys()
@@ -36,8 +45,22 @@ QIcon ImageList::icon(const QString& key) const
 
 QIcon ImageList::applicationIcon()
 {
-    loadResources();
-    return QIcon(QStringLiteral(":/icons/Quermo.svg"));
+    return drawing(QStringLiteral("Quermo"));
+}
+
+QIcon ImageList::grantedIcon()
+{
+    return drawing(QStringLiteral("PermisoConcedido"));
+}
+
+QIcon ImageList::deniedIcon()
+{
+    return drawing(QStringLiteral("PermisoDenegado"));
+}
+
+QIcon ImageList::unsetIcon()
+{
+    return drawing(QStringLiteral("PermisoNulo"));
 }
 
 } // namespace controls

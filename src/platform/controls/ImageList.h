@@ -20,6 +20,10 @@ public:
     /// Error 35601 for a key that the list has not.
     [[nodiscard]] QIcon icon(const QString& key) const;
     [[nodiscard]] static QIcon applicationIcon();
+    /// The three states of a right in a grid, told apart by their shape too.
+    [[nodiscard]] static QIcon grantedIcon();
+    [[nodiscard]] static QIcon deniedIcon();
+    [[nodiscard]] static QIcon unsetIcon();
 
 private:
     QList<QIcon> m_icons;
