@@ -4,7 +4,7 @@
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 
-#include <QLocale>
+#include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -150,11 +150,13 @@ TEST_F(RejillasBD, AcceptByItsKeyTakesTheTypedTextInAndStaysWhenACellRefusesIt)
     mano::ClicCelda(archivos, 0, ColArchivo::Tamaño);
     mano::Escribe(u"0"_s);
     mano::Tecla(Qt::Key_A, Qt::AltModifier);
+    QTest::qWait(200); // the button goes down and up
     EXPECT_EQ(Textos(), QStringList{u"Initial size must be major that exists."_s});
     EXPECT_EQ(Cambios(), QString());
     mano::ClicCelda(archivos, 0, ColArchivo::Cantidad);
     mano::Escribe(u"77"_s);
     mano::Tecla(Qt::Key_A, Qt::AltModifier);
+    QTest::qWait(200); // the button goes down and up
     EXPECT_TRUE(Cambios().contains(u"FILEGROWTH=77%"_s));
     EXPECT_EQ(Textos(), QStringList());
 }
