@@ -4,6 +4,7 @@
 #include "engine/messages/errors.h"
 
 namespace practice {
+
 bool hasStatementPermission(SessionContext& session, int databaseId, int uid, const char* statement)
 {
     constexpr int granted = 206; // 204 and 205 grant, 206 denies
