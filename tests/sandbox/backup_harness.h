@@ -37,8 +37,8 @@ public:
         std::string state;
         for (const char* query :
              {"SELECT name, id, xtype, uid, parent_obj, crdate#sysobjects ORDER BY id",
-              "SELECT id, colid, name, xtype, length, prec, scale, isnullable, cdefault#syscolumns ORDER BY "
-              "1, 2",
+              "SELECT id, colid, name, xtype, length, prec, scale#syscolumns ORDER BY id, colid",
+              "SELECT id, colid, isnullable, cdefault#syscolumns ORDER BY id, colid",
               "SELECT id, colid, collation#syscolumns ORDER BY id, colid",
               "SELECT id, indid, name, status, OrigFillFactor, groupid#sysindexes ORDER BY id, indid",
               "SELECT id, indid, colid, keyno#sysindexkeys ORDER BY id, indid, keyno",
@@ -56,8 +56,9 @@ public:
         state +=
             run("SELECT DATABASEPROPERTYEX('" + database + "', 'Recovery'), DATABASEPROPERTYEX('" + database +
                 "', 'IsAnsiNullDefault'), DATABASEPROPERTYEX('" + database + "', 'Collation')");
+        const std::string prefix = database + "..";
         for (const std::string& table : tablesOf(database)) {
-            const std::string full = database + ".." + table;
+            const std::string full = prefix + table;
             state.append(table).append("\n").append(run("SELECT * FROM " + full + " ORDER BY 1, 2"));
             state += run("SELECT IDENT_CURRENT('" + full + "')");
         }
