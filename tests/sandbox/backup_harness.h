@@ -37,17 +37,16 @@ public:
         std::string state;
         for (const char* query :
              {"SELECT name, id, xtype, uid, parent_obj, crdate#sysobjects ORDER BY id",
-              "SELECT id, colid, name, xtype, length, prec, scale, isnullable, collation, "
-              "cdefault#syscolumns "
-              "ORDER BY id, colid",
+              "SELECT id, colid, name, xtype, length, prec, scale#syscolumns ORDER BY id, colid",
+              "SELECT id, colid, isnullable, cdefault#syscolumns ORDER BY id, colid",
+              "SELECT id, colid, collation#syscolumns ORDER BY id, colid",
               "SELECT id, indid, name, status, OrigFillFactor, groupid#sysindexes ORDER BY id, indid",
               "SELECT id, indid, colid, keyno#sysindexkeys ORDER BY id, indid, keyno",
               "SELECT id, colid, text#syscomments ORDER BY id, colid",
               "SELECT constid, fkeyid, rkeyid, fkey1, rkey1#sysreferences ORDER BY constid",
               "SELECT uid, name, sid, issqlrole, hasdbaccess#sysusers ORDER BY uid",
               "SELECT memberuid, groupuid#sysmembers ORDER BY groupuid, memberuid",
-              "SELECT id, uid, action, protecttype, columns, grantor#sysprotects ORDER BY id, uid, action, "
-              "protecttype",
+              "SELECT id, uid, action, protecttype, columns, grantor#sysprotects ORDER BY 1, 2, 3, 4",
               "SELECT fileid, groupid, size, maxsize, growth, name#sysfiles ORDER BY fileid",
               "SELECT groupid, groupname, status#sysfilegroups ORDER BY groupid"}) {
             std::string text = query;
@@ -57,9 +56,11 @@ public:
         state +=
             run("SELECT DATABASEPROPERTYEX('" + database + "', 'Recovery'), DATABASEPROPERTYEX('" + database +
                 "', 'IsAnsiNullDefault'), DATABASEPROPERTYEX('" + database + "', 'Collation')");
+        const std::string prefix = database + "..";
         for (const std::string& table : tablesOf(database)) {
-            state += table + '\n' + run("SELECT * FROM " + database + ".." + table + " ORDER BY 1, 2");
-            state += run("SELECT IDENT_CURRENT('" + database + ".." + table + "')");
+            const std::string full = prefix + table;
+            state.append(table).append("\n").append(run("SELECT * FROM " + full + " ORDER BY 1, 2"));
+            state += run("SELECT IDENT_CURRENT('" + full + "')");
         }
         EXPECT_EQ(state.find("Msg "), std::string::npos) << state;
         return state;
