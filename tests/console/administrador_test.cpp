@@ -295,6 +295,16 @@ TEST_F(Administrador, FilegroupsAreCapturedWithTheirFilesAndFlags)
     ConexionSQL.Execute(u"alter database Banco remove filegroup Segundo"_s);
 }
 
+TEST_F(Administrador, AMinimizedFormComesBackWhenItIsOpenedAgain)
+{
+    Prepara(Es);
+    ::frmAdministrador->setWindowStateValue(controls::Form::Minimized);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    EXPECT_EQ(::frmAdministrador->windowStateValue(), controls::Form::Minimized);
+    Abre(::mdiPrincipal->mnuAdministrador);
+    EXPECT_EQ(::frmAdministrador->windowStateValue(), controls::Form::Normal);
+}
+
 TEST_F(Administrador, ClosingTheFormTakesItsMenuAway)
 {
     Prepara(Es);

@@ -4,6 +4,7 @@
 #include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
+#include "platform/controls/ComboBox.h"
 #include "query/frmAnalizadorConsultas.h"
 #include "support/PracticeServer.h"
 
@@ -210,6 +211,29 @@ TEST_F(Consultas, AnExistingRecordIsAnnouncedWithItsWholeCode)
     EXPECT_EQ(Avisos(), QList<Aviso>{});
     EXPECT_TRUE(existe(true, {u"nada"_s, u"1"_s, TipoCondicion::Numerico}, {})) << "a failed query";
     EXPECT_EQ(Avisos().size(), 1);
+}
+
+TEST_F(Consultas, RecordsAreOpenedAtTheClientAndByTheirKeys)
+{
+    ArrancaYConecta(Es);
+    ado::Recordset registros;
+    EXPECT_TRUE(CreaRecordset(ConexionSQL, registros, u"select 1"_s));
+    EXPECT_EQ(registros.CursorType(), 1);
+    EXPECT_EQ(registros.CursorLocation(), 3);
+    EXPECT_EQ(registros.RecordCount(), 1);
+    EXPECT_FALSE(CreaRecordset(ConexionSQL, registros, u"select nada"_s));
+    EXPECT_EQ(Avisos().size(), 1);
+}
+
+TEST_F(Consultas, AComboIsSearchedForTheTrimmedText)
+{
+    controls::ComboBox combo;
+    for (const QString& texto : {u"uno"_s, u" dos "_s, u"dos"_s})
+        combo.AddItem(texto);
+    EXPECT_TRUE(BuscarComboCadena(u"dos"_s, &combo));
+    EXPECT_EQ(combo.ListIndex(), 1) << "the first that fits";
+    EXPECT_FALSE(BuscarComboCadena(u"Dos"_s, &combo));
+    EXPECT_EQ(combo.ListIndex(), -1);
 }
 
 TEST_F(Consultas, ARecordIsLookedForByItsConditions)
