@@ -281,6 +281,28 @@ TEST_F(Administrador, FilegroupsAreCapturedWithTheirFilesAndFlags)
     EXPECT_EQ(GruposFicheros.at(0, 1), u"1"_s);
     EXPECT_EQ(GruposFicheros.at(1, 0), QString());
     EXPECT_EQ(Avisos(), QList<Aviso>{});
+
+    ConexionSQL.Execute(u"alter database Banco add filegroup Segundo"_s);
+    CapturaGruposFicheros_SQL();
+    const auto marcas = [](int fila) {
+        return GruposFicheros.at(fila, 2) + u' ' + GruposFicheros.at(fila, 3);
+    };
+    EXPECT_EQ(GruposFicheros.at(1, 0), u"Segundo"_s);
+    EXPECT_EQ(GruposFicheros.at(1, 1), u"0"_s);
+    EXPECT_EQ(marcas(0), u"0 -1"_s) << "the default one, status 16";
+    EXPECT_EQ(marcas(1), u"-1 0"_s);
+    EXPECT_EQ(GruposFicheros.at(2, 0), QString());
+    ConexionSQL.Execute(u"alter database Banco remove filegroup Segundo"_s);
+}
+
+TEST_F(Administrador, AMinimizedFormComesBackWhenItIsOpenedAgain)
+{
+    Prepara(Es);
+    ::frmAdministrador->setWindowStateValue(controls::Form::Minimized);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    EXPECT_EQ(::frmAdministrador->windowStateValue(), controls::Form::Minimized);
+    Abre(::mdiPrincipal->mnuAdministrador);
+    EXPECT_EQ(::frmAdministrador->windowStateValue(), controls::Form::Normal);
 }
 
 TEST_F(Administrador, ClosingTheFormTakesItsMenuAway)

@@ -1,8 +1,10 @@
 // The query window: its statements, what it shows, and its faults.
 #include "Consola.h"
 
+#include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
+#include "platform/controls/ComboBox.h"
 #include "query/frmAnalizadorConsultas.h"
 #include "support/PracticeServer.h"
 
@@ -149,6 +151,111 @@ TEST_F(Consultas, AStatementWithoutRowsSaysWhatHappened)
     Corre(u"select a from #t order by a"_s);
     EXPECT_EQ(forma()->lblResultado->text(), u"2 filas"_s);
     EXPECT_EQ(Celda(1, 0), u"3"_s);
+
+    const std::pair<QString, QString> casos[] = {
+        {u"update #t set a = 9 where a = 3"_s, u"1 fila afectada."_s},
+        {u"update #t set a = 9 where a = 3"_s, u"0 filas afectadas."_s},
+        {u"set nocount on update #t set a = 8 set nocount off"_s, u"Instrucción ejecutada."_s},
+        {u"create table #u (a int)"_s, u"Instrucción ejecutada."_s}};
+    for (const auto& [texto, esperado] : casos) {
+        Corre(texto);
+        EXPECT_EQ(forma()->GridSQL->message(), esperado) << texto.toStdString();
+        EXPECT_EQ(forma()->lblResultado->text(), esperado) << texto.toStdString();
+    }
+    Corre(u"update #t set a = 1 where a = 0 update #t set a = 2"_s);
+    EXPECT_EQ(forma()->GridSQL->message(), u"0 filas afectadas.\n2 filas afectadas."_s);
+    EXPECT_EQ(forma()->lblResultado->text(), u"2 filas afectadas."_s);
+    Corre(u"select top 1 a from #t"_s);
+    EXPECT_EQ(forma()->GridSQL->message(), QString());
+    EXPECT_EQ(forma()->lblResultado->text(), u"1 fila"_s);
+    EXPECT_FALSE(forma()->cboResultados->isVisibleTo(forma())) << "a single set needs no choice";
+}
+
+TEST_F(Consultas, ABatchThatGoesOnFailingIsReadUpToAHundredErrors)
+{
+    Prepara(En);
+    Corre(
+        u"select 1 declare @i int set @i = 0 while @i < 150 begin raiserror('mal', 16, 1) set @i = @i + 1 end"_s);
+    EXPECT_EQ(Avisos().size(), 1);
+    EXPECT_EQ(forma()->txtMensajes->toPlainText().count(u"mal"_s), 100);
+    EXPECT_EQ(Celda(0, 0), u"1"_s);
+}
+
+TEST_F(Consultas, AnExistingRecordIsAnnouncedWithItsWholeCode)
+{
+    ArrancaYConecta(Es);
+    PrefijoBD = u"master.dbo."_s;
+    const Condicion nombre{u"name"_s, u"sysobjects"_s, TipoCondicion::Texto};
+    const Condicion tipo{u"xtype"_s, u"S"_s, TipoCondicion::Texto};
+    const Condicion dueño{u"uid"_s, u"1"_s, TipoCondicion::Numerico};
+    const auto existe = [](bool avisa, const Condicion& primera, std::initializer_list<Condicion> otras) {
+        return ExisteRegistro(ConexionSQL, avisa, u"sysobjects"_s, primera, otras);
+    };
+    const auto aviso = [](const QString& codigo) {
+        return QList<Aviso>{
+            {u"El codigo "_s + codigo + u" ya existe en la tabla sysobjects"_s, 48, u"Atención"_s}};
+    };
+    EXPECT_TRUE(existe(true, nombre, {}));
+    EXPECT_EQ(Avisos(), aviso(u"sysobjects"_s));
+    EXPECT_TRUE(existe(true, nombre, {tipo}));
+    EXPECT_EQ(Avisos(), aviso(u"sysobjects/S"_s));
+    EXPECT_TRUE(existe(true, nombre, {tipo, dueño}));
+    EXPECT_EQ(Avisos(), aviso(u"sysobjects/S/1"_s));
+    EXPECT_TRUE(existe(true, nombre, {tipo, dueño, tipo}));
+    EXPECT_EQ(Avisos(), aviso(u"sysobjects/S/1"_s)) << "three parts are shown of more";
+    EXPECT_TRUE(existe(false, nombre, {tipo}));
+    EXPECT_FALSE(existe(true, nombre, {{u"xtype"_s, u"no"_s, TipoCondicion::Texto}}));
+    Transcripcion();
+    EXPECT_FALSE(existe(true, {u"name"_s, QString(), TipoCondicion::Texto}, {}));
+    EXPECT_EQ(Transcripcion(), QString());
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_TRUE(existe(true, {u"nada"_s, u"1"_s, TipoCondicion::Numerico}, {})) << "a failed query";
+    EXPECT_EQ(Avisos().size(), 1);
+}
+
+TEST_F(Consultas, RecordsAreOpenedAtTheClientAndByTheirKeys)
+{
+    ArrancaYConecta(Es);
+    ado::Recordset registros;
+    EXPECT_TRUE(CreaRecordset(ConexionSQL, registros, u"select 1"_s));
+    EXPECT_EQ(registros.CursorType(), 1);
+    EXPECT_EQ(registros.CursorLocation(), 3);
+    EXPECT_EQ(registros.RecordCount(), 1);
+    EXPECT_FALSE(CreaRecordset(ConexionSQL, registros, u"select nada"_s));
+    EXPECT_EQ(Avisos().size(), 1);
+}
+
+TEST_F(Consultas, AComboIsSearchedForTheTrimmedText)
+{
+    controls::ComboBox combo;
+    for (const QString& texto : {u"uno"_s, u" dos "_s, u"dos"_s})
+        combo.AddItem(texto);
+    EXPECT_TRUE(BuscarComboCadena(u"dos"_s, &combo));
+    EXPECT_EQ(combo.ListIndex(), 1) << "the first that fits";
+    EXPECT_FALSE(BuscarComboCadena(u"Dos"_s, &combo));
+    EXPECT_EQ(combo.ListIndex(), -1);
+}
+
+TEST_F(Consultas, ARecordIsLookedForByItsConditions)
+{
+    ArrancaYConecta(Es);
+    PrefijoBD = u"master.dbo."_s;
+    Condicion numero{u"dbid"_s, u" 1 "_s, TipoCondicion::Numerico};
+    const auto busca = [](Condicion& primera, std::initializer_list<Condicion> otras) {
+        return BuscaRegistro(ConexionSQL, u"sysdatabases"_s, u"name"_s, primera, otras);
+    };
+    EXPECT_EQ(busca(numero, {{u"name"_s, u"mas%"_s}, {QString(), u"x"_s}}), u"master"_s);
+    EXPECT_EQ(numero.Valor, u"1"_s) << "trimmed for the caller as well";
+    EXPECT_EQ(Transcripcion(),
+              Lineas({u"Select name from master.dbo.sysdatabases where dbid=1 and name Like 'mas%'"_s}));
+    EXPECT_EQ(busca(numero, {{u"name"_s, u"x"_s}}), QString());
+    Condicion texto{u"name"_s, u"mas%"_s};
+    EXPECT_EQ(busca(texto, {}), QString()) << "the first one compares as it stands";
+    Transcripcion();
+    Condicion vacia{u"dbid"_s, u"  "_s, TipoCondicion::Numerico};
+    EXPECT_EQ(busca(vacia, {}), QString());
+    EXPECT_EQ(Transcripcion(), QString());
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
 }
 
 TEST_F(Consultas, ALostServerIsAnErrorAndTheNextConnectWorks)

@@ -449,8 +449,30 @@ TEST(Scripts, EncodingsAreToldByTheirMarksOrByTheirBytes)
                            QByteArray(reinterpret_cast<const char*>(texto.utf16()), 2 * texto.size())),
               texto);
     EXPECT_EQ(TextoDeBytes("select '\xF1\x80'"), texto);
+    EXPECT_EQ(TextoDeBytes("'\x80\x81\x9F\xA0'"), u"'€\u0081Ÿ\u00A0'"_s) << "81 stands for nothing";
     EXPECT_EQ(BytesDeTexto(u"select 1\r\n"_s), "select 1\r\n");
-    EXPECT_EQ(TextoDeBytes(BytesDeTexto(texto)), texto);
+    EXPECT_EQ(BytesDeTexto(u"\u007F"_s), "\x7F");
+    EXPECT_EQ(BytesDeTexto(u"\u0080"_s), "\xEF\xBB\xBF\xC2\x80") << "marked, as Latin-1 would read alike";
+    EXPECT_EQ(BytesDeTexto(texto), "\xEF\xBB\xBF" + utf8);
+}
+
+TEST(Scripts, EveryKindOfLineEndIsReadAsThatOfWindows)
+{
+    const QTemporaryDir carpeta;
+    const std::pair<QByteArray, QString> casos[] = {{"", u""_s},
+                                                    {"a", u"a\r\n"_s},
+                                                    {"\n", u"\r\n"_s},
+                                                    {"a\rb\nc\r\nd\r", u"a\r\nb\r\nc\r\nd\r\n"_s},
+                                                    {"a\r\r\n\n", u"a\r\n\r\n\r\n"_s}};
+    for (const auto& [bytes, esperado] : casos) {
+        QFile archivo(carpeta.filePath(u"lineas.sql"_s));
+        ASSERT_TRUE(archivo.open(QIODevice::WriteOnly));
+        archivo.write(bytes);
+        archivo.close();
+        const ScriptLeido leido = LeeScript(basic::InputFile(archivo.fileName()));
+        EXPECT_EQ(leido.texto, esperado);
+        EXPECT_FALSE(leido.error);
+    }
 }
 
 TEST_F(Objetos, ScriptsAreLoadedAndSavedUnderTheRememberedName)

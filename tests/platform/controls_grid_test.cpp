@@ -63,6 +63,11 @@ TEST(ResultGrids, ACopyIsWhatASpreadsheetReads)
     grid.setCurrentIndex(grid.model()->index(1, 0));
     QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), "say \"b\"\tc") << "a cell alone goes as it is";
+    QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "x\n\"say \"\"b\"\"\tc\"\n") << "but not below its header";
+    grid.setCurrentIndex(grid.model()->index(0, 1));
+    EXPECT_EQ(grid.selectionText(true), "y\nNULL\n");
+    EXPECT_EQ(grid.selectionText(false), "NULL");
 }
 
 TEST(ResultGrids, ColumnsAreAsWideAsTheirTexts)

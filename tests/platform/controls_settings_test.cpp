@@ -73,6 +73,17 @@ TEST_F(Settings, WhatCannotBeWrittenIsToldAndLeavesTheOldValue)
     EXPECT_TRUE(read("Idioma").isEmpty());
 }
 
+TEST_F(Settings, WhatTheAdministratorLeftIsNotTheUsers)
+{
+    const QTemporaryDir machine;
+    QSettings::setPath(QSettings::IniFormat, QSettings::SystemScope, machine.path());
+    QFile file(machine.filePath("quermo.ini"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Software]\nquermo\\Idioma=1\n");
+    file.close();
+    EXPECT_TRUE(read("Idioma").isEmpty());
+}
+
 TEST_F(Settings, RubbishInTheFileReadsAsEmpty)
 {
     for (const char* content :

@@ -57,9 +57,23 @@ void Taller::SetUp()
     });
     Idioma = 0;
     Conecta();
-    Ejecuta({u"if db_id('Taller') is not null drop database Taller"_s, u"create database Taller"_s,
-             u"use Taller"_s});
+    VaciaBase();
     Nuevas();
+}
+
+/// One database serves all tests, since to make one takes longer than most of them.
+void Taller::VaciaBase()
+{
+    Ejecuta({u"if db_id('Taller') is null create database Taller"_s, u"use Taller"_s});
+    const auto borra = [](const QString& consulta) {
+        Ejecuta(Consulta(consulta).split(u'\n', Qt::SkipEmptyParts));
+    };
+    borra(u"select 'alter table [' + t.name + '] drop constraint [' + o.name + ']' + char(10) from "
+          u"sysobjects o "
+          u"join sysobjects t on t.id = o.parent_obj where o.xtype = 'F'"_s);
+    borra(u"select 'drop ' + case xtype when 'U' then 'table' when 'V' then 'view' else 'procedure' end + ' "
+          u"[' + "
+          u"name + ']' + char(10) from sysobjects where category = 0 and xtype in ('U', 'V', 'P')"_s);
 }
 
 void Taller::TearDown()

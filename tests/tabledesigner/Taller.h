@@ -34,10 +34,12 @@ struct Campo
 class Taller : public ::testing::Test
 {
 protected:
-    /// A fresh database Taller, the session in it, and nothing said or sent yet.
+    /// An empty database Taller, the session in it, and nothing said or sent yet.
     void SetUp() override;
     void TearDown() override;
 
+    /// Drops all that stands in the database, or makes it.
+    static void VaciaBase();
     /// Runs statements of the test's own, which no transcript holds.
     static void Ejecuta(const QStringList& sentencias);
     /// First column of the rows of a query, joined by blanks.

@@ -50,8 +50,8 @@ protected:
 
     std::unique_ptr<DatosTabla> Prepara(const Historia& historia)
     {
-        Ejecuta({u"use master"_s, u"drop database Taller"_s, u"create database Taller"_s, u"use Taller"_s,
-                 u"create table padre (p int not null constraint PK_p primary key, v varchar(10) null, s int "
+        VaciaBase();
+        Ejecuta({u"create table padre (p int not null constraint PK_p primary key, v varchar(10) null, s int "
                  u"null "
                  u"constraint DF_padre_s default (1))"_s,
                  u"create index iv on padre (v)"_s,
