@@ -2,6 +2,7 @@
 #include "engine/binder/translator.h"
 #include "engine/messages/errors.h"
 #include "engine/store/collation.h"
+#include "types/text_encoding.h"
 
 #include <algorithm>
 #include <span>
@@ -169,7 +170,7 @@ std::string Translator::like(const ast::Like& node, Scope& scope)
     if (node.escape) {
         const Term term = asText(expression(*node.escape, scope));
         const auto* text = term.constant ? std::get_if<std::string>(&term.constant->data) : nullptr;
-        if (text != nullptr && text->empty())
+        if (text != nullptr && utf16Length(*text) != 1)
             raise(506, {*text, "LIKE"});
         escape = term.sql;
     }

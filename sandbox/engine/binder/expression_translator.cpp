@@ -233,7 +233,7 @@ bool hasRole(const SourceColumn& column, const ast::Column& wanted)
 {
     switch (wanted.role) {
     case ast::ColumnRole::Identity:
-        return column.identity;
+        return column.identity.has_value();
     case ast::ColumnRole::RowGuid:
         return column.stored != nullptr && column.stored->rowGuid;
     case ast::ColumnRole::Named:

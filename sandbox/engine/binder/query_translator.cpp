@@ -14,7 +14,7 @@ struct Item
 {
     std::string name;
     Term term;
-    bool identity = false;
+    std::optional<Identity> identity = std::nullopt;
     bool updatable = false;
     std::vector<std::string> loose;
 };
@@ -427,7 +427,8 @@ TranslatedQuery Translator::setOperation(const ast::QueryBody& body, Scope* oute
             terms.push_back(std::move(term));
         }
         result.columns[i].type = commonType(terms);
-        result.columns[i].identity = result.columns[i].updatable = false;
+        result.columns[i].identity.reset();
+        result.columns[i].updatable = false;
         if (isCharacter(result.columns[i].type.id) && result.columns[i].collation.empty())
             result.columns[i].collation = defaultCollation;
     }

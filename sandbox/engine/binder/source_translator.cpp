@@ -220,7 +220,7 @@ std::string Translator::addStoredTable(const ObjectPtr& table, Source source, Sc
     for (const Column& column : table->columns) {
         SourceColumn made;
         made.name = column.name;
-        made.identity = column.identity.has_value();
+        made.identity = column.identity;
         made.stored = &column;
         const std::string qualifier = standsAlone ? "" : source.handle + ".";
         made.term = resultTerm(qualifier + storageColumn(column.id), column.type, column.nullable);

@@ -49,7 +49,7 @@ struct SourceColumn
 {
     std::string name;
     Term term;
-    bool identity = false;
+    std::optional<Identity> identity = std::nullopt;
     const Column* stored = nullptr;
 };
 
@@ -99,7 +99,7 @@ struct QueryColumn
     std::string collation;
     Coercibility coercibility = Coercibility::Coercible;
     bool nullable = true;
-    bool identity = false;
+    std::optional<Identity> identity = std::nullopt;
     bool updatable = false;
 };
 

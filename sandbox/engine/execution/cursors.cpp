@@ -124,7 +124,7 @@ void executeFetch(SessionState& session, const ast::FetchStatement& statement)
     }
     std::vector<ColumnInfo> described;
     for (const QueryColumn& column : cursor.columns)
-        described.push_back({column.name, column.type, column.nullable, column.identity, false});
+        described.push_back({column.name, column.type, column.nullable, column.identity.has_value(), false});
     session.sink().columns(described);
     if (found)
         session.sink().row(cursor.rows[static_cast<std::size_t>(cursor.position)]);

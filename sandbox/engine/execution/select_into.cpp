@@ -19,7 +19,8 @@ std::string columnDefinition(const QueryColumn& column)
     if (isCharacter(type.id) && !column.collation.empty())
         text += " COLLATE " + column.collation;
     if (column.identity)
-        text += " IDENTITY(1,1)";
+        text += " IDENTITY(" + std::to_string(column.identity->seed) + "," +
+                std::to_string(column.identity->increment) + ")";
     return text + (column.nullable && !column.identity ? " NULL" : " NOT NULL");
 }
 

@@ -49,7 +49,8 @@ QueryPlan& planQuery(SessionState& session, const ast::Query& query)
         (void)session.calls().variable(name);
     plan->columns = std::move(translated.columns);
     for (const QueryColumn& column : plan->columns) {
-        ColumnInfo info{column.name, column.type, column.nullable, column.identity, column.updatable};
+        ColumnInfo info{column.name, column.type, column.nullable, column.identity.has_value(),
+                        column.updatable};
         if (info.type.id == TypeId::Null)
             info.type = intType();
         plan->described.push_back(std::move(info));

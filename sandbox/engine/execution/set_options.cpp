@@ -69,9 +69,13 @@ void setIdentityInsert(SessionState& session, const ast::SetOptionStatement& sta
     }
     if (!held.empty() && held != key) {
         const auto point = held.find('.');
-        const ObjectPtr other = session.catalog().object(std::stoi(held), std::stoi(held.substr(point + 1)));
-        if (other)
-            raise(8107, {other->name, writtenName(statement.table)});
+        const int database = std::stoi(held);
+        const ObjectPtr other = session.catalog().object(database, std::stoi(held.substr(point + 1)));
+        if (other) {
+            const std::string name =
+                session.catalog().database(database)->name + '.' + other->owner + '.' + other->name;
+            raise(8107, {name, writtenName(statement.table)});
+        }
     }
     held = key;
 }

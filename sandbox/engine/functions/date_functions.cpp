@@ -67,11 +67,16 @@ DatePart partAt(const Call& call, int i)
     return static_cast<DatePart>(call.integer(i));
 }
 
+/// As a clock there shows it; the offset is kept to be told.
 DateTimeValue pointAt(const Call& call, int value, int type)
 {
     const SqlType held = call.type(type);
     const auto point = std::get<DateTimeValue>(call.value(value, held).data);
-    return held.id == TypeId::DateTimeOffset ? localTime(point) : point;
+    if (held.id != TypeId::DateTimeOffset)
+        return point;
+    DateTimeValue local = localTime(point);
+    local.offsetMinutes = point.offsetMinutes;
+    return local;
 }
 
 /// Ticks of one unit; 0 for the parts that the calendar counts.
@@ -121,7 +126,7 @@ std::optional<DateTimeValue> addUnits(const DateTimeValue& value, std::int64_t c
 {
     DateTimeValue moved = value;
     if (part == DatePart::Nanosecond) {
-        moved.ticks += count / 100;
+        moved.ticks += (count + (count < 0 ? -50 : 50)) / 100;
         return normalized(moved);
     }
     const std::int64_t unit = ticksOf(part);

@@ -68,7 +68,7 @@ Span cut(std::int64_t start, std::int64_t length, std::size_t size)
     if (length < 0)
         raise(537);
     const std::int64_t first = std::max<std::int64_t>(start, 1);
-    const std::int64_t end = length > INT64_MAX - start ? INT64_MAX : start + length;
+    const std::int64_t end = start > 0 && length > INT64_MAX - start ? INT64_MAX : start + length;
     const auto total = static_cast<std::int64_t>(size);
     if (first > total || end <= first)
         return {0, 0};

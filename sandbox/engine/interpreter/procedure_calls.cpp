@@ -281,9 +281,12 @@ void Interpreter::execute(const ast::ExecuteStatement& node)
     }
     if (!node.returnVariable.empty())
         session_.assign(node.returnVariable, Value{std::int64_t{status}, {}}, intType());
-    if (session_.transactionCount() != transactions && session_.transactionCount() != 0)
-        session_.sendMessage(
-            makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())}));
+    if (session_.transactionCount() != transactions && session_.transactionCount() != 0) {
+        Message mismatch =
+            makeMessage(266, {std::to_string(transactions), std::to_string(session_.transactionCount())});
+        mismatch.procedure = name.object;
+        session_.sendMessage(mismatch);
+    }
     if (session_.frame().completion == Completion::Kind::Statement)
         session_.sink().returnStatus(status);
     session_.done(std::nullopt, commands::execute);

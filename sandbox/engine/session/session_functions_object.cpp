@@ -190,16 +190,19 @@ void columnProperty(SessionState& session, const Call& call)
         return call.result(column->rowGuid ? 1 : 0);
     if (is("isidnotforrepl"))
         return call.result(column->identity && column->identity->notForReplication ? 1 : 0);
-    if (is("usesansitrim"))
-        return isCharacter(column->type.id) || isBinary(column->type.id)
+    if (is("usesansitrim")) {
+        const TypeId id = column->type.id;
+        return (isCharacter(id) || isBinary(id)) && id != TypeId::Timestamp
                    ? call.result(column->ansiPadded ? 1 : 0)
                    : null(call);
-    if (is("precision")) {
-        const bool sized = isCharacter(column->type.id) || isBinary(column->type.id);
-        return call.result(sized ? column->type.length : int{column->type.precision});
     }
-    if (is("scale"))
-        return isCharacter(column->type.id) ? null(call) : call.result(int{column->type.scale});
+    if (is("precision") || is("scale")) {
+        Statement query(session.connection(), "SELECT fullprec, fullscale FROM cat_column_type "
+                                              "WHERE dbid = ?1 AND id = ?2 AND colid = ?3");
+        const int place = is("precision") ? 0 : 1;
+        const bool known = query.bind(1, found->databaseId).bind(2, found->id).bind(3, column->id).step();
+        return known && !query.isNull(place) ? call.result(query.integer(place)) : null(call);
+    }
     if (is("columnid") || is("ordinal"))
         return call.result(column->id);
     null(call);

@@ -74,7 +74,8 @@ std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& 
     Translator translator(bindContext());
     std::vector<ColumnInfo> columns;
     for (const QueryColumn& column : translator.statement(query.query).columns)
-        columns.push_back({column.name, column.type, column.nullable, column.identity, column.updatable});
+        columns.push_back(
+            {column.name, column.type, column.nullable, column.identity.has_value(), column.updatable});
     return columns;
 }
 
