@@ -125,7 +125,10 @@ TEST_F(Copias, ABackupIsTakenVerifiedAndRestoredElsewhere)
     EXPECT_TRUE(forma->cmdAceptar->isEnabled());
     const QString datos = controls::shownPath(sencilla.filePath(u"otra.mdf"_s));
     const QString registro = controls::shownPath(sencilla.filePath(u"otro.ldf"_s));
-    PonCelda(forma->TDBGridFicheros, 0, 1, datos);
+    ClicCelda(forma->TDBGridFicheros, 0, 0);
+    Tecla(Qt::Key_Return); // from the name on to its path
+    Escribe(datos);
+    Tecla(Qt::Key_Return);
     EXPECT_EQ(forma->TDBGridFicheros->Bookmark(), 1);
     Escribe(registro);
     Tecla(Qt::Key_Return);
@@ -208,7 +211,8 @@ TEST_F(Copias, EachStatementRefusedOnceLeavesTheFormOpenAndTheNextTryWorks)
         Clic(copia->txtDestino);
         Escribe(archivo);
         Clic(copia->chkComprobar);
-        if (k == 1)
+        if (k == 1 &&
+            Consulta(u"select name from master.dbo.sysdevices where name = 'CopiaObra'"_s).isEmpty())
             Ejecuta({u"EXEC sp_addumpdevice 'disk', 'CopiaObra', '"_s + archivo + u"'"_s});
         ado::setStatementObserver([k, n = 0](const QString&) mutable {
             if (++n == k)

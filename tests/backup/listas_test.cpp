@@ -49,7 +49,9 @@ TEST_F(Listas, PathsHaveTheServersForm)
 
 TEST_F(Listas, OddFoldersAreShownOrLeftOutAndNeverBreakTheList)
 {
-    for (const char* nombre : {"uno", "dos huecos", "o'brien", ".oculta", "con\\barra", "ma\xf1" "ana"})
+    for (const char* nombre : {"uno", "dos huecos", "o'brien", ".oculta", "con\\barra",
+                               "ma\xf1"
+                               "ana"})
         Haz(nombre);
     controls::FolderList lista;
     int cambios = 0;

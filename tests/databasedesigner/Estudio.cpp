@@ -36,11 +36,19 @@ void Estudio::TearDown()
     Consola::TearDown();
 }
 
+QString Estudio::CreaObra() const
+{
+    const QString archivo =
+        u"(name = %1, filename = '"_s + Carpeta() + u"%1.%2', size = %3MB, filegrowth = 10%)"_s;
+    return u"create database Obra on "_s + archivo.arg(u"Obra"_s, u"mdf"_s, u"2"_s) + u" log on "_s +
+           archivo.arg(u"Obra_log"_s, u"ldf"_s, u"1"_s);
+}
+
 void Estudio::Prepara(int idioma, const QStringList& sentencias)
 {
     ArrancaYConecta(idioma);
-    Ejecuta({u"use master"_s, u"if db_id('Obra') is not null drop database Obra"_s, u"create database Obra"_s,
-             u"use Obra"_s});
+    Ejecuta(
+        {u"use master"_s, u"if db_id('Obra') is not null drop database Obra"_s, CreaObra(), u"use Obra"_s});
     Ejecuta(sentencias);
     Ejecuta({u"use master"_s});
     ::mdiPrincipal->resize(1700, 800);

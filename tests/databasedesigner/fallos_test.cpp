@@ -54,7 +54,7 @@ protected:
     /// The database as new, its properties open with nothing wrong.
     formularios::frmPropiedadesBD* Renueva()
     {
-        Ejecuta({u"use master"_s, u"drop database Obra"_s, u"create database Obra"_s});
+        Ejecuta({u"use master"_s, u"drop database Obra"_s, CreaObra()});
         auto* forma = Propiedades(u"Obra"_s);
         Avisos();
         return forma;
@@ -175,6 +175,8 @@ TEST_F(FallosBD, ARefusedOrLostCreationLeavesTheFormAsItWas)
         mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
         mano::PonCelda(forma->TDBGridArchivos, 0, ColArchivo::Nombre, u"casa"_s);
         mano::Escribe(Carpeta());
+        mano::Tecla(Qt::Key_Return);
+        mano::Escribe(u"2"_s); // what the model needs
         mano::Tecla(Qt::Key_Return);
         for (const int k : {1, 2}) {
             Falla(k, fallo, [&] { EXPECT_FALSE(Acepta(forma)); });

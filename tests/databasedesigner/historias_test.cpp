@@ -119,6 +119,7 @@ TEST_F(HistoriasBD, ANewDatabaseWithThreeFilesInTwoGroups)
     mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
     auto* archivos = forma->TDBGridArchivos;
     PonArchivo(archivos, 0, u"base"_s);
+    mano::PonCelda(archivos, 0, ColArchivo::Tamaño, u"2"_s); // what the model needs
     mano::ClicCelda(archivos, 0, ColArchivo::Limitado);
     EXPECT_EQ(archivos->Col(), ColArchivo::Maximo);
     mano::Escribe(u"50"_s);
@@ -140,7 +141,7 @@ TEST_F(HistoriasBD, ANewDatabaseWithThreeFilesInTwoGroups)
     EXPECT_FALSE(Acepta(forma));
     const QString medidas = u"SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%"_s;
     const QString datos = u"CREATE DATABASE Casa\r ON PRIMARY"_s +
-                          Archivo(u"base"_s, u".mdf"_s, u"SIZE = 1MB, MAXSIZE =50MB,FILEGROWTH=10%"_s) +
+                          Archivo(u"base"_s, u".mdf"_s, u"SIZE = 2MB, MAXSIZE =50MB,FILEGROWTH=10%"_s) +
                           u",\r FILEGROUP SEC"_s +
                           Archivo(u"dos"_s, u".ndf"_s, u"SIZE = 10MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%"_s);
     const QString tercero = u",\r FILEGROUP SEC"_s + Archivo(u"tres"_s, u".ndf"_s, medidas);
@@ -163,7 +164,7 @@ TEST_F(HistoriasBD, ANewDatabaseWithThreeFilesInTwoGroups)
     ASSERT_TRUE(Acepta(forma)) << Textos().join(u'|').toStdString();
     EXPECT_EQ(Cambios(), Lineas({u" USE master"_s, datos + diario}) +
                              Opciones(u"Casa"_s, u"SIMPLE"_s).replace(u" ON\n"_s, u" OFF\n"_s));
-    EXPECT_EQ(Ficheros(u"Casa"_s), u"base 128 10 6400 1|diario 128 10 - 0|dos 1280 10 -1 2"_s);
+    EXPECT_EQ(Ficheros(u"Casa"_s), u"base 256 10 6400 1|diario 128 10 - 0|dos 1280 10 -1 2"_s);
     Ejecuta({u"drop database Casa"_s});
 }
 
@@ -175,12 +176,13 @@ TEST_F(HistoriasBD, AcceptingWithoutAChangeSendsGrowthLimitAndOptions)
     Llegado();
     EXPECT_TRUE(Acepta(forma));
     EXPECT_EQ(Textos(), QStringList());
-    const auto cambia = [](const QString& archivo) {
+    // A log without a limit has the server's own, two terabytes.
+    const auto cambia = [](const QString& archivo, const QString& limite) {
         const QString c = u"ALTER DATABASE Obra\\r MODIFY FILE··(NAME = "_s + archivo;
-        return c + u",FILEGROWTH=10%)\n"_s + c + u", MAXSIZE =UNLIMITED)\n"_s;
+        return c + u",FILEGROWTH=10%)\n"_s + c + u", MAXSIZE ="_s + limite + u")\n"_s;
     };
-    EXPECT_EQ(Cambios(),
-              u" USE master\n"_s + cambia(u"Obra"_s) + cambia(u"Obra_log"_s) + Opciones(u"Obra"_s));
+    EXPECT_EQ(Cambios(), u" USE master\n"_s + cambia(u"Obra"_s, u"UNLIMITED"_s) +
+                             cambia(u"Obra_log"_s, u"2097152MB"_s) + Opciones(u"Obra"_s));
     EXPECT_EQ(Ficheros(u"Obra"_s), antes);
 }
 
@@ -258,7 +260,7 @@ TEST_F(HistoriasBD, GroupsFilesAndGrowthReachTheServerInTheirOrder)
                       u"ALTER DATABASE Obra\r ADD FILE  (NAME = dos, FILENAME = '"_s + Carpeta() +
                           u"dos.ndf', SIZE = 1MB, MAXSIZE =UNLIMITED,FILEGROWTH=10%) TO FILEGROUP SEC"_s,
                       u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra_log,FILEGROWTH=3MB)"_s,
-                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra_log, MAXSIZE =UNLIMITED)"_s}) +
+                      u"ALTER DATABASE Obra\r MODIFY FILE  (NAME = Obra_log, MAXSIZE =2097152MB)"_s}) +
                   Opciones(u"Obra"_s, u"SIMPLE"_s).replace(u"SHRINK OFF"_s, u"SHRINK ON"_s));
     EXPECT_EQ(Consulta(u"select rtrim(name) + str(growth,4) from Obra..sysfiles order by fileid"_s),
               u"Obra  25|Obra_log 384|dos  10"_s);

@@ -122,7 +122,7 @@ void renameFile(SessionContext& session, int databaseId, int fileId, const std::
 void growFile(SessionContext& session, int databaseId, const StoredFile& file, std::int64_t pages,
               std::int64_t maxSize)
 {
-    if (pages <= file.size)
+    if (pages < file.size)
         raise(5039);
     if (maxSize >= 0 && pages > maxSize)
         raise(5040);

@@ -301,7 +301,7 @@ constexpr MessageText ddlTexts[] = {
     {5036, 16, 1, "MODIFY FILE failed. Specify logical name."},
     {5037, 16, 1, "MODIFY FILE failed. Do not specify physical name."},
     {5038, 16, 1, "MODIFY FILE failed for file \"%s\". At least one property per file must be specified."},
-    {5039, 16, 1, "MODIFY FILE failed. Specified size is less than or equal to current size."},
+    {5039, 16, 1, "MODIFY FILE failed. Specified size is less than current size."},
     {5040, 16, 1, "MODIFY FILE failed. Size is greater than MAXSIZE."},
     {5041, 16, 1, "MODIFY FILE failed. File '%s' does not exist."},
     {5042, 16, 1, "The %s '%s' cannot be removed because it is not empty."},
