@@ -5,7 +5,6 @@
 #include "backup/frmCopiaSeguridad.h"
 #include "backup/frmRestaurarCopia.h"
 #include "browser/frmAdministrador.h"
-#include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 #include "platform/ado/Transcript.h"
@@ -13,6 +12,7 @@
 #include "platform/controls/FileLists.h"
 #include "platform/controls/Pointer.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -37,23 +37,13 @@ protected:
     void Prepara(int idioma)
     {
         ArrancaYConecta(idioma);
+        ASSERT_TRUE(m_carpeta.mkpath(u"."_s));
         Ejecuta({u"use master"_s, u"if db_id('Obra') is not null drop database Obra"_s,
                  u"create database Obra"_s, u"alter database Obra set recovery full"_s,
                  u"create table Obra..t (a int)"_s, u"insert Obra..t values (7)"_s});
         Abre(::mdiPrincipal->mnuAdministrador);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&*::mdiPrincipal));
         LlegadoAlServidor();
-    }
-    static void Ejecuta(const QStringList& sentencias)
-    {
-        for (const QString& sentencia : sentencias)
-            ASSERT_NO_THROW(ConexionSQL.Execute(sentencia)) << sentencia.toStdString();
-    }
-    static QString Consulta(const QString& texto)
-    {
-        ado::Recordset filas;
-        filas.Open(texto, ConexionSQL);
-        return filas.Eof() ? QString() : TextoCampo(filas, 0);
     }
     /// From the tree's menu on the database.
     void Manda(QAction* entrada, const QString& base = u"Obra"_s)
@@ -87,7 +77,8 @@ protected:
         Clic(lista->viewport(), lista->visualItemRect(hallados[0]).center());
     }
 
-    QTemporaryDir m_carpeta{QDir::tempPath() + u"/con hueco's-XXXXXX"_s};
+    QTemporaryDir m_raiz;
+    QDir m_carpeta{m_raiz.path() + u"/con hueco's"_s};
 };
 
 TEST_F(Copias, ABackupIsTakenVerifiedAndRestoredElsewhere)

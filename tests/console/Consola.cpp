@@ -2,6 +2,7 @@
 
 #include "app/Main.h"
 #include "browser/frmAdministrador.h"
+#include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/frmConectar.h"
 #include "core/mdiPrincipal.h"
@@ -132,6 +133,22 @@ void Consola::ArrancaYConecta(int idioma)
     Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba);
     ASSERT_EQ(Avisos(), QList<Aviso>{});
     ASSERT_EQ(Transcripcion(), QString());
+}
+
+void Consola::Ejecuta(const QStringList& sentencias)
+{
+    for (const QString& sentencia : sentencias)
+        ASSERT_NO_THROW(ConexionSQL.Execute(sentencia)) << sentencia.toStdString();
+}
+
+QString Consola::Consulta(const QString& texto)
+{
+    ado::Recordset filas;
+    filas.Open(texto, ConexionSQL);
+    QStringList valores;
+    for (; !filas.Eof(); filas.MoveNext())
+        valores += TextoCampo(filas, 0);
+    return valores.join(u'|');
 }
 
 QString Consola::Transcripcion()

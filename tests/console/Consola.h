@@ -61,6 +61,11 @@ protected:
     void ArrancaYConecta(int idioma);
     void Conecta(const QString& servidor, const QString& usuario, const QString& clave);
 
+    /// Runs statements of the test's own.
+    static void Ejecuta(const QStringList& sentencias);
+    /// First column of a query's rows, joined by "|".
+    static QString Consulta(const QString& texto);
+
     /// Statements sent since the last call.
     QString Transcripcion();
     /// Message boxes shown since the last call.

@@ -1,7 +1,6 @@
 #include "Estudio.h"
 
 #include "browser/frmAdministrador.h"
-#include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 #include "platform/controls/Pointer.h"
@@ -56,22 +55,6 @@ void Estudio::Prepara(int idioma, const QStringList& sentencias)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&*::mdiPrincipal));
     Transcripcion();
     LlegadoAlServidor();
-}
-
-void Estudio::Ejecuta(const QStringList& sentencias)
-{
-    for (const QString& sentencia : sentencias)
-        ASSERT_NO_THROW(ConexionSQL.Execute(sentencia)) << sentencia.toStdString();
-}
-
-QString Estudio::Consulta(const QString& texto)
-{
-    ado::Recordset filas;
-    filas.Open(texto, ConexionSQL);
-    QStringList valores;
-    for (; !filas.Eof(); filas.MoveNext())
-        valores += TextoCampo(filas, 0);
-    return valores.join(u'|');
 }
 
 QString Estudio::Ficheros(const QString& base)

@@ -21,10 +21,6 @@ protected:
     void Prepara(int idioma, const QStringList& sentencias = {});
     /// Makes that database, with files of 2 and 1 MB that grow by a tenth.
     [[nodiscard]] QString CreaObra() const;
-    /// Runs statements of the test's own, of which nothing is noted.
-    static void Ejecuta(const QStringList& sentencias);
-    /// First column of a query's rows, joined by "|".
-    static QString Consulta(const QString& texto);
     /// Files of a database with size, growth, limit of data files in pages, and group, joined by "|".
     static QString Ficheros(const QString& base);
 

@@ -1,7 +1,6 @@
 #include "Mesa.h"
 
 #include "browser/frmAdministrador.h"
-#include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 #include "platform/controls/Pointer.h"
@@ -26,7 +25,7 @@ bool EsConsulta(const QString& sentencia)
 
 void Mesa::TearDown()
 {
-    respuesta = controls::Answer::No;
+    respuesta = controls::Answer::No; // a designer that asks is not saved
     for (controls::Form* formulario : controls::LoadedForms())
         formulario->Unload();
     Avisos();
@@ -47,22 +46,6 @@ void Mesa::Prepara(int idioma, const QStringList& sentencias)
     Pulsa(u"DTTaller"_s);
     Transcripcion();
     LlegadoAlServidor();
-}
-
-void Mesa::Ejecuta(const QStringList& sentencias)
-{
-    for (const QString& sentencia : sentencias)
-        ASSERT_NO_THROW(ConexionSQL.Execute(sentencia)) << sentencia.toStdString();
-}
-
-QString Mesa::Consulta(const QString& texto)
-{
-    ado::Recordset filas;
-    filas.Open(texto, ConexionSQL);
-    QStringList valores;
-    for (; !filas.Eof(); filas.MoveNext())
-        valores += TextoCampo(filas, 0);
-    return valores.join(u'|');
 }
 
 int Mesa::TransaccionesAbiertas()

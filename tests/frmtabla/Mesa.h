@@ -23,10 +23,6 @@ protected:
 
     /// The console on a fresh database Taller that these statements have filled, the browser on its tables.
     void Prepara(int idioma, const QStringList& sentencias = {});
-    /// Runs statements of the test's own, of which nothing is noted.
-    static void Ejecuta(const QStringList& sentencias);
-    /// First column of a query's rows, joined by "|".
-    static QString Consulta(const QString& texto);
     static int TransaccionesAbiertas();
 
     /// Opens the designer by the right button on a table, or on the database, and the entry of the menu.
