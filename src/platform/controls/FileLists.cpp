@@ -116,8 +116,9 @@ QString FolderList::List(int index) const
 void FolderList::fill()
 {
     clear();
+    constexpr qsizetype indentation = 2; // blanks a level
     const auto add = [this](const QString& name, const QString& path, int depth) {
-        auto* entry = new QListWidgetItem(QString(depth * 2, u' ') + name, this);
+        auto* entry = new QListWidgetItem(QString(depth * indentation, u' ') + name, this);
         entry->setData(pathRole, path);
         entry->setData(Qt::AccessibleTextRole, path);
         entry->setIcon(QIcon(u":/icons/CarpetaCerrada.svg"_s));
