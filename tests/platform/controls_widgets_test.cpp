@@ -304,7 +304,7 @@ TEST(Editors, FindGoesRoundTheEndAndTellsWhenThereIsNothing)
     EXPECT_EQ(lineFound(), 1);
     EXPECT_EQ(editor.SelText(), "select");
     find->setText("nowhere");
-    EXPECT_FALSE(editor.findNext());
+    EXPECT_FALSE(editor.findAgain());
     QTest::keyClick(find, Qt::Key_Escape);
     EXPECT_FALSE(find->isVisible());
 }

@@ -247,7 +247,7 @@ private:
     void dropEdit();
     void makeEditor();
     void placeEditor();
-    void closeEditor();
+    void endEditing();
     void completeFromList(const QString& typed);
     void pressButton();
     void openList();

@@ -110,7 +110,7 @@ bool DataGrid::endEdit()
     if (!self || !m_edit.active || m_edit.serial != serial)
         return false;
     const QString value = pendingValue();
-    closeEditor();
+    endEditing();
     if (changed && accepted && m_model->holds(place.row, place.column)) {
         m_model->array()->set(place.row, place.column, value);
         emit AfterColUpdate(place.column);
@@ -142,14 +142,14 @@ void DataGrid::cancelEdit()
     if (!m_edit.active || m_edit.ending)
         return;
     const int column = m_edit.place.column;
-    closeEditor();
+    endEditing();
     emit AfterColEdit(column);
 }
 
 void DataGrid::dropEdit()
 {
     if (m_edit.active)
-        closeEditor();
+        endEditing();
 }
 
 void DataGrid::makeEditor()
@@ -182,7 +182,7 @@ void DataGrid::placeEditor()
     m_edit.editor->setGeometry(place.adjusted(1, 1, -1, -1));
 }
 
-void DataGrid::closeEditor()
+void DataGrid::endEditing()
 {
     m_edit.active = false;
     m_edit.ending = false;

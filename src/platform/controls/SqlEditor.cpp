@@ -132,7 +132,7 @@ void SqlEditor::setText(const QString& text)
     setReadOnly(readOnly);
 }
 
-bool SqlEditor::findNext(bool forward)
+bool SqlEditor::findAgain(bool forward)
 {
     const QString wanted = m_find->text();
     if (wanted.isEmpty()) {
@@ -165,7 +165,7 @@ void SqlEditor::keyPressEvent(QKeyEvent* event)
         return;
     }
     if (event->key() == Qt::Key_F3) {
-        findNext(!event->modifiers().testFlag(Qt::ShiftModifier));
+        findAgain(!event->modifiers().testFlag(Qt::ShiftModifier));
         return;
     }
     if (const int code = keyCode(*event); code != 0)
@@ -205,7 +205,7 @@ bool SqlEditor::eventFilter(QObject* watched, QEvent* event)
     }
     if (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter && key->key() != Qt::Key_F3)
         return false;
-    findNext(!key->modifiers().testFlag(Qt::ShiftModifier));
+    findAgain(!key->modifiers().testFlag(Qt::ShiftModifier));
     return true;
 }
 

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] QString SelText() const { return selectedText(); }
 
     /// Looks for the find bar's text from the cursor on and around the end; false when it is nowhere.
-    bool findNext(bool forward = true);
+    bool findAgain(bool forward = true);
 
 signals:
     /// A key went down, with its classic code (F5 is 116) and shift state; keys without one are not told.
