@@ -1,11 +1,10 @@
 // The table designer against the practice server: opening and saving a wide table against the same statements
 // sent bare, and the memory of many designers. Arguments name the parts to run (wide, many).
 #include "app/ConsolaSQL_Glo.h"
+#include "bare_statements.h"
 #include "console_bench.h"
 
 #include "platform/controls/MessageBox.h"
-#include "sandbox/raw_client.h"
-#include "support/PracticeServer.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -15,7 +14,6 @@
 namespace {
 
 using namespace bench;
-using practice::test::RawClient;
 
 constexpr int columns = 200;
 constexpr int indexes = 50;
@@ -76,27 +74,10 @@ formularios::frmTabla* openDesigner(int slot)
 void wide(const support::PracticeServer& server)
 {
     showTables(u"Wide"_s);
-    RawClient client(static_cast<std::uint16_t>(server.port()));
-    static_cast<void>(
-        client.ask(practice::test::loginPacket({support::PracticeServer::password, 16'384, "master"})));
-    qint64 place = 0;
-    QStringList sent;
-    const auto run = [] {
+    const Pair pair = compareWithBareStatements(server, [] {
         if (!openDesigner(0)->Unload())
             throw std::runtime_error("the design was not saved");
-    };
-    static_cast<void>(server.statementsFrom(place));
-    run();
-    const Pair pair = compare(run, [&] {
-        if (const QStringList statements = server.statementsFrom(place); !statements.isEmpty())
-            sent = statements;
-        for (const QString& statement : sent) {
-            client.send(practice::test::batchPacket(statement.toStdString()));
-            static_cast<void>(client.drain());
-        }
-        static_cast<void>(server.statementsFrom(place));
     });
-    std::printf("%d statements\n", static_cast<int>(sent.size()));
     report("designer of 200 columns opened and saved", pair.ours / pair.plain, "<= 1.3", pair);
 }
 

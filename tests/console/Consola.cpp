@@ -77,6 +77,13 @@ QStringList LlegadoAlServidor()
     return Servidor().statementsFrom(lugar);
 }
 
+int EntornoONumero(const char* nombre, int numero)
+{
+    bool vale = false;
+    const int entorno = qEnvironmentVariableIntValue(nombre, &vale);
+    return vale ? entorno : numero;
+}
+
 QString UltimaEnElServidor(const QString& comienzo)
 {
     const QStringList llegadas = Servidor().statementLog().filter(QRegularExpression(u"^"_s + comienzo));

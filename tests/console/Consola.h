@@ -44,6 +44,8 @@ QString ServidorDePrueba();
 QStringList LlegadoAlServidor();
 /// The last batch that arrived at that server with this beginning, byte for byte; "" when none did.
 QString UltimaEnElServidor(const QString& comienzo);
+/// A number that the environment gives, to ask more of a test of chance than by itself.
+int EntornoONumero(const char* nombre, int numero);
 inline const QString ClaveDePrueba = QStringLiteral("Practice1!");
 
 /// Lines joined as a transcript prints them, with line breaks and double blanks visible.

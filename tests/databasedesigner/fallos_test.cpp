@@ -146,6 +146,75 @@ protected:
     }
 };
 
+TEST_F(FallosBD, EachStatementOfARemovalRefusedOrLost)
+{
+    const QString archivo =
+        u"alter database Obra add file (name = extra, filename = '%1extra.ndf', size = 2MB)"_s.arg(Carpeta());
+    const auto abre = [this, &archivo] {
+        Ejecuta({u"use master"_s, u"drop database Obra"_s, CreaObra(), archivo});
+        auto* forma = Propiedades(u"Obra"_s);
+        mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+        mano::ClicCelda(forma->TDBGridArchivos, 1, ColArchivo::Nombre);
+        EXPECT_EQ(Textos(), QStringList());
+        return forma;
+    };
+    for (const Fallo& fallo : {Fallo(Rechaza), Fallo(Pierde)}) {
+        auto* forma = abre();
+        const int sentencias = Falla(0, fallo, [&] { mano::Clic(forma->cmdEliminarFilaArchivos); });
+        ASSERT_GE(sentencias, 4);
+        forma->Unload();
+        for (int k = 1; k <= sentencias; ++k) {
+            SCOPED_TRACE(k);
+            forma = abre();
+            const QPointer<controls::Form> abierta(forma);
+            Falla(k, fallo, [&] { mano::Clic(forma->cmdEliminarFilaArchivos); });
+            EXPECT_FALSE(Avisos().isEmpty());
+            EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+            Reconecta();
+            EXPECT_EQ(Ficheros(u"Obra"_s).contains(u"extra"_s), k == 1);
+            // Whatever could be read again: accepting it takes nothing away and brings nothing back.
+            Acepta(forma);
+            Avisos();
+            EXPECT_EQ(Ficheros(u"Obra"_s).contains(u"extra"_s), k == 1);
+            if (!abierta.isNull())
+                forma->Unload();
+        }
+    }
+}
+
+TEST_F(FallosBD, EachStatementOfARightRefusedOrLost)
+{
+    Ejecuta(
+        {u"if not exists (select 1 from master.dbo.syslogins where name = 'ana') exec sp_addlogin 'ana', 'x'"_s,
+         u"use Obra"_s, u"exec sp_grantdbaccess 'ana', 'ana'"_s, u"use master"_s});
+    const QString derechos = u"select str(action,3)+str(protecttype,4) from Obra..sysprotects where uid = "
+                             u"(select uid from Obra..sysusers where name = 'ana') and action = 198"_s;
+    for (const Fallo& fallo : {Fallo(Rechaza), Fallo(Pierde)}) {
+        for (int k = 1; k <= 2; ++k) {
+            SCOPED_TRACE(k);
+            auto* forma = Propiedades(u"Obra"_s);
+            const int fila = forma->Datos.PermisosBD.at(0, ColPermiso::Usuario) == u"ana"_s ? 0 : 1;
+            mano::ClicPestaña(forma->sstBaseDatos, Pagina::Permisos);
+            const int sentencias =
+                Falla(k, fallo, [&] { mano::ClicCelda(forma->TDBGridPermisos, fila, 2); }); // CREATE TABLE
+            EXPECT_EQ(sentencias, k);
+            EXPECT_EQ(Avisos().size(), 1);
+            Reconecta();
+            EXPECT_EQ(Consulta(derechos), QString());
+            // The cell goes on from what it shows, round to what the server has.
+            EXPECT_EQ(forma->Datos.PermisosBD.at(fila, 2), u"PE"_s);
+            forma->SetFocus();
+            mano::ClicCelda(forma->TDBGridPermisos, fila, 2);
+            EXPECT_EQ(Consulta(derechos), u"198 206"_s);
+            mano::ClicCelda(forma->TDBGridPermisos, fila, 2);
+            EXPECT_EQ(Consulta(derechos), QString());
+            EXPECT_EQ(Textos(), QStringList());
+            mano::Clic(forma->cmdCancelar);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+}
+
 TEST_F(FallosBD, EachStatementOfAnAcceptRefused)
 {
     CadaSentenciaAlAceptar(Rechaza);

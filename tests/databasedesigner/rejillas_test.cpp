@@ -227,6 +227,18 @@ TEST_F(RejillasBD, TwoHundredFilesAreShownAndOneMoreIsAnError)
     forma = Propiedades(u"Obra"_s);
     EXPECT_EQ(Celda(200, ColArchivo::Nombre), u"f200"_s);
     EXPECT_TRUE(Textos().value(0).startsWith(u" Error Nº:9 ("_s));
+
+    // Rows 0 to 199 enter statements, the row behind them never.
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
+    forma->TDBGridArchivos->setFirstRow(195);
+    mano::PonCelda(forma->TDBGridArchivos, 199, ColArchivo::Cantidad, u"7"_s);
+    mano::PonCelda(forma->TDBGridArchivos, 200, ColArchivo::Cantidad, u"8"_s);
+    Llegado();
+    EXPECT_TRUE(Acepta(forma)) << Textos().value(0).toStdString();
+    const QString cambios = Cambios();
+    EXPECT_EQ(cambios.count(u"MODIFY FILE"_s), 2 * (200 + 1)) << "and the log";
+    EXPECT_TRUE(cambios.contains(u"(NAME = f199,FILEGROWTH=7MB)"_s));
+    EXPECT_FALSE(cambios.contains(u"f200"_s));
     Ejecuta({u"use master"_s, u"drop database Obra"_s});
 }
 

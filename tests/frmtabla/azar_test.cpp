@@ -39,13 +39,6 @@ bool EsTexto(const QString& tipo)
     return tipo.endsWith(u"char"_s);
 }
 
-int EntornoONumero(const char* nombre, int numero)
-{
-    bool vale = false;
-    const int entorno = qEnvironmentVariableIntValue(nombre, &vale);
-    return vale ? entorno : numero;
-}
-
 } // namespace
 
 class Azar : public Mesa

@@ -20,7 +20,8 @@ struct Field
 {
     FieldReader reader;
     bool isBound = false;
-    std::vector<char> buffer;
+    QByteArray
+        buffer; ///< not filled with zeros: two megabytes for a handful of rows would cost more than they
     std::vector<SQLLEN> indicators;
 };
 
@@ -89,7 +90,8 @@ void Fetcher::bind()
     SQLUSMALLINT number = 0;
     for (auto field = m_fields.begin(); field != m_fields.end(); ++field) {
         ++number;
-        field->buffer.resize(field->reader.width * m_rowsPerFetch);
+        field->buffer =
+            QByteArray(static_cast<qsizetype>(field->reader.width * m_rowsPerFetch), Qt::Uninitialized);
         field->indicators.resize(m_rowsPerFetch);
         field->isBound = field < firstLong;
         if (field->isBound &&
@@ -198,7 +200,7 @@ void Fetcher::addUnbound(SQLUSMALLINT number, Field& field, ColumnBuilder& build
             builder.addNull();
             return;
         }
-        const auto room = static_cast<SQLLEN>(field.buffer.size() - reader.closing);
+        const auto room = static_cast<SQLLEN>(static_cast<std::size_t>(field.buffer.size()) - reader.closing);
         const bool isCut = length == SQL_NO_TOTAL || length > room;
         if (!isCut && whole.isEmpty() && !reader.isLong) {
             addValue(field, builder, field.buffer.data(), length);

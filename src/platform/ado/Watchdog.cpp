@@ -31,6 +31,7 @@ void Watchdog::run()
 {
     std::unique_lock lock(m_mutex);
     while (!m_quit) {
+        m_wakes = m_active ? m_deadline : Clock::time_point::max();
         if (!m_active)
             m_changed.wait(lock);
         else if (Clock::now() < m_deadline)
@@ -56,6 +57,7 @@ void Watchdog::expire(std::unique_lock<std::mutex>& lock)
 Watchdog::Limit::Limit(Watchdog& watchdog, std::chrono::milliseconds duration, Means first, Means second)
     : m_watchdog(watchdog)
 {
+    bool isEarlier = false;
     {
         const std::lock_guard lock(watchdog.m_mutex);
         watchdog.m_first = std::move(first);
@@ -66,17 +68,23 @@ Watchdog::Limit::Limit(Watchdog& watchdog, std::chrono::milliseconds duration, M
         watchdog.m_active = duration.count() > 0;
         if (watchdog.m_active && !watchdog.m_thread.joinable())
             watchdog.m_thread = std::thread([&watchdog] { watchdog.run(); });
+        isEarlier = watchdog.m_active && watchdog.m_deadline < watchdog.m_wakes;
     }
-    watchdog.m_changed.notify_all();
+    // Limits of thousands of short statements, each ending later than the last, leave the thread asleep.
+    if (isEarlier)
+        watchdog.m_changed.notify_all();
 }
 
 Watchdog::Limit::~Limit()
 {
+    bool hasExpired = false;
     {
         const std::lock_guard lock(m_watchdog.m_mutex);
         m_watchdog.m_active = false;
+        hasExpired = m_watchdog.m_expired;
     }
-    m_watchdog.m_changed.notify_all();
+    if (hasExpired)
+        m_watchdog.m_changed.notify_all();
 }
 
 Watchdog::Call::Call(Watchdog& watchdog) : m_watchdog(watchdog)

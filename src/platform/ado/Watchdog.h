@@ -67,7 +67,8 @@ private:
     Means m_first;
     Means m_second;
     Clock::time_point m_deadline;
-    unsigned long m_turn = 0; ///< counts the limits
+    Clock::time_point m_wakes = Clock::time_point::max(); ///< when the thread looks again by itself
+    unsigned long m_turn = 0;                             ///< counts the limits
     bool m_active = false;
     bool m_inCall = false;
     bool m_expired = false;
