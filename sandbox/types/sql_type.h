@@ -59,6 +59,12 @@ struct SqlType
     bool operator==(const SqlType&) const = default;
 };
 
+/// Decimal or numeric with as many digits as there can be, in the bytes that these take.
+[[nodiscard]] constexpr SqlType widestDecimal(TypeId id = TypeId::Decimal, int scale = 0)
+{
+    return {id, 17, 38, static_cast<std::uint8_t>(scale)};
+}
+
 [[nodiscard]] bool isInteger(TypeId id);      ///< bit to bigint
 [[nodiscard]] bool isExactNumeric(TypeId id); ///< integers, money, decimal
 [[nodiscard]] bool isNumeric(TypeId id);      ///< exact numerics, real and float

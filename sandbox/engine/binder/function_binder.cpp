@@ -126,7 +126,7 @@ SqlType sumType(const SqlType& type, std::string_view name)
     case TypeId::Numeric: {
         const bool average = name == "avg";
         const int scale = average ? std::max<int>(type.scale, 6) : type.scale;
-        return {TypeId::Decimal, 17, 38, static_cast<std::uint8_t>(scale)};
+        return widestDecimal(TypeId::Decimal, scale);
     }
     default:
         raise(8117, {typeName(type.id), std::string(name)});
@@ -141,7 +141,7 @@ Term bindSum(const Term& argument, std::string_view name, const AggregateText& t
     const SqlType type = sumType(argument.type, name);
     const bool average = name == "avg";
     if (isDecimal(type.id)) {
-        const SqlType widest{TypeId::Decimal, 17, 38, argument.type.scale};
+        const SqlType widest = widestDecimal(TypeId::Decimal, argument.type.scale);
         const std::string value = convertTerm(argument, widest, Conversion::Implicit).sql;
         const std::string sum = text.call("t_sumdec", value);
         if (!average)

@@ -43,7 +43,7 @@ Term widest(const Term& term, int leastScale = 0)
     if (!isDecimal(term.type.id))
         return term;
     const int scale = std::max<int>(term.type.scale, leastScale);
-    return convertTerm(term, {term.type.id, 17, 38, static_cast<std::uint8_t>(scale)}, Conversion::Implicit);
+    return convertTerm(term, widestDecimal(term.type.id, scale), Conversion::Implicit);
 }
 
 Term absolute(const FunctionCall& call)

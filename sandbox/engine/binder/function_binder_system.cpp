@@ -133,7 +133,7 @@ Term newId(const FunctionCall&)
     return resultTerm("t_newid()", {TypeId::UniqueIdentifier, 16}, false);
 }
 
-constexpr SqlType widestNumeric{TypeId::Numeric, 17, 38, 0};
+constexpr SqlType widestNumeric = widestDecimal(TypeId::Numeric);
 
 Term scopeIdentity(const FunctionCall& call)
 {

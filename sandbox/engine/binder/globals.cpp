@@ -27,7 +27,7 @@ constexpr GlobalVariable globals[] = {
     {"@@dbts", {TypeId::VarBinary, 8}},
     {"@@error", wholeNumber},
     {"@@fetch_status", wholeNumber},
-    {"@@identity", {TypeId::Numeric, 17, 38, 0}},
+    {"@@identity", widestDecimal(TypeId::Numeric)},
     {"@@idle", wholeNumber},
     {"@@io_busy", wholeNumber},
     {"@@langid", smallNumber},

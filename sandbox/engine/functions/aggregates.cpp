@@ -32,7 +32,7 @@ struct DecimalSum
 };
 
 // The argument is a decimal of 38 digits in storage form; its scale passes through untouched.
-constexpr SqlType widest{TypeId::Decimal, 17, 38, 0};
+constexpr SqlType widest = widestDecimal();
 
 void addDecimal(sqlite3_context* context, sqlite3_value* argument, int sign)
 {

@@ -172,15 +172,6 @@ void fail(const Call& call)
     raise(static_cast<int>(call.integer(0)), {argument(1), argument(2), argument(3)});
 }
 
-int storedDecimalSize(int precision)
-{
-    if (precision <= 9)
-        return 5;
-    if (precision <= 19)
-        return 9;
-    return precision <= 28 ? 13 : 17;
-}
-
 std::int64_t storedSize(const Call& call, int argument, const SqlType& type)
 {
     if (isCharacter(type.id) || type.id == TypeId::Xml) {
@@ -190,7 +181,7 @@ std::int64_t storedSize(const Call& call, int argument, const SqlType& type)
     if (isBinary(type.id))
         return static_cast<std::int64_t>(call.blob(argument).size());
     if (isDecimal(type.id))
-        return storedDecimalSize(type.precision);
+        return decimalStorage(type.precision);
     if (type.id == TypeId::SqlVariant) {
         const Value value = call.value(argument, type);
         if (const auto* text = std::get_if<std::string>(&value.data))
