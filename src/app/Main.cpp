@@ -4,6 +4,8 @@
 #include "core/Funciones.h"
 #include "core/LeeIdioma.h"
 #include "core/mdiPrincipal.h"
+#include "platform/ado/DriverThread.h"
+#include "platform/controls/Waiting.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -11,6 +13,7 @@ void Main()
 try {
     LeeIdiomaRegistro();
     EnlazaOrdenes();
+    ado::setWaiter({controls::waitPainting, controls::wakeWaiting});
     ::mdiPrincipal->Show();
 } catch (...) {
     InformaError(u"Main"_s);

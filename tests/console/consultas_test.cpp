@@ -4,12 +4,15 @@
 #include "core/Funciones.h"
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
+#include "platform/basic/RuntimeError.h"
 #include "platform/controls/ComboBox.h"
+#include "platform/controls/Pointer.h"
 #include "query/frmAnalizadorConsultas.h"
 #include "support/PracticeServer.h"
 
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -256,6 +259,51 @@ TEST_F(Consultas, ARecordIsLookedForByItsConditions)
     EXPECT_EQ(busca(vacia, {}), QString());
     EXPECT_EQ(Transcripcion(), QString());
     EXPECT_EQ(Avisos(), QList<Aviso>{});
+}
+
+/// Counts the paints of a control.
+class Pintadas : public QObject
+{
+public:
+    explicit Pintadas(QWidget* control) { control->installEventFilter(this); }
+    bool eventFilter(QObject* /*control*/, QEvent* suceso) override
+    {
+        cuantas += suceso->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int cuantas = 0;
+};
+
+TEST_F(Consultas, WhileTheServerWorksTheWindowPaintsAndNobodyElseCallsIt)
+{
+    ArrancaYConecta(Es);
+    Abre(::mdiPrincipal->mnuAnalizadorConsultas);
+    auto* control = forma()->cmdEjecuta;
+    const Pintadas pintadas(control);
+    int vueltas = 0;
+    int rechazos = 0;
+    QList<controls::Pointer> punteros;
+    QTimer otro;
+    QObject::connect(&otro, &QTimer::timeout, [&] {
+        ++vueltas;
+        control->update();
+        punteros += controls::mousePointer();
+        try {
+            ConexionSQL.Execute(u"select 1"_s);
+        } catch (const basic::RuntimeError& error) {
+            rechazos += error.description().startsWith(u"El servidor trabaja todavía"_s) ? 1 : 0;
+        }
+    });
+    otro.start(50);
+    Corre(u"waitfor delay '0:0:1' select 'listo'"_s);
+    otro.stop();
+    EXPECT_EQ(Celda(0, 0), u"listo"_s);
+    EXPECT_GE(vueltas, 5);
+    EXPECT_EQ(rechazos, vueltas);
+    EXPECT_GE(pintadas.cuantas, vueltas - 1);
+    EXPECT_EQ(punteros.count(controls::Pointer::Hourglass), vueltas);
+    EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+    EXPECT_EQ(Avisos(), QList<Aviso>());
 }
 
 TEST_F(Consultas, ALostServerIsAnErrorAndTheNextConnectWorks)

@@ -55,18 +55,25 @@ void Batch::prepare(const QString& text)
 std::shared_ptr<const Result> Batch::open(const QString& text)
 {
     prepare(text);
-    const Turn turn(*this);
-    try {
-        return readNext(true);
-    } catch (const basic::RuntimeError&) {
-        runToEnd();
-        throw;
-    }
+    return m_session->thread().run([this] {
+        const Turn turn(*this);
+        try {
+            return readNext(true);
+        } catch (const basic::RuntimeError&) {
+            runToEnd();
+            throw;
+        }
+    });
 }
 
 std::shared_ptr<const Result> Batch::execute(const QString& text)
 {
     prepare(text);
+    return m_session->thread().run([this] { return executeAll(); });
+}
+
+std::shared_ptr<const Result> Batch::executeAll()
+{
     const Turn turn(*this);
     auto outcome = std::make_shared<Result>();
     MessageList said;
@@ -106,15 +113,17 @@ std::shared_ptr<const Result> Batch::next()
     if (m_stage == Stage::Ended)
         return nullptr;
     requireTime();
-    const Turn turn(*this);
-    try {
-        return readNext(true);
-    } catch (const basic::RuntimeError& error) {
-        if (m_messages.isEmpty())
-            throw;
-        m_kept.emplace_front(error);
-        return messagesAlone();
-    }
+    return m_session->thread().run([this] {
+        const Turn turn(*this);
+        try {
+            return readNext(true);
+        } catch (const basic::RuntimeError& error) {
+            if (m_messages.isEmpty())
+                throw;
+            m_kept.emplace_front(error);
+            return messagesAlone();
+        }
+    });
 }
 
 void Batch::finish(bool keep)
@@ -123,6 +132,11 @@ void Batch::finish(bool keep)
         return;
     if (m_isLimited && m_left.count() <= 0)
         return end();
+    m_session->thread().run([this, keep] { readAll(keep); });
+}
+
+void Batch::readAll(bool keep)
+{
     const Turn turn(*this);
     if (!keep) {
         runToEnd();
@@ -142,7 +156,10 @@ void Batch::finish(bool keep)
 
 void Batch::detach()
 {
-    end();
+    m_session->thread().run([this] {
+        const Watchdog::Limit closing = m_session->closingLimit();
+        end();
+    });
     m_session = nullptr;
 }
 

@@ -66,6 +66,8 @@ private:
     }; ///< Refused: sending itself returned an error
 
     void prepare(const QString& text);
+    std::shared_ptr<const Result> executeAll();
+    void readAll(bool keep);
     std::shared_ptr<const Result> readNext(bool withRows);
     std::shared_ptr<const Result> describe(bool withRows);
     void fill(Result& result, int columns);

@@ -82,7 +82,6 @@ int Connection::State() const
 void Connection::Close()
 {
     if (m_batch && m_session) {
-        const Watchdog::Limit closing = m_session->closingLimit();
         m_batch->detach();
     }
     m_batch.reset();

@@ -5,6 +5,7 @@
 #include "platform/ado/ErrorNumbers.h"
 #include "platform/ado/HostLookup.h"
 #include <QFile>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -63,7 +64,7 @@ Session::Session(const ConnectionRequest& request, std::chrono::seconds timeout)
       m_dbc(m_environment->get())
 {
     const ServerAddress address = parseServerAddress(request.dataSource);
-    if (!awaitLookup(address.host, timeout))
+    if (!m_thread.run([&] { return awaitLookup(address.host, timeout); }))
         throw connectTimeOut(address.description());
     connect(odbcConnectionString(m_driver, address, request), address.description(), timeout);
     m_library = DriverLibrary(m_dbc.get());
@@ -76,17 +77,17 @@ void Session::connect(const QString& text, const QString& server, std::chrono::s
                        odbc::asPointer(static_cast<SQLULEN>(timeout.count())), SQL_IS_UINTEGER);
     const auto shutDown = [this] { m_sockets.shutDown(); };
     const auto limit = timeout.count() > 0 ? timeout + driverLead : timeout;
-    SQLRETURN outcome = SQL_ERROR;
-    const unsigned long encodings = encodingsDone();
-    {
+    const auto [outcome, encodes] = m_thread.run([&] {
+        const unsigned long encodings = encodingsDone();
         const Watchdog::Limit connecting(m_watchdog, limit, shutDown, shutDown);
         const Watchdog::Call call(m_watchdog);
-        outcome = SQLDriverConnectW(m_dbc.get(), nullptr, odbc::wide(connectionText),
-                                    static_cast<SQLSMALLINT>(connectionText.size()), nullptr, 0, nullptr,
-                                    SQL_DRIVER_NOPROMPT);
-    }
+        const SQLRETURN connected = SQLDriverConnectW(m_dbc.get(), nullptr, odbc::wide(connectionText),
+                                                      static_cast<SQLSMALLINT>(connectionText.size()),
+                                                      nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+        return std::pair(connected, encodingsDone() != encodings);
+    });
     m_sockets.stop();
-    m_restoresStandIns = m_driver.family == Driver::Family::FreeTds && encodingsDone() != encodings;
+    m_restoresStandIns = m_driver.family == Driver::Family::FreeTds && encodes;
     if (SQL_SUCCEEDED(outcome))
         return;
     if (m_watchdog.expired())
@@ -96,10 +97,12 @@ void Session::connect(const QString& text, const QString& server, std::chrono::s
 
 Session::~Session()
 {
-    const Watchdog::Limit closing = closingLimit();
-    const Watchdog::Call call(m_watchdog);
-    SQLDisconnect(m_dbc.get());
-    m_dbc.reset();
+    m_thread.run([this] {
+        const Watchdog::Limit closing = closingLimit();
+        const Watchdog::Call call(m_watchdog);
+        SQLDisconnect(m_dbc.get());
+        m_dbc.reset();
+    });
 }
 
 bool Session::isAlive() const

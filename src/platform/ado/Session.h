@@ -4,6 +4,7 @@
 #include "platform/ado/ConnectionString.h"
 #include "platform/ado/Driver.h"
 #include "platform/ado/DriverLibrary.h"
+#include "platform/ado/DriverThread.h"
 #include "platform/ado/Odbc.h"
 #include "platform/ado/Sockets.h"
 #include "platform/ado/Watchdog.h"
@@ -36,6 +37,8 @@ public:
     [[nodiscard]] bool restoresStandIns() const { return m_restoresStandIns; }
     [[nodiscard]] std::chrono::milliseconds statementTimeout() const { return m_statementTimeout; }
     [[nodiscard]] Watchdog& watchdog() { return m_watchdog; }
+    /// Where calls that may take their time are made.
+    [[nodiscard]] DriverThread& thread() { return m_thread; }
     /// Limits what is done on the statement from now on; 0 is no limit.
     [[nodiscard]] Watchdog::Limit limit(const odbc::Statement& statement, std::chrono::milliseconds duration);
     /// Limits what ends a statement or the session.
@@ -48,6 +51,7 @@ private:
     Driver m_driver;
     odbc::Dbc m_dbc;
     SocketTracker m_sockets;
+    DriverThread m_thread;
     Watchdog m_watchdog;
     DriverLibrary m_library;
     bool m_restoresStandIns = false;

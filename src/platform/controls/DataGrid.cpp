@@ -2,6 +2,7 @@
 
 #include "platform/controls/DataGridDelegate.h"
 #include "platform/controls/DataGridModel.h"
+#include "platform/controls/Waiting.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -270,7 +271,7 @@ void DataGrid::currentChanged(const QModelIndex& current, const QModelIndex& pre
 void DataGrid::followReader(int row, int column)
 {
     const QPointer<DataGrid> self(this);
-    if (!outside({row, column}))
+    if (!outside({row, column}) && !isWaiting())
         moveTo({row, column});
     if (self)
         markPlace();
