@@ -110,6 +110,11 @@ TEST_F(Copias, ABackupIsTakenVerifiedAndRestoredElsewhere)
     Manda(::mdiPrincipal->mnuRestaurarCopia);
     auto* forma = &*::frmRestaurarCopia;
     EXPECT_FALSE(forma->cmdAceptar->isEnabled());
+    Clic(forma->cmdCancelar);
+    EXPECT_FALSE(::frmRestaurarCopia.exists());
+    LlegadoAlServidor();
+    Manda(::mdiPrincipal->mnuRestaurarCopia);
+    forma = &*::frmRestaurarCopia;
     forma->DirUbicacion->setPath(controls::shownPath(sencilla.path()));
     Clic(forma->FileUbicacion->viewport(),
          forma->FileUbicacion->visualItemRect(forma->FileUbicacion->topLevelItem(0)).center());

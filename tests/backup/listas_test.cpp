@@ -106,6 +106,8 @@ TEST_F(Listas, FilesAreListedWithTheirSizes)
     EXPECT_EQ(lista.ListIndex(), -1);
     EXPECT_EQ(lista.List(0), u"a b.bak"_s);
     EXPECT_TRUE(lista.topLevelItem(0)->text(1).startsWith(u"2"_s));
+    EXPECT_TRUE(Qt::Alignment(lista.topLevelItem(0)->textAlignment(1)).testFlag(Qt::AlignRight));
+    EXPECT_FALSE(Qt::Alignment(lista.topLevelItem(0)->textAlignment(2)).testFlag(Qt::AlignRight));
     EXPECT_EQ(pulsadas, 0) << "filling is no choice";
     lista.setCurrentItem(lista.topLevelItem(0));
     EXPECT_EQ(pulsadas, 1);

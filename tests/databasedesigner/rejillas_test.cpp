@@ -4,6 +4,8 @@
 #include "core/Global.h"
 #include "core/mdiPrincipal.h"
 
+#include <QPointer>
+#include <QPushButton>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,6 +22,12 @@ protected:
         mano::ClicPestaña(forma->sstBaseDatos, Pagina::Archivos);
         archivos = forma->TDBGridArchivos;
         Llegado();
+    }
+    /// A button that is pressed by its letter goes down and, somewhat later, up.
+    void EsperaBoton() const
+    {
+        const QPointer<QPushButton> boton(forma->cmdAceptar);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return boton.isNull() || !boton->isDown(); }));
     }
     QString Celda(int fila, int columna) const { return forma->Datos.ArchivosBD.at(fila, columna); }
     QStringList Fila(int fila) const
@@ -144,19 +152,32 @@ TEST_F(RejillasBD, AFileIsNotShrunkAndItsGroupMustBeThere)
     EXPECT_EQ(Celda(1, ColArchivo::Grupo), u"viejos"_s);
 }
 
+TEST_F(RejillasBD, LessThanAMegabyteIsAskedForAsHalfOfIt)
+{
+    Prepara(Es, {u"alter database Obra add log file (name = poco, filename = '"_s + Carpeta() +
+                 u"poco.ldf', size = 512KB, filegrowth = 1MB)"_s});
+    forma = Propiedades(u"Obra"_s);
+    mano::ClicPestaña(forma->sstBaseDatos, Pagina::Transacciones);
+    mano::PonCelda(forma->TDBGridTransacciones, 1, ColArchivo::Tamaño, u"0.75"_s);
+    Llegado();
+    Acepta(forma);
+    EXPECT_TRUE(Cambios().contains(u"(NAME = poco, SIZE = 512KB)"_s));
+    Avisos();
+}
+
 TEST_F(RejillasBD, AcceptByItsKeyTakesTheTypedTextInAndStaysWhenACellRefusesIt)
 {
     Abre(En);
     mano::ClicCelda(archivos, 0, ColArchivo::Tamaño);
     mano::Escribe(u"0"_s);
     mano::Tecla(Qt::Key_A, Qt::AltModifier);
-    QTest::qWait(200); // the button goes down and up
+    EsperaBoton();
     EXPECT_EQ(Textos(), QStringList{u"Initial size must be major that exists."_s});
     EXPECT_EQ(Cambios(), QString());
     mano::ClicCelda(archivos, 0, ColArchivo::Cantidad);
     mano::Escribe(u"77"_s);
     mano::Tecla(Qt::Key_A, Qt::AltModifier);
-    QTest::qWait(200); // the button goes down and up
+    EsperaBoton();
     EXPECT_TRUE(Cambios().contains(u"FILEGROWTH=77%"_s));
     EXPECT_EQ(Textos(), QStringList());
 }

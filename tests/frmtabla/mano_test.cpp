@@ -396,6 +396,31 @@ TEST_F(Mano, WhatIsStillBeingTypedIsTakenInOnClosing)
     EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Not numeric value."_s, 48, u"Quermo"_s}}));
     Tecla(Qt::Key_Backspace);
     EXPECT_TRUE(Cierra(controls::Answer::No));
+
+    forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdNuevoIndice);
+    Escribe(u"i"_s);
+    Tecla(Qt::Key_Return);
+    PonCelda(forma->TDBGridIndices, 0, ColCampoIndice::Nombre, u"a"_s);
+    ClicCelda(forma->TDBGridIndices, 1, ColCampoIndice::Nombre);
+    Escribe(u"nuevo"_s); // the second line of the index, not left yet
+    Cambios();
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_TRUE(Cambios().contains(u"nuevo"_s));
+}
+
+TEST_F(Mano, TheFilegroupOfTheTableIsShown)
+{
+    Prepara(Es,
+            {u"alter database Taller add filegroup SEC"_s,
+             u"alter database Taller add file (name = sec, filename = 'C:\\tmp\\quermo-sec.ndf', size = 1MB) "
+             u"to filegroup SEC"_s,
+             u"create table t (a int null) on SEC"_s, u"create table u (a int null)"_s});
+    EXPECT_EQ(Diseña(u"t"_s)->cboGrupoArchivoDatos->Text(), u"SEC"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::No));
+    EXPECT_EQ(Diseña(u"u"_s)->cboGrupoArchivoDatos->Text(), u"PRIMARY"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::No));
 }
 
 } // namespace pruebas

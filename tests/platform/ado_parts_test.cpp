@@ -394,6 +394,7 @@ TEST(FieldValues, DatesOutsideTheirTypeAreNoDates)
         {{1900, 1, 1, 0, 1, 0, 0}, "1/1/1900 0:01:00"}, {{2079, 6, 6, 23, 59, 0, 0}, "6/6/2079 23:59:00"},
         {{2079, 6, 7, 0, 0, 0, 0}, "refused"},          {{1899, 12, 31, 0, 0, 0, 0}, "refused"},
         {{2020, 2, 30, 0, 0, 0, 0}, "refused"},         {{2020, 2, 29, 24, 0, 0, 0}, "refused"},
+        {{2020, 2, 29, 0, 60, 0, 0}, "refused"},        {{2020, 2, 29, 0, 0, 60, 0}, "refused"},
     };
     for (const auto& [given, expected] : small)
         EXPECT_EQ(readBack(Storage::Minutes, field::addMinutes, given), expected);

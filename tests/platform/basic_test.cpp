@@ -162,6 +162,9 @@ TEST(MomentFormat, WritesWhatEachLocaleWrites)
                           locale.toString(day, dayFormat) + u' ' + locale.toString(time, timeFormat))
                     << utf8(locale.name());
             }
+        EXPECT_EQ(basic::text(Variant(basic::Moment{QDate(2024, 2, 9), 0}), locale),
+                  locale.toString(QDate(2024, 2, 9), dayFormat))
+            << "midnight is a day alone in " << utf8(locale.name());
     }
 }
 

@@ -56,6 +56,8 @@ TEST_F(DataGrids, AnUnchangedTextAndEscapeAreNoUpdate)
     EXPECT_EQ(cells.at(0, 2), "c0");
     EXPECT_EQ(place(), "0,2");
     EXPECT_TRUE(grid->hasFocus());
+    press(Qt::Key_Escape);
+    EXPECT_EQ(taken(), QStringList()) << "nothing is edited";
 }
 
 TEST_F(DataGrids, ACancelledUpdateGivesTheOldTextBackAndTheCellStays)

@@ -50,6 +50,21 @@ TEST_F(DataGrids, KeysGoThroughTheCells)
     EXPECT_TRUE(other.hasFocus());
 }
 
+TEST_F(DataGrids, APageOfOneRowIsTurnedRowByRow)
+{
+    open();
+    window.setFixedHeight(window.height() - grid->viewport()->height() + 2 * grid->rowHeight(0) - 4);
+    ASSERT_LE(grid->VisibleRows(), 2);
+    for (const int row : {1, 2, 3}) {
+        press(Qt::Key_PageDown);
+        EXPECT_EQ(grid->Bookmark(), row);
+    }
+    press(Qt::Key_PageUp);
+    EXPECT_EQ(grid->Bookmark(), 2);
+    EXPECT_EQ(grid->model()->headerData(1, Qt::Horizontal).toString(), "Column 1");
+    EXPECT_FALSE(grid->model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).isValid());
+}
+
 TEST_F(DataGrids, TabBehindTheLastCellStoresItAndLeaves)
 {
     open();

@@ -161,6 +161,13 @@ TEST(Lists, FilledAnewUnderThePointerSelectWhatWasSeenThere)
     ASSERT_NE(list.SelectedItem(), nullptr);
     EXPECT_EQ(list.SelectedItem()->Text(), seen);
 
+    for (const int scrolled : {1, 20, 57}) {
+        list.verticalScrollBar()->setValue(scrolled * list.itemRect(list.Item(0)).height() + 3);
+        const auto top = std::pair(list.HitTest({0, 0})->Text(), list.itemRect(list.HitTest({0, 0})).top());
+        fill(list, 100);
+        QTest::qWait(2);
+        EXPECT_EQ(std::pair(list.HitTest({0, 0})->Text(), list.itemRect(list.HitTest({0, 0})).top()), top);
+    }
     list.Clear();
     list.Add("T0", "another");
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, {20, 5});

@@ -27,6 +27,8 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <Qsci/qscilexersql.h>
+
 #include <utility>
 
 namespace controls {
@@ -174,6 +176,12 @@ TEST(Lists, ItemsHaveKeysAndSubItems)
     const QAbstractItemModelTester tester(list.model(),
                                           QAbstractItemModelTester::FailureReportingMode::Fatal);
     EXPECT_EQ(list.header()->count(), 4);
+    list.EnsureVisible(list.Add("T9", "nine"));
+    EXPECT_EQ(list.model()->rowCount(), 1);
+    EXPECT_TRUE(list.model()->index(0, 3).isValid());
+    EXPECT_FALSE(list.model()->index(0, 4).isValid());
+    EXPECT_FALSE(list.model()->index(1, 0).isValid());
+    list.Clear();
     list.setColumnHeader(4, "four");
     EXPECT_EQ(list.columnHeader(4), "four");
     list.setColumnHeader(6, "six");
@@ -279,6 +287,19 @@ TEST(Editors, KeepTheTextAsGivenWithItsLineEnds)
     EXPECT_EQ(editor.Text(), withNul);
     editor.setText(QString());
     EXPECT_EQ(editor.Text(), QString());
+}
+
+TEST(Editors, WordsAndTypesHaveStylesOfTheirOwn)
+{
+    SqlEditor editor;
+    editor.setText("declare cantidad varchar 'x' -- y");
+    editor.recolor();
+    const auto styleAt = [&](long at) { return editor.SendScintilla(QsciScintilla::SCI_GETSTYLEAT, at); };
+    QList<long> styles;
+    for (const long at : {0L, 8L, 17L, 26L, 30L})
+        styles += styleAt(at);
+    EXPECT_EQ(styles, (QList<long>{QsciLexerSQL::Keyword, QsciLexerSQL::Identifier, QsciLexerSQL::KeywordSet5,
+                                   QsciLexerSQL::SingleQuotedString, QsciLexerSQL::CommentLine}));
 }
 
 TEST(Editors, FindGoesRoundTheEndAndTellsWhenThereIsNothing)
