@@ -11,11 +11,14 @@
 #include "platform/basic/RuntimeError.h"
 #include "platform/controls/FileLists.h"
 #include "platform/controls/Pointer.h"
+#include "support/FaultProxy.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace pruebas::mano;
@@ -192,6 +195,63 @@ TEST_F(Copias, AFileThatIsNoBackupOrVanishesLeavesTheFormAsItWas)
     EXPECT_TRUE(Avisos().value(0).texto.startsWith(u" Error Nº:3201 ("_s));
     EXPECT_TRUE(::frmRestaurarCopia.exists());
     EXPECT_EQ(Consulta(u"select a from Obra..t"_s), u"7"_s);
+}
+
+TEST_F(Copias, AConnectionLostInABackupOrARestoreLeavesTheOldOrTheNew)
+{
+    Prepara(Es);
+    support::FaultProxy red(ServidorDePrueba().section(u',', 1).toUShort());
+    const auto reconecta = [&] {
+        red.setFault({});
+        Conecta(u"127.0.0.1,"_s + QString::number(red.port()), u"sa"_s, ClaveDePrueba);
+        Avisos();
+    };
+    /// Runs something whose statement number k does not reach the server, or whose answer does not come back.
+    const auto pierde = [&](int k, support::Fault::Direction hacia, const std::function<void()>& algo) {
+        ado::setStatementObserver([&, n = 0](const QString&) mutable {
+            if (++n == k)
+                red.setFault({.kind = support::Fault::Kind::Close, .direction = hacia});
+        });
+        algo();
+        ado::setStatementObserver({});
+        EXPECT_FALSE(Avisos().isEmpty());
+        EXPECT_EQ(controls::mousePointer(), controls::Pointer::Default);
+        reconecta();
+    };
+    const QTemporaryDir sencilla;
+    const QString archivo = controls::shownPath(sencilla.filePath(u"obra.bak"_s));
+    reconecta();
+    using Direction = support::Fault::Direction;
+    for (const Direction hacia : {Direction::ToServer, Direction::ToClient})
+        for (int k = 1; k <= 4; ++k) {
+            SCOPED_TRACE(k);
+            Manda(::mdiPrincipal->mnuCopiaSeguridad);
+            Clic(::frmCopiaSeguridad->txtDestino);
+            Escribe(archivo);
+            pierde(k, hacia, [] { Clic(::frmCopiaSeguridad->cmdAceptar); });
+            ASSERT_TRUE(::frmCopiaSeguridad.exists());
+            Clic(::frmCopiaSeguridad->cmdAceptar);
+            EXPECT_EQ(Avisos().size(), 1);
+            EXPECT_FALSE(::frmCopiaSeguridad.exists());
+        }
+    Ejecuta({u"restore verifyonly from disk = '"_s + archivo + u"'"_s, u"update Obra..t set a = 8"_s});
+    for (const Direction hacia : {Direction::ToServer, Direction::ToClient}) {
+        Ejecuta({u"update Obra..t set a = 8"_s, u"use master"_s});
+        Manda(::mdiPrincipal->mnuRestaurarCopia);
+        ::frmRestaurarCopia->DirUbicacion->setPath(controls::shownPath(sencilla.path()));
+        auto* lista = ::frmRestaurarCopia->FileUbicacion;
+        Clic(lista->viewport(), lista->visualItemRect(lista->topLevelItem(0)).center());
+        constexpr int Restaura = 2; // behind the change to master
+        pierde(Restaura, hacia, [] { Clic(::frmRestaurarCopia->cmdAceptar); });
+        const QString queda = Consulta(u"select a from Obra..t"_s);
+        EXPECT_TRUE(queda == u"8"_s || (queda == u"7"_s && hacia == Direction::ToClient))
+            << queda.toStdString();
+        ASSERT_TRUE(::frmRestaurarCopia.exists());
+        Clic(::frmRestaurarCopia->cmdAceptar);
+        EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Restauración realizada con exito."_s, 48, u"Quermo"_s}}));
+        EXPECT_EQ(Consulta(u"select a from Obra..t"_s), u"7"_s);
+    }
+    Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba); // the way through the proxy ends here
 }
 
 TEST_F(Copias, EachStatementRefusedOnceLeavesTheFormOpenAndTheNextTryWorks)

@@ -92,6 +92,7 @@ public:
         states.push_back(stateIn(store()));
         must("BACKUP LOG Ventas TO " + disk);
         states.push_back(states.back());
+        kinds = "FL";
     }
 
     void must(const std::string& batch) const
@@ -108,14 +109,18 @@ public:
              (number % 3 == 0 ? " WHERE c % 1000 = 7" : "") + "; INSERT INTO Ventas..u VALUES (" +
              std::to_string(number) + ")");
         const std::string now = stateIn(store());
-        runAndKill(store(), "BACKUP LOG Ventas TO " + disk, pause());
+        const bool isLog = random() % 2 == 0;
+        runAndKill(store(),
+                   isLog ? "BACKUP LOG Ventas TO " + disk
+                         : "BACKUP DATABASE Ventas TO " + disk + " WITH DIFFERENTIAL",
+                   pause());
         EXPECT_EQ(stateIn(store()), now);
         // The set is whole in the file or not there at all; the sets before it are what they were.
         if (sets() > states.size())
-            states.push_back(now);
+            add(isLog ? 'L' : 'D', now);
         EXPECT_EQ(sets(), states.size());
         must("BACKUP LOG Ventas TO " + disk);
-        states.push_back(now);
+        add('L', now);
     }
 
     /// Is killed while it restores, and then brings back what a chain leads to.
@@ -137,6 +142,7 @@ public:
         // Begins anew with a chain of its own.
         must("BACKUP DATABASE Ventas TO " + disk + " WITH INIT");
         states = {before};
+        kinds = "F";
     }
 
     std::mt19937 random{20};
@@ -146,11 +152,28 @@ private:
     [[nodiscard]] std::filesystem::path store() const { return folder.path() / "store"; }
     std::chrono::microseconds pause() { return std::chrono::microseconds(random() % 60'000); }
 
-    void replayTo(std::size_t last) const
+    void add(char kind, const std::string& state)
+    {
+        kinds += kind;
+        states.push_back(state);
+    }
+
+    /// By the logs, or over the last differential set on the way.
+    void replayTo(std::size_t last)
     {
         must("RESTORE DATABASE Ventas FROM " + disk + " WITH NORECOVERY");
-        for (std::size_t set = 1; set <= last; ++set)
-            must("RESTORE LOG Ventas FROM " + disk + " WITH NORECOVERY, FILE = " + std::to_string(set + 1));
+        std::size_t set = 0;
+        const std::size_t differential = kinds.rfind('D', last);
+        if (differential != std::string::npos && (differential == last || random() % 2 == 0)) {
+            set = differential;
+            must("RESTORE DATABASE Ventas FROM " + disk +
+                 " WITH NORECOVERY, FILE = " + std::to_string(set + 1));
+        }
+        while (++set <= last) {
+            if (kinds[set] == 'L')
+                must("RESTORE LOG Ventas FROM " + disk +
+                     " WITH NORECOVERY, FILE = " + std::to_string(set + 1));
+        }
         must("RESTORE DATABASE Ventas WITH RECOVERY");
     }
 
@@ -165,6 +188,7 @@ private:
     TemporaryDirectory folder;
     std::string disk = "DISK = 'C:" + (folder.path() / "a.bak").string() + "'";
     std::vector<std::string> states; ///< after each set
+    std::string kinds;               ///< full, log or differential: of each set
 };
 
 TEST(BackupKill, NothingIsLost)

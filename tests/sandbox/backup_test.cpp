@@ -156,7 +156,7 @@ void change(BackupEngine& server, std::mt19937& random)
     };
     const std::string table = "Ventas..t" + number(4);
     const std::string name = table.substr(8);
-    switch (random() % 12) {
+    switch (random() % 15) {
     case 0:
         server.run("CREATE TABLE " + table + " (a int IDENTITY PRIMARY KEY, b varchar(300) NULL)");
         break;
@@ -181,6 +181,19 @@ void change(BackupEngine& server, std::mt19937& random)
         break;
     case 7:
         server.run("USE Ventas; EXEC sp_addrole 'r" + number(20) + "'; USE master");
+        break;
+    case 9:
+        server.run("USE Ventas; EXEC sp_addrolemember 'r" + number(20) + "', 'r" + number(20) +
+                   "'; EXEC sp_addrolemember 'db_datareader', 'r" + number(20) + "'; USE master");
+        break;
+    case 10:
+        server.run("USE Ventas; REVOKE SELECT ON " + name +
+                   " FROM public; GRANT CREATE TABLE, CREATE VIEW TO r" + number(20) +
+                   "; DENY UPDATE, DELETE ON " + name + " TO r" + number(20) + "; USE master");
+        break;
+    case 11:
+        server.run("USE Ventas; EXEC sp_droprolemember 'db_datareader', 'r" + number(20) +
+                   "'; EXEC sp_droprole 'r" + number(20) + "'; USE master");
         break;
     case 8:
         // There and back again: what is as it was at a base must still reach those who saw it otherwise.
@@ -515,6 +528,67 @@ TEST_F(BackupTest, AFullDiskIsToldAndLeavesTheSetsThatAreThere)
     EXPECT_EQ(run("RESTORE VERIFYONLY FROM " + server().disk("a.bak")),
               "-- The backup set on file 1 is valid.\n");
     server().mustRun(backup + "; RESTORE DATABASE Ventas FROM " + server().disk("a.bak") + " WITH FILE = 13");
+}
+
+TEST_F(BackupTest, AFullDiskInARestoreLeavesTheDatabaseThatWasThere)
+{
+    server().mustRun("CREATE TABLE Ventas..t (a int, b char(200))");
+    server().mustRun("INSERT INTO Ventas..t SELECT TOP 30000 1, 'x' FROM master..sysobjects a, "
+                     "master..sysobjects b, master..sysobjects c");
+    const std::string disk = server().disk("a.bak");
+    server().mustRun("BACKUP DATABASE Ventas TO " + disk + "; UPDATE Ventas..t SET a = 2 WHERE b = 'x'");
+    const std::string before = server().stateOf("Ventas");
+    for (const std::uintmax_t bytes : {100'000, 3'000'000}) {
+        {
+            const FullDisk full(bytes);
+            const std::string answer = run("RESTORE DATABASE Ventas FROM " + disk);
+            EXPECT_NE(answer.find("Msg "), std::string::npos) << answer;
+            EXPECT_EQ(answer.find("successfully"), std::string::npos) << answer;
+        }
+        EXPECT_EQ(server().stateOf("Ventas"), before);
+    }
+    server().mustRun("RESTORE DATABASE Ventas FROM " + disk);
+    EXPECT_EQ(run("SELECT COUNT(*) AS n, MAX(a) AS x FROM Ventas..t"), "n | x\n30000 | 1\n");
+}
+
+TEST_F(BackupTest, ACancelInTheMiddleLeavesFileAndDatabaseAsTheyWere)
+{
+    /// Cancels its session when the work is on its way.
+    class Impatient : public Answer
+    {
+    public:
+        explicit Impatient(Session& session) : session_(session) {}
+        void message(const Message& message) override
+        {
+            Answer::message(message);
+            if (message.number == 3211)
+                session_.cancel();
+        }
+
+    private:
+        Session& session_;
+    };
+    server().mustRun("CREATE TABLE Ventas..t (a int, b char(200))");
+    server().mustRun("INSERT INTO Ventas..t SELECT TOP 20000 1, 'x' FROM master..sysobjects a, "
+                     "master..sysobjects b, master..sysobjects c");
+    const std::string disk = server().disk("a.bak");
+    server().mustRun("BACKUP DATABASE Ventas TO " + disk + "; UPDATE Ventas..t SET a = 2");
+    const std::string before = server().stateOf("Ventas");
+    const auto size = std::filesystem::file_size(server().path("a.bak"));
+    Session& session = server().engine().session();
+    for (const std::string& statement : {"BACKUP DATABASE Ventas TO " + disk + " WITH STATS = 10",
+                                         "BACKUP DATABASE Ventas TO " + disk + " WITH INIT, STATS = 10",
+                                         "RESTORE DATABASE Ventas FROM " + disk + " WITH STATS = 10"}) {
+        Impatient sink(session);
+        session.executeBatch(statement, sink);
+        EXPECT_EQ(sink.text.find("successfully"), std::string::npos) << statement << sink.text;
+        EXPECT_EQ(std::filesystem::file_size(server().path("a.bak")), size) << statement;
+        EXPECT_FALSE(std::filesystem::exists(server().path("a.bak.new"))) << statement;
+        EXPECT_EQ(run("RESTORE VERIFYONLY FROM " + disk), "-- The backup set on file 1 is valid.\n");
+        EXPECT_EQ(server().stateOf("Ventas"), before) << statement;
+    }
+    server().mustRun("RESTORE DATABASE Ventas FROM " + disk);
+    EXPECT_EQ(run("SELECT MAX(a) AS x FROM Ventas..t"), "x\n1\n");
 }
 
 } // namespace
