@@ -117,11 +117,12 @@ void FolderList::fill()
 {
     clear();
     constexpr qsizetype indentation = 2; // blanks a level
-    const auto add = [this](const QString& name, const QString& path, int depth) {
-        auto* entry = new QListWidgetItem(QString(depth * indentation, u' ') + name, this);
+    const QIcon closed(u":/icons/CarpetaCerrada.svg"_s); // each of its own would be read from the file again
+    const auto add = [&](const QString& name, const QString& path, int depth) {
+        auto* entry = new QListWidgetItem(closed, QString(depth * indentation, u' ') + name);
         entry->setData(pathRole, path);
         entry->setData(Qt::AccessibleTextRole, path);
-        entry->setIcon(QIcon(u":/icons/CarpetaCerrada.svg"_s));
+        addItem(entry);
     };
     const QStringList parts = m_path.split(u'\\', Qt::SkipEmptyParts);
     QString path;
