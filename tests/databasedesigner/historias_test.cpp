@@ -110,7 +110,11 @@ TEST_F(HistoriasBD, ANewDatabaseWithThreeFilesInTwoGroups)
 {
     Prepara(En);
     Ejecuta({u"if db_id('Casa') is not null drop database Casa"_s});
+    Propiedades(u"Obra"_s)->Unload(); // whose groups are none of the new one
+    BaseDatosActual.clear();
     auto* forma = Nueva();
+    EXPECT_EQ(forma->Datos.GruposBD.at(0, ColGrupo::Nombre), QString());
+    EXPECT_EQ(forma->sstBaseDatos->currentIndex(), Pagina::General);
     EXPECT_FALSE(forma->sstBaseDatos->isTabEnabled(Pagina::Grupos));
     EXPECT_FALSE(forma->sstBaseDatos->isTabEnabled(Pagina::Permisos));
     EXPECT_EQ(forma->cboModelo->ListIndex(), 2) << "without a name all is null";

@@ -91,6 +91,7 @@ TEST(ServerAddresses, AreSplit)
         {u"(local)"_s, {u"localhost"_s, u""_s, 0}},
         {u".\\SQLEXPRESS"_s, {u"localhost"_s, u"SQLEXPRESS"_s, 0}},
         {u"."_s, {u"localhost"_s, u""_s, 0}},
+        {u",1433"_s, {u"localhost"_s, u""_s, 1433}},
         {u""_s, {u"localhost"_s, u""_s, 0}},
         {u"TCP:10.0.0.1,1444"_s, {u"10.0.0.1"_s, u""_s, 1444}},
         {u"[::1],1433"_s, {u"::1"_s, u""_s, 1433}},

@@ -78,6 +78,21 @@ TEST_F(DataGrids, ACancelledUpdateGivesTheOldTextBackAndTheCellStays)
     QObject::disconnect(refusal);
 }
 
+TEST_F(DataGrids, EnterThatTheFormLeavesToTheGridStaysWhenTheUpdateIsCancelled)
+{
+    open();
+    go(0, 1);
+    QObject::connect(grid, &DataGrid::BeforeColUpdate, grid,
+                     [](int, const QString&, bool& cancel) { cancel = true; });
+    type("zz");
+    press(Qt::Key_Return);
+    EXPECT_EQ(place(), "0,1");
+    EXPECT_EQ(cells.at(0, 1), "b0");
+    press(Qt::Key_Escape);
+    press(Qt::Key_Return);
+    EXPECT_EQ(place(), "0,2");
+}
+
 TEST_F(DataGrids, ACancelledEditDoesNotBeginAndACancelledMoveDoesNotHappen)
 {
     open();

@@ -369,9 +369,11 @@ TEST(MessageBoxes, StyleDecidesButtonsAndDefault)
         QStringList buttons;
         QString defaultButton;
         Answer onEscape;
-    } cases[] = {{48, {"OK"}, "OK", Answer::Ok},
-                 {292, {"&Yes", "&No"}, "&No", Answer::No},
-                 {35, {"&Yes", "&No", "Cancel"}, "&Yes", Answer::Cancel}};
+        QMessageBox::Icon icon;
+    } cases[] = {{48, {"OK"}, "OK", Answer::Ok, QMessageBox::Warning},
+                 {16, {"OK"}, "OK", Answer::Ok, QMessageBox::Critical},
+                 {292, {"&Yes", "&No"}, "&No", Answer::No, QMessageBox::Question},
+                 {35, {"&Yes", "&No", "Cancel"}, "&Yes", Answer::Cancel, QMessageBox::Question}};
     setUiLanguage(1);
     for (const auto& each : cases) {
         QStringList buttons;
@@ -381,6 +383,7 @@ TEST(MessageBoxes, StyleDecidesButtonsAndDefault)
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
             ASSERT_NE(box, nullptr);
             plain = box->textFormat() == Qt::PlainText && box->text() == "<b>x</b>";
+            EXPECT_EQ(box->icon(), each.icon);
             for (auto* button : box->buttons()) {
                 buttons += button->text();
                 if (qobject_cast<QPushButton*>(button)->isDefault())

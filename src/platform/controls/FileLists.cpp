@@ -116,7 +116,7 @@ QString FolderList::List(int index) const
 void FolderList::fill()
 {
     clear();
-    constexpr qsizetype indentation = 2; // blanks a level
+    constexpr qsizetype indentation = 2;                 // blanks a level
     const QIcon closed(u":/icons/CarpetaCerrada.svg"_s); // each of its own would be read from the file again
     const auto add = [&](const QString& name, const QString& path, int depth) {
         auto* entry = new QListWidgetItem(closed, QString(depth * indentation, u' ') + name);
