@@ -6,6 +6,7 @@
 #include "core/mdiPrincipal.h"
 #include "query/frmProcedimiento.h"
 #include "query/frmVista.h"
+#include "security/frmInicioSesion.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -59,6 +60,7 @@ try {
 void DiseñoInicioSesion()
 try {
     UsuarioActual = ::frmAdministrador->ItemSeleccionado()->Text();
+    MuestraFormulario(&*::frmInicioSesion);
 } catch (...) {
     InformaError(u"DiseñoInicioSesion"_s);
 }

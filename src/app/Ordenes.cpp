@@ -4,6 +4,7 @@
 #include "app/Ordenes_Copias.h"
 #include "app/Ordenes_Objetos.h"
 #include "app/Ordenes_Scripts.h"
+#include "app/Ordenes_Seguridad.h"
 #include "app/Ordenes_Tabla.h"
 #include "browser/frmAdministrador.h"
 #include "core/Funciones.h"
@@ -71,6 +72,7 @@ void EnlazaOrdenes()
     enlaza(m->mnuAñadirTabla, mnuAñadirTabla_Click);
     enlaza(m->mnuAñadirVista, mnuAñadirVista_Click);
     enlaza(m->mnuAñadirProcedimiento, mnuAñadirProcedimiento_Click);
+    enlaza(m->mnuAñadirInicioSesion, mnuAñadirInicioSesion_Click);
     enlaza(m->mnuDiseño, mnuDiseño_Click);
     enlaza(m->mnuVerRegistros, mnuVerRegistros_Click);
     enlaza(m->mnuEliminar, mnuEliminar_Click);
