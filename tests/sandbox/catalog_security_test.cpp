@@ -27,10 +27,10 @@ TEST(Security, RefusesWhatAUserMayNotDo)
     expect("CREATE DATABASE x",
            "Msg 262, Level 14, State 1: CREATE DATABASE permission denied in database 'master'.\n");
     expect("DROP TABLE ajena",
-           "Msg 3701, Level 11, State 5: Cannot drop the table 'ajena', because it does not exist "
+           "Msg 3701, Level 14, State 20: Cannot drop the table 'ajena', because it does not exist "
            "or you do not have permission.\n");
     expect("ALTER TABLE ajena ADD b int",
-           "Msg 4902, Level 16, State 1: Cannot find the object \"ajena\" because it "
+           "Msg 1088, Level 16, State 13: Cannot find the object \"ajena\" because it "
            "does not exist or you do not have permissions.\n");
     expect("GRANT SELECT ON ajena TO public",
            "Msg 4613, Level 16, State 1: Grantor does not have GRANT permission.\n");

@@ -2,6 +2,7 @@
 #include "engine/binder/ddl_types.h"
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
+#include "engine/context/standing.h"
 #include "engine/definition/ddl.h"
 #include "engine/definition/ddl_columns.h"
 #include "engine/definition/ddl_names.h"
@@ -85,13 +86,29 @@ StoredModule alterModule(const Module& module, const Object& present)
     return {present.databaseId, present.id};
 }
 
+ObjectPtr presentModule(const Module& module)
+{
+    return module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
+}
+
+/// Whose the module is or is going to be: its own query is bound with what it will lend.
+ModuleOwner ownerOf(const Module& module)
+{
+    if (const ObjectPtr present = presentModule(module))
+        return {present->databaseId, present->ownerId};
+    if (module.mode == ast::DefinitionMode::Alter)
+        return {module.session.database()->id, module.session.user().id};
+    const ObjectPlace place = placeForNew(module.session, module.name, module.words);
+    return {place.database->id, place.ownerId};
+}
+
 StoredModule storeModule(const Module& module)
 {
     requireModuleName(module);
-    const ObjectPtr present =
-        module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
-    const bool alters = present && present->kind == module.kind && !present->shipped &&
-                        mayChange(module.session, present->databaseId, present->ownerId);
+    const ObjectPtr present = presentModule(module);
+    const bool alters = present && present->kind == module.kind && !present->shipped;
+    if (alters && !mayChange(module.session, *present))
+        raiseNoRight("alter", kindWord(module.kind), plainName(module.name));
     if (!alters && module.mode == ast::DefinitionMode::Alter) {
         Message missing = makeMessage(208, {plainName(module.name)});
         missing.state = 6;
@@ -118,12 +135,13 @@ void insertParameters(const Module& module, const StoredModule& stored,
     }
 }
 
-std::vector<ColumnInfo> describeText(SessionContext& session, const std::string& text)
+std::vector<ColumnInfo> describeText(SessionContext& session, const ModuleOwner& owner,
+                                     const std::string& text)
 {
     ParserOptions options;
     options.quotedIdentifier = session.options().quotedIdentifier;
     const ast::Batch batch = parseBatch(text, options);
-    return session.describeQuery(ast::as<ast::SelectStatement>(*batch.statements.front()));
+    return session.describeQuery(ast::as<ast::SelectStatement>(*batch.statements.front()), owner);
 }
 
 void nameColumns(std::vector<ColumnInfo>& columns, const ast::CreateViewStatement& statement)
@@ -178,7 +196,8 @@ void createView(SessionContext& session, const ast::CreateViewStatement& stateme
                         ObjectKind::View, "CREATE VIEW", statement.encryption};
     requireModuleName(module);
     requireUnordered(statement);
-    std::vector<ColumnInfo> columns = describeText(session, sourceText(session, statement.query.source));
+    std::vector<ColumnInfo> columns =
+        describeText(session, ownerOf(module), sourceText(session, statement.query.source));
     nameColumns(columns, statement);
     insertColumns(session, storeModule(module), columns);
 }

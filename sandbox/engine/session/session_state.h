@@ -61,7 +61,8 @@ public:
     [[nodiscard]] SqlType typeOfExpression(const Object* table, const std::string& text) override;
     [[nodiscard]] std::string convertExpression(const std::string& sqlite, const SqlType& from,
                                                 const SqlType& to) override;
-    [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query) override;
+    [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query,
+                                                        const ModuleOwner& owner) override;
 
     /// SET LANGUAGE, with the environment change and message 5703.
     void useLanguage(const Language& language, const std::string& before);
