@@ -127,7 +127,7 @@ public:
             if (mayTouch(id))
                 continue;
             const Column* column = need_.object->column(id);
-            // Who has nothing on any column is told about the object.
+            // Who may touch no column is told about the object, unless this very one is denied.
             if (column == nullptr || !isTornIntoColumns(id))
                 return wholeRefusal();
             messages.push_back(refusal(session_, need_, column));
@@ -166,9 +166,7 @@ private:
 
     [[nodiscard]] bool isTornIntoColumns(int column) const
     {
-        return entries_.columns.contains(column) || holds(0) ||
-               std::ranges::any_of(entries_.columns,
-                                   [](const auto& entry) { return entry.second == Said::Granted; });
+        return entries_.columns.contains(column) || mayTouchAny();
     }
 
     [[nodiscard]] std::vector<Message> wholeRefusal() const { return {refusal(session_, need_, nullptr)}; }
@@ -208,6 +206,11 @@ void raiseAll(std::vector<Message> messages)
 bool appliesToColumns(Right right)
 {
     return right == Right::Select || right == Right::Update || right == Right::References;
+}
+
+bool hasRight(SessionContext& session, const RightNeed& need)
+{
+    return refusalsOf(session, need).empty();
 }
 
 void requireRights(SessionContext& session, const std::vector<RightNeed>& needs)

@@ -36,6 +36,9 @@ struct RightNeed
 /// @throws SqlError 229, 230; 916 where the login has no user
 void requireRights(SessionContext& session, const std::vector<RightNeed>& needs);
 
+/// True when nothing of the need would be refused.
+[[nodiscard]] bool hasRight(SessionContext& session, const RightNeed& need);
+
 inline void requireRight(SessionContext& session, const ObjectPtr& object, Right right)
 {
     requireRights(session, {{object, right}});

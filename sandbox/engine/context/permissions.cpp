@@ -69,19 +69,23 @@ void requireWritable(const Database& database)
         raise(3906, {database.name});
 }
 
-void requireStatementPermission(SessionContext& session, const Database& database, const char* statement)
+bool mayRun(SessionContext& session, const Database& database, const char* statement)
 {
     const Standing standing(session, database);
     if (standing.isDbo())
-        return;
+        return true;
     const auto* const action =
         std::ranges::find(statementActions, std::string_view(statement), &StatementAction::name);
-    if (action != statementActions.end()) {
-        const int said = verdict(session, standing, database.id, action->number);
-        if (said > 0 || (said == 0 && hasRoleFor(standing, *action)))
-            return;
-    }
-    raise(262, {statement, database.name});
+    if (action == statementActions.end())
+        return false;
+    const int said = verdict(session, standing, database.id, action->number);
+    return said > 0 || (said == 0 && hasRoleFor(standing, *action));
+}
+
+void requireStatementPermission(SessionContext& session, const Database& database, const char* statement)
+{
+    if (!mayRun(session, database, statement))
+        raise(262, {statement, database.name});
 }
 
 bool mayChange(SessionContext& session, const Object& object)

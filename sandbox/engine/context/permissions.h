@@ -10,6 +10,7 @@ void requireOnline(const Database& database);
 /// @throws SqlError 3906 besides, for one that is read-only
 void requireWritable(const Database& database);
 
+[[nodiscard]] bool mayRun(SessionContext& session, const Database& database, const char* statement);
 /// @param statement "CREATE TABLE", "BACKUP LOG" ...
 /// @throws SqlError 262; 916 where the login has no user
 void requireStatementPermission(SessionContext& session, const Database& database, const char* statement);

@@ -26,6 +26,8 @@ struct ModuleOwner
 {
     int databaseId = 0;
     int ownerId = 0;
+
+    bool operator==(const ModuleOwner&) const = default;
 };
 
 /// What SET switches. The initial values are those of a fresh connection over ODBC.

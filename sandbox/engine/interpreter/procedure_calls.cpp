@@ -176,10 +176,7 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
 int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& arguments)
 {
     requireRoomToNest();
-    // Two procedures of one text may belong to two owners: their plans are kept apart.
-    const CompiledBatchPtr compiled =
-        session_.compile(procedure->text, "\x1f" + std::to_string(procedure->databaseId) + "." +
-                                              std::to_string(procedure->id));
+    const CompiledBatchPtr compiled = session_.compile(procedure->text);
     const ast::CreateProcedureStatement& definition = definitionOf(*compiled, procedure->name);
     auto frame = std::make_unique<Frame>();
     frame->compiled = compiled;
@@ -317,6 +314,14 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
 {
     known = true;
     const std::string procedure = lowerCase(name.object);
+    // A database prefix makes the procedure work on that database.
+    const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
+    if (wanted) {
+        requireOnline(*wanted);
+        requireAccess(session_, *wanted);
+    }
+    const Temporarily<DatabasePtr> database(session_.frame().database,
+                                            wanted ? wanted : session_.frame().database);
     if (procedure == "sp_executesql")
         return executeSql(arguments);
     if (procedure == "sp_prepare" || procedure == "sp_prepexec")
@@ -338,13 +343,7 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
             raise(8179, {std::to_string(handle)});
         return 0;
     }
-    // A database prefix makes the procedure work on that database.
-    const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
-    if (wanted)
-        requireOnline(*wanted);
-    requireAccess(session_, wanted ? *wanted : *session_.database());
-    const Temporarily<DatabasePtr> database(session_.frame().database,
-                                            wanted ? wanted : session_.frame().database);
+    requireAccess(session_, *session_.database());
     const Temporarily<Completion::Kind> completion(session_.frame().completion,
                                                    Completion::Kind::InProcedure);
     // What it writes outside a transaction is its own to commit, like a statement's.

@@ -170,7 +170,7 @@ PlanType* SessionState::findPlan(const void* node)
     Plan& plan = *found->second;
     if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
         plan.concatNullYieldsNull != options_.concatNullYieldsNull ||
-        plan.visibility != temporaries_->visibility())
+        plan.visibility != temporaries_->visibility() || plan.module != frame().module)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -182,6 +182,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
     plan->databaseId = database()->id;
     plan->concatNullYieldsNull = options_.concatNullYieldsNull;
     plan->visibility = temporaries_->visibility();
+    plan->module = frame().module;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;
