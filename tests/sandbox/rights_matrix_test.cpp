@@ -153,7 +153,7 @@ private:
     {
         if (statement.starts_with("!"))
             return Engine::run(session, replacedFolder(statement.substr(1)));
-        const std::string answer = Engine::run(session, "BEGIN TRAN " + statement);
+        std::string answer = Engine::run(session, "BEGIN TRAN " + statement);
         Engine::run(session, "IF @@TRANCOUNT > 0 ROLLBACK");
         return answer;
     }

@@ -206,8 +206,10 @@ protected:
     {
         run("CREATE DATABASE Ventas");
         run("USE Ventas");
-        for (const std::string& user : users)
-            run("EXEC sp_addlogin '" + user + "', 'uno', 'Ventas' EXEC sp_grantdbaccess '" + user + "'");
+        for (const std::string& user : users) {
+            run("EXEC sp_addlogin '" + user + "', 'uno', 'Ventas'");
+            run("EXEC sp_grantdbaccess '" + user + "'");
+        }
         for (const std::string& role : roles)
             run("EXEC sp_addrole '" + role + "'");
         run("CREATE TABLE dbo.t (a int PRIMARY KEY, b int, c int) INSERT dbo.t VALUES (1, 1, 1)");

@@ -86,9 +86,17 @@ StoredModule alterModule(const Module& module, const Object& present)
     return {present.databaseId, present.id};
 }
 
+/// The module that ALTER is about, if it is there.
+/// @throws SqlError 3701 for one that is not the user's to alter
 ObjectPtr presentModule(const Module& module)
 {
-    return module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
+    ObjectPtr present =
+        module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
+    if (!present || present->kind != module.kind || present->shipped)
+        return nullptr;
+    if (!mayChange(module.session, *present))
+        raiseNoRight("alter", kindWord(module.kind), plainName(module.name));
+    return present;
 }
 
 /// Whose the module is or is going to be: its own query is bound with what it will lend.
@@ -106,15 +114,12 @@ StoredModule storeModule(const Module& module)
 {
     requireModuleName(module);
     const ObjectPtr present = presentModule(module);
-    const bool alters = present && present->kind == module.kind && !present->shipped;
-    if (alters && !mayChange(module.session, *present))
-        raiseNoRight("alter", kindWord(module.kind), plainName(module.name));
-    if (!alters && module.mode == ast::DefinitionMode::Alter) {
+    if (!present && module.mode == ast::DefinitionMode::Alter) {
         Message missing = makeMessage(208, {plainName(module.name)});
         missing.state = 6;
         throw SqlError{missing};
     }
-    const StoredModule stored = alters ? alterModule(module, *present) : insertModule(module);
+    const StoredModule stored = present ? alterModule(module, *present) : insertModule(module);
     writeText(module.session.connection(), stored.databaseId, stored.id, moduleText(module),
               module.encrypted);
     return stored;

@@ -38,7 +38,7 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
     }
     if (!name.schema.empty() && !isTemporary(name.object)) {
         const auto owner = session.catalog().principal(place.database->id, name.schema);
-        if (!owner || !mayCreateFor(session, *place.database, owner->id))
+        if (!owner || owner->id == publicId || !mayCreateFor(session, *place.database, owner->id))
             raise(2760, {name.schema});
         place.ownerId = owner->id;
     }
