@@ -21,7 +21,7 @@ const std::vector<std::string> fixedRoles = {"db_owner",      "db_datareader",  
                                              "db_ddladmin",   "db_denydatareader", "db_denydatawriter",
                                              "db_accessadmin"};
 const std::vector<std::string> columns = {"a", "b", "c"};
-const std::vector<std::string> rights = {"SELECT", "INSERT", "UPDATE", "DELETE", "REFERENCES"};
+const std::vector<std::string> rights = {"SELECT", "INSERT", "UPDATE", "DELETE", "REFERENCES", "CONTROL"};
 
 bool onColumns(const std::string& right)
 {
@@ -126,6 +126,13 @@ private:
         return all.contains(right == "REFERENCES" ? "db_ddladmin" : "db_datawriter");
     }
 
+    [[nodiscard]] Word said(const std::string& principal, const std::string& object,
+                            const std::string& right) const
+    {
+        const auto found = words_.find({principal, object, right});
+        return found == words_.end() ? Word() : found->second;
+    }
+
     /// @param column "" for the object alone
     [[nodiscard]] bool allows(const std::set<std::string>& all, const std::string& right,
                               const std::string& object, const std::string& column) const
@@ -133,17 +140,15 @@ private:
         std::set<State> ofColumn;
         std::set<State> ofObject;
         for (const std::string& principal : all) {
-            const auto word = words_.find({principal, object, right});
-            if (word == words_.end())
-                continue;
-            const auto own = word->second.columns.find(column);
-            if (own == word->second.columns.end())
-                ofObject.insert(word->second.object);
-            else
+            const Word word = said(principal, object, right);
+            const auto own = word.columns.find(column);
+            if (own != word.columns.end())
                 ofColumn.insert(own->second);
             // A grant or denial of a column leaves what the principal has on the object in force.
-            if (own != word->second.columns.end() && own->second != State::Taken)
-                ofObject.insert(word->second.object);
+            if (own != word.columns.end() && own->second == State::Taken)
+                continue;
+            ofObject.insert(word.object);
+            ofObject.insert(said(principal, object, "CONTROL").object);
         }
         if (ofColumn.contains(State::Denied))
             return false;
@@ -159,10 +164,7 @@ private:
                                 const std::string& object, const std::string& column) const
     {
         for (const std::string& principal : all) {
-            const auto word = words_.find({principal, object, right});
-            if (word == words_.end())
-                continue;
-            for (const auto& [name, state] : word->second.columns) {
+            for (const auto& [name, state] : said(principal, object, right).columns) {
                 if (state == State::Denied && name == column)
                     return true;
             }

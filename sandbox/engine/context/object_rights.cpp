@@ -33,6 +33,12 @@ Said worse(Said left, Said right)
 const char* nameOf(Right right)
 {
     switch (right) {
+    case Right::Alter:
+        return "ALTER";
+    case Right::Control:
+        return "CONTROL";
+    case Right::ViewDefinition:
+        return "VIEW DEFINITION";
     case Right::References:
         return "REFERENCES";
     case Right::Select:
@@ -54,12 +60,13 @@ Entries entriesOf(SessionContext& session, const Standing& standing, const Right
     Entries entries;
     Statement rows(session.connection(),
                    "SELECT 0, uid, protecttype FROM cat_permission WHERE dbid = ?1 AND id = ?2 AND "
-                   "action = ?3 AND uid IN (" +
+                   "action IN (?3, ?4) AND uid IN (" +
                        standing.principals() +
                        ") UNION ALL SELECT colid, uid, protecttype FROM cat_column_permission "
                        "WHERE dbid = ?1 AND id = ?2 AND action = ?3 AND uid IN (" +
                        standing.principals() + ")");
     rows.bind(1, need.object->databaseId).bind(2, need.object->id).bind(3, static_cast<int>(need.right));
+    rows.bind(4, static_cast<int>(Right::Control));
     while (rows.step()) {
         const int column = rows.number(0);
         const int principal = rows.number(1);
@@ -83,7 +90,7 @@ bool isGrantedByRole(const Standing& standing, Right right)
 {
     if (standing.inFixedRole("db_owner"))
         return true;
-    if (right == Right::References)
+    if (right == Right::References || right == Right::Alter || right == Right::Control)
         return standing.inFixedRole("db_ddladmin");
     if (right == Right::Select)
         return standing.inFixedRole("db_datareader");

@@ -8,9 +8,12 @@
 
 namespace practice {
 
-/// The numbers that sysprotects shows.
+/// The numbers that sysprotects shows. It does not show the first ones.
 enum class Right : std::uint8_t
 {
+    Alter = 1,
+    Control = 2, ///< brings all of the others; asked for by itself, the right to drop
+    ViewDefinition = 3,
     References = 26,
     Select = 193,
     Insert = 195,

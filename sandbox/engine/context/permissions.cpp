@@ -1,7 +1,6 @@
 #include "engine/context/permissions.h"
 
-#include "engine/context/standing.h"
-#include "engine/context/temporary_names.h"
+#include "engine/context/object_rights.h"
 #include "engine/messages/errors.h"
 
 #include <algorithm>
@@ -52,6 +51,12 @@ int verdict(SessionContext& session, const Standing& standing, int databaseId, i
     return entries.number(0) == protection::denied ? -1 : 1;
 }
 
+/// For as long as the call lasts.
+ObjectPtr borrowed(const Object& object)
+{
+    return {ObjectPtr(), &object};
+}
+
 } // namespace
 
 void requireOnline(const Database& database)
@@ -90,10 +95,12 @@ void requireStatementPermission(SessionContext& session, const Database& databas
 
 bool mayChange(SessionContext& session, const Object& object)
 {
-    if (object.databaseId == tempdbId && isTemporary(object.name))
-        return true;
-    const DatabasePtr database = session.catalog().database(object.databaseId);
-    return database && mayCreateFor(session, *database, object.ownerId);
+    return hasRight(session, {borrowed(object), Right::Alter, {}});
+}
+
+bool mayDrop(SessionContext& session, const Object& object)
+{
+    return hasRight(session, {borrowed(object), Right::Control, {}});
 }
 
 bool mayCreateFor(SessionContext& session, const Database& database, int ownerId)

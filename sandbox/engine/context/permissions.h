@@ -15,8 +15,11 @@ void requireWritable(const Database& database);
 /// @throws SqlError 262; 916 where the login has no user
 void requireStatementPermission(SessionContext& session, const Database& database, const char* statement);
 
-/// True when the session's user may alter and drop the object: its owner, db_owner, db_ddladmin.
+/// True when the session's user may alter the object: its owner, db_owner, db_ddladmin, and who has ALTER
+/// or CONTROL on it.
 [[nodiscard]] bool mayChange(SessionContext& session, const Object& object);
+/// The same for dropping it, for which ALTER is not enough.
+[[nodiscard]] bool mayDrop(SessionContext& session, const Object& object);
 /// True when he may make objects that will be the principal's.
 [[nodiscard]] bool mayCreateFor(SessionContext& session, const Database& database, int ownerId);
 /// db_owner of that database, or sysadmin.

@@ -68,7 +68,7 @@ void dropOne(SessionContext& session, const DropWords& words, const ast::ObjectN
         return;
     if (!object || constraint)
         raise(3701, {"drop", words.noun, plainName(name)});
-    if (!mayChange(session, *object))
+    if (!mayDrop(session, *object))
         raiseNoRight("drop", words.noun, plainName(name));
     requireWritable(*session.catalog().database(object->databaseId));
     requireKind(*object, words, plainName(name));

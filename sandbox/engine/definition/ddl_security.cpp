@@ -1,5 +1,6 @@
 // GRANT, DENY, REVOKE, and the definition of principals.
 #include "engine/catalog/catalog_writer.h"
+#include "engine/context/object_rights.h"
 #include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"
 #include "engine/definition/ddl.h"
@@ -22,6 +23,7 @@ enum class GrantScope : std::uint8_t
 {
     Table,
     Procedure,
+    Object, ///< either of them
     Statement
 };
 
@@ -40,6 +42,9 @@ constexpr std::array permissions{
     Permission{"REFERENCES", 26, GrantScope::Table},
     Permission{"EXECUTE", 224, GrantScope::Procedure},
     Permission{"EXEC", 224, GrantScope::Procedure},
+    Permission{"ALTER", static_cast<int>(Right::Alter), GrantScope::Object},
+    Permission{"CONTROL", static_cast<int>(Right::Control), GrantScope::Object},
+    Permission{"VIEW DEFINITION", static_cast<int>(Right::ViewDefinition), GrantScope::Object},
     Permission{"CREATE TABLE", 198, GrantScope::Statement},
     Permission{"CREATE DATABASE", createDatabaseAction, GrantScope::Statement},
     Permission{"CREATE VIEW", 207, GrantScope::Statement},
@@ -94,7 +99,8 @@ std::vector<NamedRight> rightsOf(const ast::PermissionStatement& statement, cons
                          [&](const Permission& permission) { return item.name == permission.name; });
         if (known == permissions.end())
             raise(165, {item.name});
-        if (known->scope != scope)
+        const bool ofAnyObject = known->scope == GrantScope::Object && object != nullptr;
+        if (known->scope != scope && !ofAnyObject)
             raise(4606, {item.name});
         if (known->action == createDatabaseAction && databaseId != masterId)
             raise(4619);

@@ -52,7 +52,7 @@ grantor      smallint         p.grantor
      "WHERE c.dbid = w.dbid AND c.id = w.id AND c.uid = w.uid AND c.action = w.action), '')) END AS bits "
      "FROM cat_permission w UNION ALL SELECT dbid, id, uid, action, protecttype, min(grantor), "
      "practice_bits(group_concat(colid)) FROM cat_column_permission WHERE protecttype > 0 "
-     "GROUP BY dbid, id, uid, action, protecttype) p WHERE p.dbid = :db"},
+     "GROUP BY dbid, id, uid, action, protecttype) p WHERE p.dbid = :db AND p.action > 3"},
 
     {"dbo", "syspermissions", false,
      R"(
@@ -147,7 +147,7 @@ major_id              int           p.id
 minor_id              int           p.colid
 grantee_principal_id  int           p.uid
 grantor_principal_id  int           p.grantor
-permission_name       nvarchar(128)? (SELECT upper(v.name) FROM sys_value v WHERE v.type = 'T' AND v.number = p.action)
+permission_name       nvarchar(128)? CASE p.action WHEN 1 THEN 'ALTER' WHEN 2 THEN 'CONTROL' WHEN 3 THEN 'VIEW DEFINITION' ELSE (SELECT upper(v.name) FROM sys_value v WHERE v.type = 'T' AND v.number = p.action) END
 state                 char(1)       CASE p.protecttype WHEN 0 THEN 'R' WHEN 204 THEN 'W' WHEN 205 THEN 'G' ELSE 'D' END
 state_desc            nvarchar(60)? CASE p.protecttype WHEN 0 THEN 'REVOKE' WHEN 204 THEN 'GRANT_WITH_GRANT_OPTION' WHEN 205 THEN 'GRANT' ELSE 'DENY' END
 )",
