@@ -9,6 +9,10 @@
 //     a                                  its answer, as Answer renders it, up to the empty line
 //     1
 //
+//     ana> SELECT a FROM t              as the login ana, whose password is `uno`, in a session that
+//     a                                  lasts until the group ends
+//     1
+//
 // An answer has no line of column names when they all are empty. A line that ends in a blank is written with
 // a ¶ behind it, a carriage return as ␍. $DIR is an empty folder of the group's own, in the server's form of
 // paths.
@@ -18,6 +22,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -27,6 +32,7 @@ namespace {
 struct Case
 {
     int line;
+    std::string login; ///< "" for sa
     std::string statement;
     std::string answer;
 };
@@ -56,6 +62,14 @@ void addLine(std::string& text, const std::string& line)
     text += (text.empty() ? "" : "\n") + line;
 }
 
+/// Where the name before > ends in a line "ana> SELECT 1"; npos in any other.
+std::size_t endOfLogin(const std::string& line)
+{
+    const std::size_t end = line.find_first_not_of("abcdefghijklmnopqrstuvwxyz");
+    return end != 0 && end != std::string::npos && line.substr(end).starts_with("> ") ? end
+                                                                                      : std::string::npos;
+}
+
 /// @throws std::runtime_error for a line that is no part of a case
 CaseFile readCases(const std::filesystem::path& path)
 {
@@ -71,10 +85,13 @@ CaseFile readCases(const std::filesystem::path& path)
             open = nullptr;
         } else if (line.starts_with(">")) {
             if (open == nullptr || answering)
-                open = &cases.emplace_back(Case{number, "", ""});
+                open = &cases.emplace_back(Case{number, "", "", ""});
             else
                 open->statement += '\n';
             open->statement += replaced(line.substr(line.starts_with("> ") ? 2 : 1), "␍", "\r");
+            answering = false;
+        } else if (const std::size_t end = endOfLogin(line); open == nullptr && end != std::string::npos) {
+            open = &cases.emplace_back(Case{number, line.substr(0, end), line.substr(end + 2), ""});
             answering = false;
         } else if (line.empty()) {
             open = nullptr;
@@ -118,6 +135,12 @@ public:
             engine.run(statement);
         run(engine, setUp_, windowsPath(directory.path()));
         run(engine, group_.cases, windowsPath(directory.path()));
+        for (const auto& [login, session] : std::exchange(sessions_, {}))
+            logins_.push_back(login);
+        if (!logins_.empty())
+            engine.run("USE master DROP DATABASE Ventas");
+        for (const std::string& login : logins_)
+            engine.run("EXEC sp_droplogin '" + login + "'");
     }
 
 private:
@@ -125,14 +148,27 @@ private:
     {
         for (const Case& expected : cases) {
             const testing::ScopedTrace trace(path_.c_str(), expected.line, expected.statement);
-            const std::string answer = engine.run(replaced(expected.statement, "$DIR", folder));
+            const std::string statement = replaced(expected.statement, "$DIR", folder);
+            const std::string answer = expected.login.empty()
+                                           ? engine.run(statement)
+                                           : Engine::run(sessionOf(engine, expected.login), statement);
             EXPECT_EQ(replaced(written(answer), folder, "$DIR"), expected.answer);
         }
+    }
+
+    Session& sessionOf(Engine& engine, const std::string& login)
+    {
+        std::unique_ptr<Session>& session = sessions_[login];
+        if (!session)
+            session = engine.login(login, "uno");
+        return *session;
     }
 
     std::filesystem::path path_;
     std::vector<Case> setUp_;
     Group group_;
+    std::map<std::string, std::unique_ptr<Session>> sessions_;
+    std::vector<std::string> logins_;
 };
 
 void registerFile(const std::filesystem::path& path)

@@ -27,10 +27,10 @@ TEST(Security, RefusesWhatAUserMayNotDo)
     expect("CREATE DATABASE x",
            "Msg 262, Level 14, State 1: CREATE DATABASE permission denied in database 'master'.\n");
     expect("DROP TABLE ajena",
-           "Msg 3701, Level 11, State 5: Cannot drop the table 'ajena', because it does not exist "
+           "Msg 3701, Level 14, State 20: Cannot drop the table 'ajena', because it does not exist "
            "or you do not have permission.\n");
     expect("ALTER TABLE ajena ADD b int",
-           "Msg 4902, Level 16, State 1: Cannot find the object \"ajena\" because it "
+           "Msg 1088, Level 16, State 13: Cannot find the object \"ajena\" because it "
            "does not exist or you do not have permissions.\n");
     expect("GRANT SELECT ON ajena TO public",
            "Msg 4613, Level 16, State 1: Grantor does not have GRANT permission.\n");
@@ -86,6 +86,36 @@ TEST(Security, KeepsWhoIsConnected)
             "Msg 15434, Level 16, State 1: Could not drop login 'luz' as the user is currently logged in.\n");
     }
     EXPECT_EQ(engine.run("EXEC sp_droplogin 'luz'"), "-- Login dropped.\n");
+}
+
+TEST(Security, ChecksWhatIsCalledOverTheWire)
+{
+    Engine& engine = freshDatabase();
+    engine.run("EXEC sp_addlogin 'wil', 'Clave-1' EXEC sp_grantdbaccess 'wil' CREATE TABLE t (a int) "
+               "INSERT t VALUES (1) CREATE DATABASE Cerrada");
+    engine.run("CREATE PROCEDURE p AS SELECT a FROM t");
+    const auto session = engine.login("wil", "Clave-1", "Ventas");
+    const auto call = [&session](const char* name, const std::vector<std::string>& texts) {
+        std::vector<Parameter> parameters;
+        for (const std::string& text : texts) {
+            Parameter parameter;
+            parameter.type = SqlType{TypeId::NVarChar, 4000};
+            parameter.value = Value{text, {}};
+            parameters.push_back(std::move(parameter));
+        }
+        Answer answer;
+        session->executeProcedure(name, std::move(parameters), answer);
+        return answer.text.substr(0, answer.text.find(','));
+    };
+    EXPECT_EQ(call("p", {}), "Msg 229");
+    EXPECT_EQ(call("sp_executesql", {"SELECT a FROM t"}), "Msg 229");
+    EXPECT_EQ(call("sp_executesql", {"DELETE t"}), "Msg 229");
+    EXPECT_EQ(call("Cerrada..sp_helpuser", {}), "Msg 916");
+    EXPECT_EQ(call("Cerrada..sp_executesql", {"SELECT 1"}), "Msg 916");
+    EXPECT_EQ(call("tempdb..sp_executesql", {"SELECT db_name() AS d"}), "d\ntempdb\n");
+    engine.run("GRANT EXECUTE ON p TO wil");
+    EXPECT_EQ(call("p", {}), "a\n1\n");
+    engine.run("USE master DROP DATABASE Cerrada");
 }
 
 /// Grants of the statements, each tried by the user whom it is for.

@@ -6,6 +6,7 @@
 #include "engine/backup/restore_listing.h"
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
+#include "engine/context/standing.h"
 #include "engine/definition/ddl_database.h"
 #include "engine/messages/errors.h"
 
@@ -36,7 +37,9 @@ void requireMayRestore(SessionContext& session, const Database* database)
 {
     if (database == nullptr)
         return requireMayCreateDatabases(session);
-    if (!isDatabaseOwner(session, database->id) && !hasServerRole(session, DbCreator))
+    // A role in the database does not count: the server may not be able to look into it.
+    const auto user = userIn(session, database->id);
+    if (!(user && user->id == dboId) && !hasServerRole(session, DbCreator))
         raise(3110, {database->name});
 }
 

@@ -9,10 +9,22 @@
 namespace practice {
 namespace {
 
-constexpr std::array ofDatabase = {
-    "cat_database",  "cat_object", "cat_column",    "cat_identity",         "cat_comment",
-    "cat_index",     "cat_check",  "cat_reference", "cat_reference_column", "cat_index_key",
-    "cat_filegroup", "cat_file",   "cat_user",      "cat_member",           "cat_permission"};
+constexpr std::array ofDatabase = {"cat_database",
+                                   "cat_object",
+                                   "cat_column",
+                                   "cat_identity",
+                                   "cat_comment",
+                                   "cat_index",
+                                   "cat_check",
+                                   "cat_reference",
+                                   "cat_reference_column",
+                                   "cat_index_key",
+                                   "cat_filegroup",
+                                   "cat_file",
+                                   "cat_user",
+                                   "cat_member",
+                                   "cat_permission",
+                                   "cat_column_permission"};
 
 /// Digests a chunk in large pieces.
 class ChunkDigest

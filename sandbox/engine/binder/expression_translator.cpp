@@ -268,6 +268,7 @@ const SourceColumn* Translator::findColumn(const ast::Column& column, Scope& sco
         if (found != nullptr) {
             owner = at;
             noteColumn(*from, *found, *at);
+            noteRead(*from, *found);
             return found;
         }
         if (prefixHere && !column.table.empty())

@@ -119,8 +119,10 @@ Term checksum(const FunctionCall& call)
     std::string arguments;
     if (call.node().star) {
         for (const Source& source : call.scope().sources) {
-            for (const SourceColumn& column : source.columns)
+            for (const SourceColumn& column : source.columns) {
+                call.translator().noteRead(source, column);
                 arguments += (arguments.empty() ? "" : ",") + column.term.sql;
+            }
         }
     }
     for (std::size_t i = 0; i < call.count(); ++i)

@@ -157,6 +157,7 @@ void BlockText::readStar(const ast::SelectItem& item)
             continue;
         found = true;
         for (const SourceColumn& column : source.columns) {
+            translator_.noteRead(source, column);
             Item expanded{column.name, column.term, column.identity, column.stored != nullptr, {}};
             if (std::find(scope_.groups.begin(), scope_.groups.end(), comparable(column.term)) ==
                 scope_.groups.end())

@@ -2,6 +2,7 @@
 #include "engine/binder/parsed_texts.h"
 #include "engine/binder/translator.h"
 #include "engine/context/permissions.h"
+#include "engine/context/standing.h"
 #include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 #include "types/text_encoding.h"
@@ -88,6 +89,7 @@ ObjectPtr Translator::object(const ast::ObjectName& name)
     if (!database || (!name.server.empty() && !sameName(name.server, context_.session.serverName())))
         raise(208, {writtenName(name)});
     requireOnline(*database);
+    requireAccess(context_.session, *database);
     ObjectPtr found = catalog.object(database->id, name.schema, name.object, context_.userId);
     if (!found)
         raise(208, {writtenName(name)});
@@ -196,19 +198,19 @@ std::string Translator::namedTable(const ast::NamedTable& node, Scope& scope)
     if (const SystemTable* system = findSystemTable(name.schema, name.object)) {
         const DatabasePtr database =
             name.database.empty() ? context_.database : context_.session.catalog().database(name.database);
-        if (database)
+        if (database) {
             requireOnline(*database);
-        if (database)
+            requireSystemTable(context_.session, *database, *system,
+                               context_.session.catalog().object(database->id, "", system->name));
             return systemTable(*system, database->id, std::move(source), scope);
+        }
     }
     const ObjectPtr found = object(name);
-    if (viewDepth_ == 0 && !context_.chained)
-        requirePermission(context_.session, *found, "SELECT");
-    if (found->kind == ObjectKind::View)
-        return viewTable(found, std::move(source), scope);
-    if (found->kind != ObjectKind::UserTable)
+    if (found->kind != ObjectKind::View && found->kind != ObjectKind::UserTable)
         raise(208, {writtenName(name)});
-    return addStoredTable(found, std::move(source), scope);
+    source.need = needToRead(found, true);
+    return found->kind == ObjectKind::View ? viewTable(found, std::move(source), scope)
+                                           : addStoredTable(found, std::move(source), scope);
 }
 
 std::string Translator::addStoredTable(const ObjectPtr& table, Source source, Scope& scope)
@@ -239,6 +241,7 @@ std::string Translator::addStoredTable(const ObjectPtr& table, Source source, Sc
             continue;
         Scope own;
         own.sources.push_back(scope.sources.back());
+        own.sources.back().need = noNeed; // the right to the column itself is enough
         const auto tree = parsedExpression(*column.computed);
         Term term = expression(*tree, own);
         term.sql = "(" + term.sql + ")";
@@ -363,7 +366,11 @@ std::string Translator::viewTable(const ObjectPtr& view, Source source, Scope& s
     auto outerRecursive = std::exchange(recursive_, {});
     const DatabasePtr outerDatabase =
         std::exchange(context_.database, context_.session.catalog().database(view->databaseId));
+    const auto outerModule = std::exchange(context_.module, ModuleOwner{view->databaseId, view->ownerId});
+    const int outerUser = std::exchange(context_.userId, view->ownerId);
     TranslatedQuery query = subquery(definition->query, nullptr);
+    context_.userId = outerUser;
+    context_.module = outerModule;
     context_.database = outerDatabase;
     recursive_ = std::move(outerRecursive);
     commonTables_ = std::move(outerTables);

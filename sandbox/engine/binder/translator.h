@@ -6,6 +6,7 @@
 #include "engine/api/result_sink.h"
 #include "engine/binder/term.h"
 #include "engine/catalog/catalog.h"
+#include "engine/context/object_rights.h"
 #include "engine/context/session_context.h"
 #include "tsql/ast.h"
 
@@ -41,8 +42,8 @@ struct BindContext
     std::function<std::optional<SqlType>(const std::string&)> variableType;
     /// The name in tempdb under which a table variable's rows lie; "" when there is none.
     std::function<std::string(const std::string&)> tableVariable;
-    /// Inside a module: what its owner may read, its caller may read through it.
-    bool chained = false;
+    /// Inside a module: what it lends to its caller.
+    std::optional<ModuleOwner> module{};
 };
 
 struct SourceColumn
@@ -52,6 +53,9 @@ struct SourceColumn
     std::optional<Identity> identity = std::nullopt;
     const Column* stored = nullptr;
 };
+
+/// Of a source that nobody has to be allowed to read.
+inline constexpr int noNeed = -1;
 
 /// One table of a FROM clause.
 struct Source
@@ -64,6 +68,7 @@ struct Source
     std::string handle{}; ///< SQLite's alias: "t1"
     ObjectPtr object{};   ///< of a stored table or view
     std::string depth{};  ///< of a recursive reference: the column that counts the levels
+    int need = noNeed;    ///< where the right to read it stands among those that the statement needs
     std::vector<SourceColumn> columns{};
 };
 
@@ -132,6 +137,19 @@ public:
     [[nodiscard]] ObjectPtr object(const ast::ObjectName& name);
     /// Adds a stored table to a scope and gives its text for FROM.
     std::string addStoredTable(const ObjectPtr& table, Source source, Scope& scope);
+
+    /// Notes that the statement needs a right to an object, on the columns if it applies to columns,
+    /// unless the module in which the statement stands lends it.
+    void need(const ObjectPtr& object, Right right, std::set<int> columns = {});
+    /// From here on reading a column of the source takes the right to it. A source that is merely
+    /// there takes none.
+    void watch(Source& source, const ObjectPtr& object);
+    /// A source that is the target of a change, too, need not be readable while no column is read.
+    void needOnlyWhatIsRead(const Source& source);
+    /// A column of the source is read.
+    void noteRead(const Source& source, const SourceColumn& column);
+    /// To be asked once all of the statement is bound. @throws SqlError 229, 230
+    void requireRights();
 
     /// Makes WITH tables known to what is translated next.
     void enterCommonTables(const std::vector<ast::CommonTable>& tables);
@@ -214,8 +232,16 @@ private:
     std::string recursiveReference(RecursiveTable& table, const ast::NamedTable& node, Scope& scope);
     std::string addSource(Source source, const std::vector<QueryColumn>& columns, const std::string& sql,
                           Scope& scope);
+    int needToRead(const ObjectPtr& object, bool anyColumn);
+
+    struct Need
+    {
+        RightNeed right;
+        bool anyColumn = true; ///< reading none is reading, too: COUNT(*)
+    };
 
     BindContext context_;
+    std::vector<Need> needs_;
     std::vector<ParameterSlot> parameters_;
     std::vector<VisibleTable> commonTables_;
     std::vector<RecursiveTable> recursive_;

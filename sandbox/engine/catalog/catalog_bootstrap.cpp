@@ -147,6 +147,7 @@ void prepare(sqlite3* connection, const BootstrapOptions& options)
 {
     if (!exists(connection))
         createCatalog(connection, options.dataDirectory, options.saPassword);
+    execute(connection, columnPermissionSchema()); // a store of an earlier revision has it not
     if (storedRevision(connection) != staticRevision) {
         insertStaticRows(connection, options.systemProcedures);
         execute(connection, "PRAGMA user_version = " + std::to_string(staticRevision));

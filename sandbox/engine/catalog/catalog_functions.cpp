@@ -5,6 +5,9 @@
 #include "engine/store/store.h"
 #include "types/text_encoding.h"
 
+#include <algorithm>
+#include <sstream>
+
 namespace practice {
 namespace {
 
@@ -32,6 +35,23 @@ void encodeUtf16(sqlite3_context* context, int, sqlite3_value** arguments)
     for (const char16_t unit : toUtf16(text)) {
         bytes += char(unit & 0xFF);
         bytes += char(unit >> 8);
+    }
+    sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+}
+
+/// practice_bits('0,2,9'): a varbinary with those bits set, the lowest one first.
+void setBits(sqlite3_context* context, int, sqlite3_value** arguments)
+{
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL)
+        return;
+    constexpr std::size_t bitsOfByte = 8;
+    std::string bytes;
+    std::istringstream numbers(reinterpret_cast<const char*>(sqlite3_value_text(arguments[0])));
+    for (std::string number; std::getline(numbers, number, ',');) {
+        const auto bit = static_cast<std::size_t>(std::stoul(number));
+        bytes.resize(std::max(bytes.size(), bit / bitsOfByte + 1), '\0');
+        char& byte = bytes[bit / bitsOfByte];
+        byte = static_cast<char>(static_cast<unsigned char>(byte) | (1U << (bit % bitsOfByte)));
     }
     sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
@@ -93,6 +113,7 @@ void registerCatalogFunctions(sqlite3* connection)
 {
     define(connection, "practice_rows", 2, SQLITE_DIRECTONLY, countRows);
     define(connection, "practice_utf16", 1, SQLITE_DETERMINISTIC, encodeUtf16);
+    define(connection, "practice_bits", 1, SQLITE_DETERMINISTIC, setBits);
     define(connection, "practice_messages", 0, SQLITE_DETERMINISTIC, listMessages);
     define(connection, "practice_sessions", 0, 0, listNoSessions);
 }

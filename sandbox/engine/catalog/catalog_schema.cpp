@@ -134,4 +134,14 @@ CREATE VIEW cat_column_type AS
 )sql";
 }
 
+const char* columnPermissionSchema()
+{
+    return R"sql(
+CREATE TABLE IF NOT EXISTS cat_column_permission(
+    dbid INTEGER NOT NULL, id INTEGER NOT NULL, colid INTEGER NOT NULL, uid INTEGER NOT NULL,
+    action INTEGER NOT NULL, protecttype INTEGER NOT NULL, grantor INTEGER NOT NULL,
+    PRIMARY KEY(dbid, id, colid, uid, action)) WITHOUT ROWID;
+)sql";
+}
+
 } // namespace practice

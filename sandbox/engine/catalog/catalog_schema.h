@@ -6,5 +6,7 @@ namespace practice {
 
 /// Makes all catalog tables; several statements in one text.
 [[nodiscard]] const char* catalogSchema();
+/// Makes the table of the rights on columns, unless it is there.
+[[nodiscard]] const char* columnPermissionSchema();
 
 } // namespace practice

@@ -29,6 +29,19 @@ void runFor(sqlite3* connection, const char* sql, int databaseId, int id)
     Statement(connection, sql).bind(1, databaseId).bind(2, id).run();
 }
 
+struct ColumnPlace
+{
+    int databaseId;
+    int objectId;
+    int columnId;
+};
+
+void deleteColumnRow(sqlite3* connection, const std::string& table, const ColumnPlace& place)
+{
+    Statement row(connection, "DELETE FROM " + table + " WHERE dbid = ? AND id = ? AND colid = ?");
+    row.bind(1, place.databaseId).bind(2, place.objectId).bind(3, place.columnId).run();
+}
+
 void insertFixedUsers(sqlite3* connection, const NewDatabase& database)
 {
     struct Fixed
@@ -104,7 +117,7 @@ void deleteDatabase(sqlite3* connection, int databaseId)
     for (const char* table :
          {"cat_database", "cat_object", "cat_column", "cat_identity", "cat_comment", "cat_index",
           "cat_index_key", "cat_check", "cat_reference", "cat_reference_column", "cat_filegroup", "cat_file",
-          "cat_user", "cat_member", "cat_permission"})
+          "cat_user", "cat_member", "cat_permission", "cat_column_permission"})
         runFor(connection, ("DELETE FROM " + std::string(table) + " WHERE dbid = ?").c_str(), databaseId);
     bumpCatalogVersion(connection);
 }
@@ -162,10 +175,17 @@ int insertObject(sqlite3* connection, int databaseId, const NewObject& object)
 
 void deleteObject(sqlite3* connection, int databaseId, int objectId)
 {
-    for (const char* table : {"cat_object", "cat_column", "cat_identity", "cat_comment", "cat_permission"})
+    for (const char* table : {"cat_object", "cat_column", "cat_identity", "cat_comment"})
         runFor(connection, ("DELETE FROM " + std::string(table) + " WHERE dbid = ? AND id = ?").c_str(),
                databaseId, objectId);
+    deletePermissions(connection, databaseId, objectId);
     bumpCatalogVersion(connection);
+}
+
+void deletePermissions(sqlite3* connection, int databaseId, int objectId)
+{
+    runFor(connection, "DELETE FROM cat_permission WHERE dbid = ? AND id = ?", databaseId, objectId);
+    runFor(connection, "DELETE FROM cat_column_permission WHERE dbid = ? AND id = ?", databaseId, objectId);
 }
 
 void renameObject(sqlite3* connection, int databaseId, int objectId, const std::string& name)
@@ -230,14 +250,14 @@ void insertParameter(sqlite3* connection, int databaseId, int objectId, int numb
 
 void replaceColumn(sqlite3* connection, int databaseId, int objectId, const Column& column)
 {
-    deleteColumn(connection, databaseId, objectId, column.id);
+    deleteColumnRow(connection, "cat_column", {databaseId, objectId, column.id});
     insertColumn(connection, databaseId, objectId, column);
 }
 
 void deleteColumn(sqlite3* connection, int databaseId, int objectId, int columnId)
 {
-    Statement row(connection, "DELETE FROM cat_column WHERE dbid = ? AND id = ? AND colid = ?");
-    row.bind(1, databaseId).bind(2, objectId).bind(3, columnId).run();
+    for (const char* table : {"cat_column", "cat_column_permission"})
+        deleteColumnRow(connection, table, {databaseId, objectId, columnId});
     bumpCatalogVersion(connection);
 }
 

@@ -64,6 +64,8 @@ struct NewObject
 int insertObject(sqlite3* connection, int databaseId, const NewObject& object);
 /// The object alone, with its text, parameters or columns, and the permissions on it.
 void deleteObject(sqlite3* connection, int databaseId, int objectId);
+/// All that was granted and denied on an object and its columns.
+void deletePermissions(sqlite3* connection, int databaseId, int objectId);
 void renameObject(sqlite3* connection, int databaseId, int objectId, const std::string& name);
 /// Marks it as altered (sysobjects.schema_ver).
 void touchObject(sqlite3* connection, int databaseId, int objectId);

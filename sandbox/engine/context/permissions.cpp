@@ -1,5 +1,6 @@
 #include "engine/context/permissions.h"
 
+#include "engine/context/object_rights.h"
 #include "engine/messages/errors.h"
 
 #include <algorithm>
@@ -10,78 +11,50 @@ namespace practice {
 
 namespace {
 
-constexpr int denied = 206; // 204 and 205 grant
-
-struct Action
-{
-    std::string_view name;
-    int number;
-};
-
-// The numbers that sysprotects shows.
-constexpr std::array actions = {Action{"SELECT", 193}, Action{"INSERT", 195}, Action{"DELETE", 196},
-                                Action{"UPDATE", 197}, Action{"EXECUTE", 224}};
-
-int numberOf(std::string_view name)
-{
-    for (const Action& action : actions) {
-        if (action.name == name)
-            return action.number;
-    }
-    return 0;
-}
-
 struct StatementAction
 {
     std::string_view name;
-    int number;
-    const char* role; ///< whose members may without a grant
+    int number;                            ///< as sysprotects shows it; 0 for what can't be granted here
+    std::array<std::string_view, 2> roles; ///< whose members may without a grant, besides db_owner
 };
 
 constexpr std::array statementActions = {
-    StatementAction{"CREATE TABLE", 198, "db_ddladmin"},
-    StatementAction{"CREATE VIEW", 207, "db_ddladmin"},
-    StatementAction{"CREATE PROCEDURE", 222, "db_ddladmin"},
-    StatementAction{"CREATE FUNCTION", 178, "db_ddladmin"},
-    StatementAction{"CREATE DEFAULT", 233, "db_ddladmin"},
-    StatementAction{"CREATE RULE", 236, "db_ddladmin"},
-    StatementAction{"CREATE DATABASE", 203, "db_owner"},
-    StatementAction{"BACKUP DATABASE", 228, "db_backupoperator"},
-    StatementAction{"BACKUP LOG", 235, "db_backupoperator"},
+    StatementAction{"CREATE TABLE", 198, {"db_ddladmin"}},
+    StatementAction{"CREATE VIEW", 207, {"db_ddladmin"}},
+    StatementAction{"CREATE PROCEDURE", 222, {"db_ddladmin"}},
+    StatementAction{"CREATE FUNCTION", 178, {"db_ddladmin"}},
+    StatementAction{"CREATE DEFAULT", 233, {"db_ddladmin"}},
+    StatementAction{"CREATE RULE", 236, {"db_ddladmin"}},
+    StatementAction{"CREATE DATABASE", 203, {}},
+    StatementAction{"BACKUP DATABASE", 228, {"db_backupoperator"}},
+    StatementAction{"BACKUP LOG", 235, {"db_backupoperator"}},
+    StatementAction{"CHECKPOINT", 0, {"db_backupoperator", "db_ddladmin"}},
 };
 
-/// 1 granted, -1 denied, 0 nothing said: by the user's own entries, those of its roles and of theirs.
-/// @param object 0 for a statement
-int verdict(SessionContext& session, int database, int object, int user, int action)
+bool hasRoleFor(const Standing& standing, const StatementAction& action)
 {
-    Statement entries(
-        session.connection(),
-        "WITH RECURSIVE groups(uid) AS (SELECT ?1 UNION SELECT ?2 UNION SELECT m.groupuid FROM groups g "
-        "JOIN cat_member m ON m.dbid = ?3 AND m.memberuid = g.uid) "
-        "SELECT max(protecttype) FROM cat_permission "
-        "WHERE dbid = ?3 AND id = ?4 AND action = ?5 AND uid IN (SELECT uid FROM groups)");
-    entries.bind(1, user).bind(2, publicId).bind(3, database).bind(4, object).bind(5, action).step();
+    return standing.inFixedRole("db_owner") ||
+           std::ranges::any_of(action.roles, [&standing](std::string_view role) {
+               return !role.empty() && standing.inFixedRole(role);
+           });
+}
+
+/// 1 granted, -1 denied, 0 nothing said.
+int verdict(SessionContext& session, const Standing& standing, int databaseId, int action)
+{
+    Statement entries(session.connection(), "SELECT max(protecttype) FROM cat_permission WHERE dbid = ?1 AND "
+                                            "id = 0 AND action = ?2 AND uid IN (" +
+                                                standing.principals() + ")");
+    entries.bind(1, databaseId).bind(2, action).step();
     if (entries.isNull(0))
         return 0;
-    return entries.number(0) == denied ? -1 : 1;
+    return entries.number(0) == protection::denied ? -1 : 1;
 }
 
-bool hasFixedRole(SessionContext& session, const Object& object, int user, std::string_view action)
+/// For as long as the call lasts.
+ObjectPtr borrowed(const Object& object)
 {
-    const auto member = [&session, &object, user](const char* role) {
-        return session.catalog().isMember(object.databaseId, role, user);
-    };
-    if (member("db_owner"))
-        return true;
-    if (action == "SELECT")
-        return member("db_datareader");
-    return action != "EXECUTE" && member("db_datawriter");
-}
-
-bool hasDenyingRole(SessionContext& session, const Object& object, int user, std::string_view action)
-{
-    const char* role = action == "SELECT" ? "db_denydatareader" : "db_denydatawriter";
-    return action != "EXECUTE" && session.catalog().isMember(object.databaseId, role, user);
+    return {ObjectPtr(), &object};
 }
 
 } // namespace
@@ -101,56 +74,46 @@ void requireWritable(const Database& database)
         raise(3906, {database.name});
 }
 
-void requirePermission(SessionContext& session, const Object& object, const char* action)
+bool mayRun(SessionContext& session, const Database& database, const char* statement)
 {
-    if ((session.login().serverRoles & SysAdmin) != 0 || object.databaseId == tempdbId)
-        return;
-    const auto user = session.catalog().userOf(object.databaseId, session.login());
-    if (user && (user->id == dboId || user->id == object.ownerId))
-        return;
-    if (user && !hasDenyingRole(session, object, user->id, action)) {
-        const int said = verdict(session, object.databaseId, object.id, user->id, numberOf(action));
-        if (said > 0 || (said == 0 && hasFixedRole(session, object, user->id, action)))
-            return;
-    }
-    const DatabasePtr database = session.catalog().database(object.databaseId);
-    Message message = makeMessage(229);
-    message.text = std::string("The ") + action + " permission was denied on the object '" + object.name +
-                   "', database '" + (database ? database->name : "") + "', schema '" + object.owner + "'.";
-    throw SqlError{std::move(message)};
+    const Standing standing(session, database);
+    if (standing.isDbo())
+        return true;
+    const auto* const action =
+        std::ranges::find(statementActions, std::string_view(statement), &StatementAction::name);
+    if (action == statementActions.end())
+        return false;
+    const int said = verdict(session, standing, database.id, action->number);
+    return said > 0 || (said == 0 && hasRoleFor(standing, *action));
 }
 
 void requireStatementPermission(SessionContext& session, const Database& database, const char* statement)
 {
-    const auto user = session.catalog().userOf(database.id, session.login());
-    if (database.id == tempdbId || (user && user->id == dboId))
-        return;
-    const auto* const action =
-        std::find_if(statementActions.begin(), statementActions.end(),
-                     [statement](const StatementAction& known) { return known.name == statement; });
-    if (user && action != statementActions.end()) {
-        const int said = verdict(session, database.id, 0, user->id, action->number);
-        const bool byRole = session.catalog().isMember(database.id, "db_owner", user->id) ||
-                            session.catalog().isMember(database.id, action->role, user->id);
-        if (said > 0 || (said == 0 && byRole))
-            return;
-    }
-    raise(262, {statement, database.name});
+    if (!mayRun(session, database, statement))
+        raise(262, {statement, database.name});
 }
 
-bool mayChange(SessionContext& session, int databaseId, int ownerId)
+bool mayChange(SessionContext& session, const Object& object)
 {
-    if (isDatabaseOwner(session, databaseId))
-        return true;
-    const auto user = session.catalog().userOf(databaseId, session.login());
-    return user && (user->id == ownerId || session.catalog().isMember(databaseId, "db_ddladmin", user->id) ||
-                    databaseId == tempdbId);
+    return hasRight(session, {borrowed(object), Right::Alter, {}});
+}
+
+bool mayDrop(SessionContext& session, const Object& object)
+{
+    return hasRight(session, {borrowed(object), Right::Control, {}});
+}
+
+bool mayCreateFor(SessionContext& session, const Database& database, int ownerId)
+{
+    const Standing standing(session, database);
+    return standing.isDbo() || standing.belongsTo(ownerId) || standing.inFixedRole("db_owner") ||
+           standing.inFixedRole("db_ddladmin");
 }
 
 bool isDatabaseOwner(SessionContext& session, int databaseId)
 {
-    const auto user = session.catalog().userOf(databaseId, session.login());
-    return user && (user->id == 1 || session.catalog().isMember(databaseId, "db_owner", user->id));
+    const auto user = userIn(session, databaseId);
+    return user && (user->id == dboId || session.catalog().isMember(databaseId, "db_owner", user->id));
 }
 
 bool hasServerRole(SessionContext& session, unsigned roles)

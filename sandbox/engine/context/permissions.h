@@ -1,4 +1,4 @@
-// What the session's user may do: with rows and procedures, with what others own, with the server.
+// What the session's user may do: with statements, with what others own, with the server.
 #pragma once
 
 #include "engine/context/session_context.h"
@@ -10,16 +10,18 @@ void requireOnline(const Database& database);
 /// @throws SqlError 3906 besides, for one that is read-only
 void requireWritable(const Database& database);
 
-/// @param action "SELECT", "INSERT", "UPDATE", "DELETE", "EXECUTE"
-/// @throws SqlError 229
-void requirePermission(SessionContext& session, const Object& object, const char* action);
-
+[[nodiscard]] bool mayRun(SessionContext& session, const Database& database, const char* statement);
 /// @param statement "CREATE TABLE", "BACKUP LOG" ...
-/// @throws SqlError 262
+/// @throws SqlError 262; 916 where the login has no user
 void requireStatementPermission(SessionContext& session, const Database& database, const char* statement);
 
-/// True when the session's user may change what belongs to `ownerId` in the database.
-[[nodiscard]] bool mayChange(SessionContext& session, int databaseId, int ownerId);
+/// True when the session's user may alter the object: its owner, db_owner, db_ddladmin, and who has ALTER
+/// or CONTROL on it.
+[[nodiscard]] bool mayChange(SessionContext& session, const Object& object);
+/// The same for dropping it, for which ALTER is not enough.
+[[nodiscard]] bool mayDrop(SessionContext& session, const Object& object);
+/// True when he may make objects that will be the principal's.
+[[nodiscard]] bool mayCreateFor(SessionContext& session, const Database& database, int ownerId);
 /// db_owner of that database, or sysadmin.
 [[nodiscard]] bool isDatabaseOwner(SessionContext& session, int databaseId);
 [[nodiscard]] bool hasServerRole(SessionContext& session, unsigned roles);

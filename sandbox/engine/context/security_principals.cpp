@@ -87,6 +87,7 @@ void deletePrincipal(SessionContext& session, int uid)
 {
     const int database = currentDatabase(session);
     run(session, "DELETE FROM cat_permission WHERE dbid = ? AND uid = ?", database, uid);
+    run(session, "DELETE FROM cat_column_permission WHERE dbid = ? AND uid = ?", database, uid);
     run(session, "DELETE FROM cat_member WHERE dbid = ? AND memberuid = ?", database, uid);
     run(session, "DELETE FROM cat_user WHERE dbid = ? AND aliased AND altuid = ?", database, uid);
     run(session, "DELETE FROM cat_user WHERE dbid = ? AND uid = ?", database, uid);

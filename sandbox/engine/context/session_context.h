@@ -20,6 +20,16 @@ struct Statement;
 struct SelectStatement;
 } // namespace ast
 
+/// A view or procedure as its statements see it: what its owner may do with its own objects, the
+/// module lends to whoever may use the module.
+struct ModuleOwner
+{
+    int databaseId = 0;
+    int ownerId = 0;
+
+    bool operator==(const ModuleOwner&) const = default;
+};
+
 /// What SET switches. The initial values are those of a fresh connection over ODBC.
 struct SessionOptions
 {
@@ -116,8 +126,10 @@ public:
     /// the checks of an assignment (8152, 8115, 245 ...).
     [[nodiscard]] virtual std::string convertExpression(const std::string& sqlite, const SqlType& from,
                                                         const SqlType& to) = 0;
-    /// The columns that a query gives; binds its names on the way (208, 207 ...).
-    [[nodiscard]] virtual std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query) = 0;
+    /// The columns that the query of a view gives; binds its names on the way, as in a module of
+    /// that owner (208, 207, 229 ...).
+    [[nodiscard]] virtual std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query,
+                                                                const ModuleOwner& owner) = 0;
 };
 
 /// Runs one DDL, security or backup statement. A transaction with the write lock is open, and a

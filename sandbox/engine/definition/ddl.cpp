@@ -1,5 +1,6 @@
 #include "engine/definition/ddl.h"
 
+#include "engine/context/permissions.h"
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"
 
@@ -31,6 +32,8 @@ void updateStatistics(SessionContext& session, const ast::UpdateStatisticsStatem
     const ObjectPtr table = findNamed(session, statement.table);
     if (!table)
         raise(2706, {plainName(statement.table)});
+    if (!mayChange(session, *table))
+        raiseHidden(statement.table, ofCreateIndex);
     for (const std::string& name : statement.names) {
         if (table->index(name) == nullptr)
             raise(2727, {name});

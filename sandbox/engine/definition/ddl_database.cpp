@@ -17,12 +17,8 @@ namespace {
 
 void requireMayCreate(SessionContext& session)
 {
-    if (hasServerRole(session, DbCreator))
-        return;
-    ast::ObjectName inMaster;
-    inMaster.database = "master";
-    inMaster.object = "x"; // its permission counts, its name does not
-    (void)placeForNew(session, inMaster, "CREATE DATABASE");
+    if (!hasServerRole(session, DbCreator))
+        requireStatementPermission(session, *session.catalog().database(masterId), "CREATE DATABASE");
 }
 
 std::int64_t modelSize(SessionContext& session)
@@ -240,8 +236,10 @@ void dropDatabase(SessionContext& session, const std::string& name, bool ifExist
     const DatabasePtr database = session.catalog().database(name);
     if (!database && ifExists)
         return;
-    if (!database || !(isDatabaseOwner(session, database->id) || hasServerRole(session, DbCreator))) {
-        Message missing = makeMessage(3701, {"database", name});
+    if (database && !isDatabaseOwner(session, database->id) && !hasServerRole(session, DbCreator))
+        raiseNoRight("drop", "database", name);
+    if (!database) {
+        Message missing = makeMessage(3701, {"drop", "database", name});
         missing.state = 1;
         throw SqlError{missing};
     }

@@ -66,8 +66,10 @@ void dropOne(SessionContext& session, const DropWords& words, const ast::ObjectN
     const bool constraint = object && object->parentId != 0 && object->kind != ObjectKind::Trigger;
     if ((!object || constraint) && ifExists)
         return;
-    if (!object || constraint || !mayChange(session, object->databaseId, object->ownerId))
-        raise(3701, {words.noun, plainName(name)});
+    if (!object || constraint)
+        raise(3701, {"drop", words.noun, plainName(name)});
+    if (!mayDrop(session, *object))
+        raiseNoRight("drop", words.noun, plainName(name));
     requireWritable(*session.catalog().database(object->databaseId));
     requireKind(*object, words, plainName(name));
     if (object->kind == ObjectKind::UserTable)

@@ -1,5 +1,6 @@
 // FOREIGN KEY constraints.
 #include "engine/catalog/catalog_writer.h"
+#include "engine/context/object_rights.h"
 #include "engine/definition/ddl_constraints.h"
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"
@@ -76,6 +77,16 @@ std::vector<int> otherColumns(const TableChange& change, const Object& reference
         ids.push_back(found->id);
     }
     return ids;
+}
+
+/// Whoever refers to a table keeps its rows from going.
+void requireReferable(const TableChange& change, const ObjectPtr& referenced, const std::vector<int>& columns)
+{
+    try {
+        requireRights(change.session, {{referenced, Right::References, {columns.begin(), columns.end()}}});
+    } catch (const SqlError& error) {
+        refuse(change, error.message);
+    }
 }
 
 /// The primary key or another unique index over exactly these columns.
@@ -179,6 +190,7 @@ void addForeignKey(const TableChange& change, const ast::TableConstraint& constr
     key.referencedId = referenced->id;
     key.columns = ownColumns(change, *table, name, columns);
     key.referencedColumns = otherColumns(change, *referenced, name, constraint, columns.size());
+    requireReferable(change, referenced, key.referencedColumns);
     const Index* candidate = candidateKey(*referenced, key.referencedColumns);
     if (candidate == nullptr)
         refuse(change, makeMessage(1776, {referenced->name, name}));

@@ -12,8 +12,8 @@ namespace {
 ObjectPtr indexedTable(SessionContext& session, const ast::ObjectName& name)
 {
     ObjectPtr table = findNamed(session, name);
-    if (!table || !mayChange(session, table->databaseId, table->ownerId))
-        raise(1088, {plainName(name)});
+    if (!table || !mayChange(session, *table))
+        raiseHidden(name, ofCreateIndex);
     requireWritable(*session.catalog().database(table->databaseId));
     if (table->kind == ObjectKind::View)
         raise(1939, {table->name});
@@ -73,8 +73,8 @@ void dropOne(SessionContext& session, const ast::DroppedIndex& dropped, bool ifE
     const Index* index = table && table->kind == ObjectKind::UserTable ? table->index(dropped.name) : nullptr;
     if (index == nullptr && ifExists)
         return;
-    if (index == nullptr || !mayChange(session, table->databaseId, table->ownerId)) {
-        Message missing = makeMessage(3701, {"index", name});
+    if (index == nullptr || !mayChange(session, *table)) {
+        Message missing = makeMessage(3701, {"drop", "index", name});
         missing.state = 7;
         throw SqlError{missing};
     }

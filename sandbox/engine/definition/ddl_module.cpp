@@ -2,6 +2,7 @@
 #include "engine/binder/ddl_types.h"
 #include "engine/catalog/catalog_writer.h"
 #include "engine/context/permissions.h"
+#include "engine/context/standing.h"
 #include "engine/definition/ddl.h"
 #include "engine/definition/ddl_columns.h"
 #include "engine/definition/ddl_names.h"
@@ -85,19 +86,40 @@ StoredModule alterModule(const Module& module, const Object& present)
     return {present.databaseId, present.id};
 }
 
+/// The module that ALTER is about, if it is there.
+/// @throws SqlError 3701 for one that is not the user's to alter
+ObjectPtr presentModule(const Module& module)
+{
+    ObjectPtr present =
+        module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
+    if (!present || present->kind != module.kind || present->shipped)
+        return nullptr;
+    if (!mayChange(module.session, *present))
+        raiseNoRight("alter", kindWord(module.kind), plainName(module.name));
+    return present;
+}
+
+/// Whose the module is or is going to be: its own query is bound with what it will lend.
+ModuleOwner ownerOf(const Module& module)
+{
+    if (const ObjectPtr present = presentModule(module))
+        return {present->databaseId, present->ownerId};
+    if (module.mode == ast::DefinitionMode::Alter)
+        return {module.session.database()->id, module.session.user().id};
+    const ObjectPlace place = placeForNew(module.session, module.name, module.words);
+    return {place.database->id, place.ownerId};
+}
+
 StoredModule storeModule(const Module& module)
 {
     requireModuleName(module);
-    const ObjectPtr present =
-        module.mode == ast::DefinitionMode::Create ? nullptr : findNamed(module.session, module.name);
-    const bool alters = present && present->kind == module.kind && !present->shipped &&
-                        mayChange(module.session, present->databaseId, present->ownerId);
-    if (!alters && module.mode == ast::DefinitionMode::Alter) {
+    const ObjectPtr present = presentModule(module);
+    if (!present && module.mode == ast::DefinitionMode::Alter) {
         Message missing = makeMessage(208, {plainName(module.name)});
         missing.state = 6;
         throw SqlError{missing};
     }
-    const StoredModule stored = alters ? alterModule(module, *present) : insertModule(module);
+    const StoredModule stored = present ? alterModule(module, *present) : insertModule(module);
     writeText(module.session.connection(), stored.databaseId, stored.id, moduleText(module),
               module.encrypted);
     return stored;
@@ -118,12 +140,13 @@ void insertParameters(const Module& module, const StoredModule& stored,
     }
 }
 
-std::vector<ColumnInfo> describeText(SessionContext& session, const std::string& text)
+std::vector<ColumnInfo> describeText(SessionContext& session, const ModuleOwner& owner,
+                                     const std::string& text)
 {
     ParserOptions options;
     options.quotedIdentifier = session.options().quotedIdentifier;
     const ast::Batch batch = parseBatch(text, options);
-    return session.describeQuery(ast::as<ast::SelectStatement>(*batch.statements.front()));
+    return session.describeQuery(ast::as<ast::SelectStatement>(*batch.statements.front()), owner);
 }
 
 void nameColumns(std::vector<ColumnInfo>& columns, const ast::CreateViewStatement& statement)
@@ -178,7 +201,8 @@ void createView(SessionContext& session, const ast::CreateViewStatement& stateme
                         ObjectKind::View, "CREATE VIEW", statement.encryption};
     requireModuleName(module);
     requireUnordered(statement);
-    std::vector<ColumnInfo> columns = describeText(session, sourceText(session, statement.query.source));
+    std::vector<ColumnInfo> columns =
+        describeText(session, ownerOf(module), sourceText(session, statement.query.source));
     nameColumns(columns, statement);
     insertColumns(session, storeModule(module), columns);
 }

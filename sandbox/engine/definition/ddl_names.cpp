@@ -1,6 +1,7 @@
 #include "engine/definition/ddl_names.h"
 
 #include "engine/context/permissions.h"
+#include "engine/context/standing.h"
 #include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 
@@ -16,6 +17,7 @@ DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name)
     if (!found)
         raise(911, {name.database});
     requireOnline(*found);
+    requireAccess(session, *found);
     return found;
 }
 
@@ -28,14 +30,15 @@ ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name, co
     requireWritable(*place.database);
     place.name = isTemporary(name.object) ? session.newTemporaryName(name.object) : name.object;
     place.written = name.object;
-    const auto user = session.catalog().userOf(place.database->id, session.login());
-    if (!user)
-        raise(916, {session.login().name, place.database->name});
-    requireStatementPermission(session, *place.database, statement);
-    place.ownerId = isTemporary(name.object) ? 1 : user->id;
+    place.ownerId = dboId;
+    if (!isTemporary(name.object)) {
+        requireAccess(session, *place.database);
+        requireStatementPermission(session, *place.database, statement);
+        place.ownerId = userIn(session, place.database->id)->id;
+    }
     if (!name.schema.empty() && !isTemporary(name.object)) {
         const auto owner = session.catalog().principal(place.database->id, name.schema);
-        if (!owner)
+        if (!owner || owner->id == publicId || !mayCreateFor(session, *place.database, owner->id))
             raise(2760, {name.schema});
         place.ownerId = owner->id;
     }
@@ -48,19 +51,38 @@ ObjectPtr findNamed(SessionContext& session, const ast::ObjectName& name)
     const DatabasePtr database = databaseOf(session, name);
     if (isTemporary(name.object))
         return session.catalog().object(database->id, "", session.temporaryName(name.object));
-    const auto user = session.catalog().userOf(database->id, session.login());
-    return session.catalog().object(database->id, name.schema, name.object, user ? user->id : 1);
+    const auto user = userIn(session, database->id);
+    return session.catalog().object(database->id, name.schema, name.object, user ? user->id : dboId);
 }
 
 ObjectPtr requireTable(SessionContext& session, const ast::ObjectName& name, int missing)
 {
     ObjectPtr table = findNamed(session, name);
-    if (!table || !mayChange(session, table->databaseId, table->ownerId))
+    if (!table)
         raise(missing, {plainName(name)});
+    if (!mayChange(session, *table))
+        raiseHidden(name, missing == 1088 ? ofCreateIndex : ofAlterTable);
     requireWritable(*session.catalog().database(table->databaseId));
     if (table->kind != ObjectKind::UserTable)
         raise(4909, {plainName(name)});
     return table;
+}
+
+void raiseHidden(const ast::ObjectName& name, int state)
+{
+    Message hidden = makeMessage(1088, {plainName(name)});
+    hidden.state = state;
+    throw SqlError{hidden};
+}
+
+void raiseNoRight(const char* verb, const char* kind, const std::string& name)
+{
+    constexpr int severity = 14;
+    constexpr int state = 20;
+    Message refused = makeMessage(3701, {verb, kind, name});
+    refused.severity = severity;
+    refused.state = state;
+    throw SqlError{refused};
 }
 
 bool isNameTaken(SessionContext& session, int databaseId, int ownerId, const std::string& name)

@@ -19,21 +19,31 @@ struct ObjectPlace
 };
 
 /// The database of a name, the current one where none is written.
-/// @throws SqlError 911, 942
+/// @throws SqlError 911, 916, 942
 [[nodiscard]] DatabasePtr databaseOf(SessionContext& session, const ast::ObjectName& name);
 
 /// Where CREATE puts an object. "#t" goes to tempdb.
-/// @throws SqlError 911, 2760; 262 when the user may not create there
+/// @throws SqlError 911, 916; 262, 2760 when the user may not create there
 [[nodiscard]] ObjectPlace placeForNew(SessionContext& session, const ast::ObjectName& name,
                                       const char* statement);
 
 /// The object of that name, or nullptr.
-/// @throws SqlError 911
+/// @throws SqlError 911, 916
 [[nodiscard]] ObjectPtr findNamed(SessionContext& session, const ast::ObjectName& name);
 
 /// A user's table for ALTER TABLE or CREATE INDEX.
-/// @throws SqlError `missing` (4902, 1088) when there is none, 4909 for what is no table
+/// @throws SqlError `missing` (4902, 1088) when there is none, 1088 for one that the user may not alter, 4909
+/// for what is no table
 [[nodiscard]] ObjectPtr requireTable(SessionContext& session, const ast::ObjectName& name, int missing);
+
+/// How a statement tells of an object that it hides from who may not alter it, by its state.
+inline constexpr int ofCreateIndex = 12;
+inline constexpr int ofAlterTable = 13;
+/// @throws SqlError 1088 always
+[[noreturn]] void raiseHidden(const ast::ObjectName& name, int state);
+/// The object is there, and not the user's to drop or alter.
+/// @throws SqlError 3701 always
+[[noreturn]] void raiseNoRight(const char* verb, const char* kind, const std::string& name);
 
 /// True when an object, a constraint included, has that name.
 [[nodiscard]] bool isNameTaken(SessionContext& session, int databaseId, int ownerId, const std::string& name);

@@ -1,9 +1,11 @@
 // GRANT, DENY, REVOKE, and the definition of principals.
 #include "engine/catalog/catalog_writer.h"
+#include "engine/context/object_rights.h"
 #include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"
 #include "engine/definition/ddl.h"
 #include "engine/definition/ddl_names.h"
+#include "engine/definition/ddl_permission_columns.h"
 #include "engine/messages/errors.h"
 
 #include <algorithm>
@@ -21,6 +23,7 @@ enum class GrantScope : std::uint8_t
 {
     Table,
     Procedure,
+    Object, ///< either of them
     Statement
 };
 
@@ -39,6 +42,9 @@ constexpr std::array permissions{
     Permission{"REFERENCES", 26, GrantScope::Table},
     Permission{"EXECUTE", 224, GrantScope::Procedure},
     Permission{"EXEC", 224, GrantScope::Procedure},
+    Permission{"ALTER", static_cast<int>(Right::Alter), GrantScope::Object},
+    Permission{"CONTROL", static_cast<int>(Right::Control), GrantScope::Object},
+    Permission{"VIEW DEFINITION", static_cast<int>(Right::ViewDefinition), GrantScope::Object},
     Permission{"CREATE TABLE", 198, GrantScope::Statement},
     Permission{"CREATE DATABASE", createDatabaseAction, GrantScope::Statement},
     Permission{"CREATE VIEW", 207, GrantScope::Statement},
@@ -61,37 +67,46 @@ GrantScope scopeOf(const Object* object)
     return program ? GrantScope::Procedure : GrantScope::Table;
 }
 
-std::vector<int> actionsOfAll(GrantScope scope, int databaseId)
+/// One of the rights that the statement names.
+struct NamedRight
 {
-    std::vector<int> actions;
+    int action = 0;
+    std::set<int> columns{}; ///< none for the whole object
+};
+
+std::vector<NamedRight> allRights(GrantScope scope, int databaseId)
+{
+    std::vector<NamedRight> rights;
     for (const Permission& permission : permissions) {
         const bool elsewhere = permission.action == createDatabaseAction && databaseId != masterId;
         if (permission.scope == scope && !elsewhere &&
-            std::find(actions.begin(), actions.end(), permission.action) == actions.end())
-            actions.push_back(permission.action);
+            std::ranges::find(rights, permission.action, &NamedRight::action) == rights.end())
+            rights.push_back({permission.action});
     }
-    return actions;
+    return rights;
 }
 
-std::vector<int> actionsOf(const ast::PermissionStatement& statement, const Object* object, int databaseId)
+std::vector<NamedRight> rightsOf(const ast::PermissionStatement& statement, const Object* object,
+                                 int databaseId)
 {
     const GrantScope scope = scopeOf(object);
-    std::vector<int> actions;
+    std::vector<NamedRight> rights;
     for (const ast::PermissionItem& item : statement.permissions) {
         if (item.name == "ALL" || item.name == "ALL PRIVILEGES")
-            return actionsOfAll(scope, databaseId);
+            return allRights(scope, databaseId);
         const auto* known =
             std::find_if(permissions.begin(), permissions.end(),
                          [&](const Permission& permission) { return item.name == permission.name; });
         if (known == permissions.end())
             raise(165, {item.name});
-        if (known->scope != scope)
+        const bool ofAnyObject = known->scope == GrantScope::Object && object != nullptr;
+        if (known->scope != scope && !ofAnyObject)
             raise(4606, {item.name});
         if (known->action == createDatabaseAction && databaseId != masterId)
             raise(4619);
-        actions.push_back(known->action);
+        rights.push_back({known->action, columnsOf(statement, item, known->action, object)});
     }
-    return actions;
+    return rights;
 }
 
 ObjectPtr securableOf(SessionContext& session, const ast::PermissionStatement& statement)
@@ -105,21 +120,6 @@ ObjectPtr securableOf(SessionContext& session, const ast::PermissionStatement& s
     if (!object)
         raise(15151, {"find", "object", plainName(statement.securable)});
     return object;
-}
-
-void requireColumns(const ast::PermissionStatement& statement, const Object* object)
-{
-    if (object == nullptr || object->columns.empty())
-        return;
-    const auto check = [&](const std::vector<std::string>& names) {
-        for (const std::string& name : names) {
-            if (object->column(name) == nullptr)
-                raise(4615, {name});
-        }
-    };
-    check(statement.securableColumns);
-    for (const ast::PermissionItem& item : statement.permissions)
-        check(item.columns);
 }
 
 Principal granteeOf(SessionContext& session, const std::string& name)
@@ -146,42 +146,37 @@ void requireMayGrant(SessionContext& session, const Object* object)
         raise(4613);
 }
 
-struct Record
-{
-    int database;
-    int object;
-    int grantee;
-    int grantor;
-};
-
-void erase(SessionContext& session, const Record& record, int action)
+void erase(SessionContext& session, const PermissionRecord& record)
 {
     Statement row(session.connection(),
                   "DELETE FROM cat_permission WHERE dbid = ? AND id = ? AND uid = ? AND action = ?");
-    row.bind(1, record.database).bind(2, record.object).bind(3, record.grantee).bind(4, action).run();
+    row.bind(1, record.database).bind(2, record.object).bind(3, record.grantee).bind(4, record.action).run();
 }
 
-void write(SessionContext& session, const Record& record, int action, int protection)
+void write(SessionContext& session, const PermissionRecord& record, int protection)
 {
     Statement row(session.connection(),
                   "INSERT INTO cat_permission(dbid, id, uid, action, protecttype, grantor) "
                   "VALUES(?, ?, ?, ?, ?, ?)");
-    row.bind(1, record.database).bind(2, record.object).bind(3, record.grantee).bind(4, action);
+    row.bind(1, record.database).bind(2, record.object).bind(3, record.grantee).bind(4, record.action);
     row.bind(5, protection).bind(6, record.grantor).run();
 }
 
-void change(SessionContext& session, const ast::PermissionStatement& statement, const Record& record,
-            int action)
+void change(SessionContext& session, const ast::PermissionStatement& statement,
+            const PermissionRecord& record, const std::set<int>& columns)
 {
-    erase(session, record, action);
+    if (!columns.empty())
+        return changeColumns(session, statement, record, columns);
+    erase(session, record);
+    eraseColumns(session, record);
     switch (statement.action) {
     case ast::PermissionAction::Grant:
-        return write(session, record, action, statement.withGrantOption ? grantWithOption : granted);
+        return write(session, record, statement.withGrantOption ? grantWithOption : granted);
     case ast::PermissionAction::Deny:
-        return write(session, record, action, denied);
+        return write(session, record, denied);
     case ast::PermissionAction::Revoke:
         if (statement.grantOptionFor)
-            write(session, record, action, granted);
+            write(session, record, granted);
         return;
     }
 }
@@ -210,14 +205,15 @@ void changePermission(SessionContext& session, const ast::PermissionStatement& s
 {
     const int database = session.database()->id;
     const ObjectPtr object = securableOf(session, statement);
-    const std::vector<int> actions = actionsOf(statement, object.get(), database);
-    requireColumns(statement, object.get());
+    const std::vector<NamedRight> rights = rightsOf(statement, object.get(), database);
     requireMayGrant(session, object.get());
     for (const std::string& name : statement.principals) {
-        const Record record{database, object ? object->id : 0, granteeOf(session, name).id,
-                            object ? object->ownerId : dboId};
-        for (const int action : actions)
-            change(session, statement, record, action);
+        PermissionRecord record{database, object ? object->id : 0, granteeOf(session, name).id,
+                                object ? object->ownerId : dboId, 0};
+        for (const NamedRight& right : rights) {
+            record.action = right.action;
+            change(session, statement, record, right.columns);
+        }
     }
     bumpCatalogVersion(session.connection());
 }

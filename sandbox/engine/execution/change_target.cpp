@@ -5,8 +5,6 @@
 #include "engine/messages/errors.h"
 #include "types/text_encoding.h"
 
-#include <string_view>
-
 namespace practice {
 
 std::string identityInsertKey(const Object& table)
@@ -39,7 +37,7 @@ void requireFiles(SessionState& session, const Object& table)
 } // namespace
 
 ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast::TableSource& target,
-                       const char* action)
+                       Right right)
 {
     if (const auto* variable = ast::tryAs<ast::VariableTable>(&target)) {
         const std::string stored = translator.context().tableVariable(lowerCase(variable->name));
@@ -52,14 +50,15 @@ ObjectPtr changeTarget(SessionState& session, Translator& translator, const ast:
     if (!isTemporary(named.name.object) && findSystemTable(named.name.schema, named.name.object) != nullptr)
         raise(259);
     ObjectPtr table = translator.object(named.name);
-    if (!translator.context().chained)
-        requirePermission(session, *table, action);
-    if (table->kind == ObjectKind::View)
+    if (table->kind == ObjectKind::View) {
+        translator.need(table, right);
+        translator.requireRights();
         raise(4406, {named.name.object});
+    }
     if (table->kind != ObjectKind::UserTable)
         raise(208, {writtenName(named.name)});
     requireWritable(*session.catalog().database(table->databaseId));
-    if (std::string_view(action) == "INSERT")
+    if (right == Right::Insert)
         requireFiles(session, *table);
     return table;
 }

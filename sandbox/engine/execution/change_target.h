@@ -1,13 +1,14 @@
-// The table that an INSERT, UPDATE, DELETE or TRUNCATE works on.
+// The table that an INSERT, UPDATE or DELETE works on.
 #pragma once
 
 #include "engine/session/session_state.h"
 
 namespace practice {
 
-/// @throws SqlError 208, 259 (system tables), 4405 and its kin (views), 229 (not permitted)
+/// The right to it is left to be noted by the caller, who knows the columns.
+/// @throws SqlError 208, 259 (system tables); 4406 and its kin (views), 229 for one that is not permitted
 [[nodiscard]] ObjectPtr changeTarget(SessionState& session, Translator& translator,
-                                     const ast::TableSource& target, const char* action);
+                                     const ast::TableSource& target, Right right);
 
 /// True when SET IDENTITY_INSERT is on for the table.
 [[nodiscard]] bool acceptsIdentity(SessionState& session, const Object& table);

@@ -53,6 +53,7 @@ public:
     std::unique_ptr<InsertPlan> bindRows(const std::vector<ColumnInfo>& given);
 
 private:
+    void bindTarget();
     void chooseTargets();
     void refuseExplicit(const Column& column) const;
     [[nodiscard]] std::string defaultOf(const Column& column);
@@ -81,6 +82,13 @@ void InsertBinder::refuseExplicit(const Column& column) const
         raise(273);
     if (column.identity && !acceptsIdentity(session_, *plan_->table))
         raise(544, {plan_->table->name});
+}
+
+void InsertBinder::bindTarget()
+{
+    plan_->table = changeTarget(session_, translator_, *statement_.target, Right::Insert);
+    translator_.need(plan_->table, Right::Insert);
+    chooseTargets();
 }
 
 void InsertBinder::chooseTargets()
@@ -252,8 +260,7 @@ void InsertBinder::finish()
 std::unique_ptr<InsertPlan> InsertBinder::bind()
 {
     translator_.enterCommonTables(statement_.commonTables);
-    plan_->table = changeTarget(session_, translator_, *statement_.target, "INSERT");
-    chooseTargets();
+    bindTarget();
     switch (statement_.sourceKind) {
     case ast::InsertSource::Values:
         bindValues();
@@ -264,6 +271,7 @@ std::unique_ptr<InsertPlan> InsertBinder::bind()
     default:
         bindDefaults();
     }
+    translator_.requireRights();
     finish();
     if (statement_.output)
         plan_->output = bindOutput(session_, *statement_.output, plan_->table, OutputOf::Inserted);
@@ -272,8 +280,7 @@ std::unique_ptr<InsertPlan> InsertBinder::bind()
 
 std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>& given)
 {
-    plan_->table = changeTarget(session_, translator_, *statement_.target, "INSERT");
-    chooseTargets();
+    bindTarget();
     countValues(given.size(), 120, 121);
     rows_.emplace_back();
     for (std::size_t i = 0; i < targets_.size(); ++i) {
@@ -282,6 +289,7 @@ std::unique_ptr<InsertPlan> InsertBinder::bindRows(const std::vector<ColumnInfo>
         rows_.front().push_back(
             required(*targets_[i], convertTerm(value, targets_[i]->type, Conversion::Assignment)));
     }
+    translator_.requireRights();
     finish();
     return std::move(plan_);
 }
@@ -459,6 +467,13 @@ void addRows(SessionState& session, const ast::InsertStatement& statement,
     }
     testRows(session, *plan, firstRow);
     keepIdentity(session, *plan, firstRow);
+}
+
+void requireMayInsert(SessionState& session, const ast::TableSource& target)
+{
+    Translator translator(session.bindContext());
+    translator.need(changeTarget(session, translator, target, Right::Insert), Right::Insert);
+    translator.requireRights();
 }
 
 void insertRows(SessionState& session, const ast::InsertStatement& statement,

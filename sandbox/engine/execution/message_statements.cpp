@@ -252,38 +252,4 @@ void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& stat
     session.done(std::nullopt, commands::other, message.severity > lastInformation);
 }
 
-void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
-{
-    const auto argument = [&session, &statement](std::size_t i) {
-        if (i >= statement.arguments.size())
-            return std::string();
-        const auto* literal = ast::tryAs<ast::Literal>(statement.arguments[i].get());
-        return literal != nullptr ? literal->text : asText(session, *statement.arguments[i]);
-    };
-    if (statement.command == "CHECKIDENT") {
-        Translator translator(session.bindContext());
-        const ast::ObjectName name = parseObjectName(argument(0));
-        const ObjectPtr table = translator.object(name);
-        if (table->identityColumn() == nullptr)
-            raise(7997, {name.object});
-        if (lowerCase(argument(1)) == "reseed" && statement.arguments.size() > 2) {
-            const int seed = session.number(*statement.arguments[2]);
-            session.atomically([&session, &table, seed] {
-                session.catalog().setLastIdentity(table->databaseId, table->id, seed);
-                return 0;
-            });
-        }
-    } else if (statement.command == "CHECKDB" || statement.command == "CHECKTABLE") {
-        Statement check(session.connection(), "PRAGMA quick_check(1)");
-        if (check.step() && check.text(0) != "ok")
-            raise(8921);
-    }
-    Message message;
-    message.number = 2528;
-    message.severity = 0;
-    message.text =
-        "DBCC execution completed. If DBCC printed error messages, contact your system administrator.";
-    session.sendMessage(message);
-}
-
 } // namespace practice

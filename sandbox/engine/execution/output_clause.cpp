@@ -41,13 +41,17 @@ OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, co
     Translator translator(session.bindContext());
     Scope scope;
     const char* name = kind == OutputOf::Deleted ? "deleted" : "inserted";
-    const std::string from =
-        translator.addStoredTable(table, {.exposed = name, .shown = name, .aliased = true}, scope);
+    Source fresh{.exposed = name, .shown = name, .aliased = true};
+    translator.watch(fresh, table);
+    const int need = fresh.need;
+    const std::string from = translator.addStoredTable(table, std::move(fresh), scope);
     OutputPlan plan;
     plan.clause = &clause;
     plan.handle = scope.sources.front().handle;
-    if (kind == OutputOf::Updated)
+    if (kind == OutputOf::Updated) {
         scope.sources.push_back(oldSource(table, plan.oldRowSql));
+        scope.sources.back().need = need;
+    }
     std::string list;
     const auto add = [&plan, &list](const Term& term, const std::string& column) {
         list += (list.empty() ? "" : ", ") + term.sql;
@@ -58,8 +62,10 @@ OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, co
             for (const Source& source : scope.sources) {
                 if (!sameName(source.exposed, item.table.object))
                     continue;
-                for (const SourceColumn& column : source.columns)
+                for (const SourceColumn& column : source.columns) {
+                    translator.noteRead(source, column);
                     add(column.term, column.name);
+                }
             }
             continue;
         }
@@ -67,6 +73,9 @@ OutputPlan bindOutput(SessionState& session, const ast::OutputClause& clause, co
         add(translator.expression(*item.expression, scope),
             !item.alias.empty() || column == nullptr ? item.alias : column->name);
     }
+    translator.requireRights();
+    if (clause.into)
+        requireMayInsert(session, *clause.into);
     plan.sql = "SELECT " + list + " FROM " + from;
     plan.slots = translator.parameters();
     return plan;

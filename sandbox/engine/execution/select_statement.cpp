@@ -45,6 +45,7 @@ QueryPlan& planQuery(SessionState& session, const ast::Query& query)
     if (!plan->block->from.empty())
         translator.liveVariables.insert(plan->assigned.begin(), plan->assigned.end());
     TranslatedQuery translated = translator.statement(query);
+    translator.requireRights();
     for (const std::string& name : plan->assigned)
         (void)session.calls().variable(name);
     plan->columns = std::move(translated.columns);

@@ -1,4 +1,5 @@
 // SET of the session's options.
+#include "engine/context/permissions.h"
 #include "engine/execution/change_target.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
@@ -55,8 +56,15 @@ void setIdentityInsert(SessionState& session, const ast::SetOptionStatement& sta
     ObjectPtr table;
     try {
         table = translator.object(statement.table);
-    } catch (const SqlError&) {
-        raise(1088, {writtenName(statement.table)});
+    } catch (const SqlError& error) {
+        if (error.message.number != 208)
+            throw;
+    }
+    if (!table || !mayChange(session, *table)) {
+        constexpr int ofIdentityInsert = 11;
+        Message hidden = makeMessage(1088, {writtenName(statement.table)});
+        hidden.state = ofIdentityInsert;
+        throw SqlError{hidden};
     }
     if (table->identityColumn() == nullptr)
         raise(8106, {writtenName(statement.table)});

@@ -16,6 +16,8 @@ void executeInsert(SessionState& session, const ast::InsertStatement& statement)
 /// Rows that come from outside, within the running statement: of a procedure, of OUTPUT.
 void addRows(SessionState& session, const ast::InsertStatement& statement,
              const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& rows);
+/// Before the rows are there, and though there may be none. @throws SqlError 208, 229 ...
+void requireMayInsert(SessionState& session, const ast::TableSource& target);
 /// INSERT ... EXEC with the rows that the procedure gave.
 void insertRows(SessionState& session, const ast::InsertStatement& statement,
                 const std::vector<ColumnInfo>& columns, const std::vector<std::vector<Value>>& rows);

@@ -48,10 +48,9 @@ class ChangeBinder
 {
 public:
     ChangeBinder(SessionState& session, const ast::TableSource& target,
-                 const std::vector<ast::TableSourcePtr>& from, const ast::Expression* where,
-                 const char* action)
+                 const std::vector<ast::TableSourcePtr>& from, const ast::Expression* where, Right right)
         : session_(session), translator_(session.bindContext()), target_(target), fromList_(from),
-          whereNode_(where), action_(action)
+          whereNode_(where), right_(right)
     {}
 
     void bindSources(ChangePlan& plan)
@@ -61,11 +60,8 @@ public:
             if (const Source* aliased = findTarget(scope_, target_, nullptr))
                 plan.table = aliased->object;
         }
-        if (!plan.table) {
-            plan.table = changeTarget(session_, translator_, target_, action_);
-        } else {
-            requirePermission(session_, *plan.table, action_);
-        }
+        if (!plan.table)
+            plan.table = changeTarget(session_, translator_, target_, right_);
         if (!plan.table || plan.table->kind != ObjectKind::UserTable)
             raise(208, {"inserted"});
         requireWritable(*session_.catalog().database(plan.table->databaseId));
@@ -74,11 +70,14 @@ public:
             const std::string exposed = !target_.alias.empty() ? target_.alias
                                         : named != nullptr     ? named->name.object
                                                                : ast::as<ast::VariableTable>(target_).name;
-            const std::string own =
-                translator_.addStoredTable(plan.table, {.exposed = exposed, .shown = exposed}, scope_);
+            Source source{.exposed = exposed, .shown = exposed};
+            translator_.watch(source, plan.table);
+            const std::string own = translator_.addStoredTable(plan.table, std::move(source), scope_);
             from_ = from_.empty() ? own : own + ", " + from_;
         }
-        handle_ = findTarget(scope_, target_, plan.table)->handle;
+        const Source& source = *findTarget(scope_, target_, plan.table);
+        translator_.needOnlyWhatIsRead(source);
+        handle_ = source.handle;
         scope_.clause = Clause::Where;
         if (whereNode_ != nullptr)
             where_ = " WHERE " + translator_.condition(*whereNode_, scope_);
@@ -90,6 +89,14 @@ public:
             return {};
         Scope scalar;
         return " LIMIT " + callText("t_rowlimit", {translator_.expression(*top->count, scalar).sql});
+    }
+
+    /// A column of the target is read though no expression names it.
+    void noteRead(const Column& column)
+    {
+        const Source& source = *std::ranges::find(scope_.sources, handle_, &Source::handle);
+        const auto read = std::ranges::find(source.columns, column.name, &SourceColumn::name);
+        translator_.noteRead(source, *read);
     }
 
     [[nodiscard]] Translator& translator() { return translator_; }
@@ -105,7 +112,7 @@ private:
     const ast::TableSource& target_;
     const std::vector<ast::TableSourcePtr>& fromList_;
     const ast::Expression* whereNode_;
-    const char* action_;
+    Right right_;
     Scope scope_;
     std::string from_;
     std::string where_;
@@ -145,6 +152,7 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
         value = translator.expression(*assignment.value, binder.scope());
     }
     if (assignment.op != ast::AssignmentOperator::Set) {
+        binder.noteRead(column);
         const Term before =
             resultTerm(binder.handle() + "." + storageColumn(column.id), column.type, column.nullable);
         value = arithmetic(ast::operatorOf(assignment.op), before, value, translator.emptyNulls());
@@ -159,7 +167,7 @@ std::string newValue(SessionState& session, ChangeBinder& binder, const ObjectPt
 std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateStatement& statement)
 {
     auto plan = std::make_unique<ChangePlan>();
-    ChangeBinder binder(session, *statement.target, statement.from, statement.where.get(), "UPDATE");
+    ChangeBinder binder(session, *statement.target, statement.from, statement.where.get(), Right::Update);
     binder.translator().enterCommonTables(statement.commonTables);
     binder.bindSources(*plan);
     const Object& table = *plan->table;
@@ -194,6 +202,8 @@ std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateS
             plan->variableTypes.push_back(column->type);
         }
     }
+    binder.translator().need(plan->table, Right::Update, {plan->columns.begin(), plan->columns.end()});
+    binder.translator().requireRights();
     const bool quiet = table.checks.empty() && table.foreignKeys.empty() && table.referencedBy.empty();
     plan->direct = binder.isAlone() && quiet && !statement.top && !statement.output &&
                    plan->variables.empty() && !plan->columns.empty() &&
@@ -222,9 +232,11 @@ std::unique_ptr<ChangePlan> bindUpdate(SessionState& session, const ast::UpdateS
 std::unique_ptr<ChangePlan> bindDelete(SessionState& session, const ast::DeleteStatement& statement)
 {
     auto plan = std::make_unique<ChangePlan>();
-    ChangeBinder binder(session, *statement.target, statement.from, statement.where.get(), "DELETE");
+    ChangeBinder binder(session, *statement.target, statement.from, statement.where.get(), Right::Delete);
     binder.translator().enterCommonTables(statement.commonTables);
     binder.bindSources(*plan);
+    binder.translator().need(plan->table, Right::Delete);
+    binder.translator().requireRights();
     plan->direct =
         binder.isAlone() && plan->table->referencedBy.empty() && !statement.top && !statement.output;
     const std::string text = plan->direct ? "DELETE FROM " + binder.from() + binder.where()
@@ -353,12 +365,20 @@ void executeTruncate(SessionState& session, const ast::TruncateStatement& statem
         ObjectPtr table;
         try {
             table = translator.object(statement.table);
-        } catch (const SqlError&) {
+        } catch (const SqlError& error) {
+            if (error.message.number != 208)
+                throw;
             raise(4701, {statement.table.object});
+        }
+        // No module lends it: what is asked for is the right to alter the table.
+        if (!mayChange(session, *table)) {
+            constexpr int ofTruncate = 7;
+            Message hidden = makeMessage(1088, {writtenName(statement.table)});
+            hidden.state = ofTruncate;
+            throw SqlError{hidden};
         }
         if (table->kind != ObjectKind::UserTable)
             raise(4708, {statement.table.object});
-        requirePermission(session, *table, "DELETE");
         requireWritable(*session.catalog().database(table->databaseId));
         const bool referenced =
             std::any_of(table->referencedBy.begin(), table->referencedBy.end(),

@@ -11,10 +11,11 @@ namespace practice {
 
 namespace {
 
-/// Names that may still come to be while the batch runs.
+/// Names that may still come to be while the batch runs, and rights, which are asked for when a statement's
+/// turn comes.
 bool isDeferred(int number)
 {
-    static constexpr std::array numbers = {208, 911, 1087, 2812, 4121};
+    static constexpr std::array numbers = {208, 229, 230, 911, 916, 1087, 2812, 4121};
     return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
 

@@ -1,6 +1,7 @@
 #include "engine/interpreter/interpreter.h"
 
 #include "engine/backup/backup.h"
+#include "engine/context/permissions.h"
 #include "engine/execution/statements.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_scope.h"
@@ -400,6 +401,7 @@ void Interpreter::simple(const ast::Statement& node)
     case Kind::Kill:
         return kill(ast::as<ast::KillStatement>(node));
     case Kind::Checkpoint:
+        return requireStatementPermission(session_, *session_.database(), "CHECKPOINT");
     case Kind::Reconfigure:
         return;
     case Kind::Shutdown:

@@ -1,6 +1,7 @@
 // Calls of procedures, by EXEC and from the wire, and prepared texts.
 #include "engine/api/collecting_sink.h"
 #include "engine/binder/parsed_texts.h"
+#include "engine/context/object_rights.h"
 #include "engine/context/permissions.h"
 #include "engine/context/temporary_names.h"
 #include "engine/execution/statements.h"
@@ -157,15 +158,18 @@ int Interpreter::callProcedure(const ast::ObjectName& name, std::vector<Paramete
         found = catalog.object(tempdbId, "", session_.temporaryName(name.object));
     else if (database) {
         requireOnline(*database);
-        found = catalog.object(database->id, name.schema, name.object, session_.user().id);
+        requireAccess(session_, *database);
+        const auto& module = session_.frame().module;
+        found = catalog.object(database->id, name.schema, name.object,
+                               module ? module->ownerId : session_.user().id);
     }
     // Procedures called sp_ are looked for in master too.
     if (!found && maybeSystem)
-        found = catalog.object(1, name.schema, name.object);
+        found = catalog.object(masterId, name.schema, name.object);
     if (!found || found->kind != ObjectKind::Procedure)
         raise(2812, {writtenName(name)});
-    if (session_.frame().procedureId == 0 && found->databaseId != tempdbId)
-        requirePermission(session_, *found, "EXECUTE");
+    if (!lends(session_, session_.frame().module, *found))
+        requireRight(session_, found, Right::Execute);
     return runModule(found, arguments);
 }
 
@@ -180,11 +184,13 @@ int Interpreter::runModule(const ObjectPtr& procedure, std::vector<Parameter>& a
     frame->procedure = shown;
     frame->procedureId = procedure->id;
     frame->completion = Completion::Kind::InProcedure;
-    // A temporary procedure works where it is called.
-    if (procedure->databaseId != tempdbId || !isTemporary(procedure->name))
+    // A temporary procedure works where it is called, and by the rights of its caller alone.
+    if (procedure->databaseId != tempdbId || !isTemporary(procedure->name)) {
         frame->database = session_.catalog().database(procedure->databaseId);
-    else
+        frame->module = ModuleOwner{procedure->databaseId, procedure->ownerId};
+    } else {
         frame->database = session_.frame().database;
+    }
     // Defaults and conversions are the procedure's own affair: its frame stands already.
     const FrameScope scope(session_, std::move(frame), ScopeKind::Module);
     const Temporarily<int> status(status_, 0);
@@ -308,6 +314,14 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
 {
     known = true;
     const std::string procedure = lowerCase(name.object);
+    // A database prefix makes the procedure work on that database.
+    const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
+    if (wanted) {
+        requireOnline(*wanted);
+        requireAccess(session_, *wanted);
+    }
+    const Temporarily<DatabasePtr> database(session_.frame().database,
+                                            wanted ? wanted : session_.frame().database);
     if (procedure == "sp_executesql")
         return executeSql(arguments);
     if (procedure == "sp_prepare" || procedure == "sp_prepexec")
@@ -329,12 +343,7 @@ int Interpreter::systemProcedure(const ast::ObjectName& name, std::vector<Parame
             raise(8179, {std::to_string(handle)});
         return 0;
     }
-    // A database prefix makes the procedure work on that database.
-    const DatabasePtr wanted = name.database.empty() ? nullptr : session_.catalog().database(name.database);
-    if (wanted)
-        requireOnline(*wanted);
-    const Temporarily<DatabasePtr> database(session_.frame().database,
-                                            wanted ? wanted : session_.frame().database);
+    requireAccess(session_, *session_.database());
     const Temporarily<Completion::Kind> completion(session_.frame().completion,
                                                    Completion::Kind::InProcedure);
     // What it writes outside a transaction is its own to commit, like a statement's.
@@ -460,6 +469,7 @@ void Interpreter::runPrepared(const std::string& declarations, const std::string
 
 void Interpreter::insertRowsOf(const ast::InsertStatement& node)
 {
+    requireMayInsert(session_, *node.target);
     CollectingSink collected;
     collected.passMessagesTo(session_.sink());
     {

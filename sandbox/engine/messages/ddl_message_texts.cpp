@@ -17,6 +17,9 @@ constexpr MessageText ddlTexts[] = {
     {622, 16, 3,
      "The filegroup \"%s\" has no files assigned to it. Tables, indexes, text columns, ntext columns, and "
      "image columns cannot be populated on this filegroup until a file is added."},
+    {1020, 15, 1,
+     "Sub-entity lists (such as column or security expressions) cannot be specified for entity-level "
+     "permissions."},
     {1088, 16, 12, "Cannot find the object \"%s\" because it does not exist or you do not have permissions."},
     {1505, 16, 1,
      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
@@ -204,7 +207,7 @@ constexpr MessageText ddlTexts[] = {
     {3254, 16, 1, "The volume on device '%s' is empty."},
     {3262, 0, 1, "The backup set on file %s is valid."},
     {3287, 16, 1, "The file ID %s on device '%s' is not valid."},
-    {3701, 11, 5, "Cannot drop the %s '%s', because it does not exist or you do not have permission."},
+    {3701, 11, 5, "Cannot %s the %s '%s', because it does not exist or you do not have permission."},
     {3702, 16, 4, "Cannot drop database \"%s\" because it is currently in use."},
     {3705, 16, 1, "Cannot use DROP %s with '%s' because '%s' is a %s. Use %s."},
     {3708, 16, 1, "Cannot %s the %s '%s' because it is a system %s."},
@@ -468,6 +471,7 @@ constexpr MessageText ddlTexts[] = {
     {15521, 10, 1, "'Disk' device added."},
     {15522, 10, 1, "Device dropped."},
     {15600, 15, 1, "An invalid parameter or option was specified for procedure '%s'."},
+    {15622, 10, 1, "No permission to access database '%s'."},
     {40510, 16, 1, "Statement '%s' is not supported in this version of SQL Server."},
 };
 

@@ -169,6 +169,7 @@ constexpr MessageText texts[] = {
     {281, 16, 1, "%s is not a valid style number when converting from %s to a character string."},
     {289, 16, 1, "Cannot construct data type %s, some of the arguments have values which are not valid."},
     {295, 16, 3, "Conversion failed when converting character string to smalldatetime data type."},
+    {297, 16, 10, "The user does not have permission to perform this action."},
     {306, 16, 2,
      "The text, ntext, and image data types cannot be compared or sorted, except when using IS NULL or LIKE "
      "operator."},
@@ -307,6 +308,8 @@ constexpr MessageText texts[] = {
      "correct "
      "for use with indexed views and/or indexes on computed columns and/or filtered indexes and/or query "
      "notifications and/or XML data type methods and/or spatial index operations."},
+    {2557, 14, 5, "User '%s' does not have permission to run DBCC %s for object '%s'."},
+    {2571, 14, 3, "User '%s' does not have permission to run DBCC %s."},
     {2601, 14, 1,
      "Cannot insert duplicate key row in object '%s' with unique index '%s'. The duplicate key value is "
      "(%s)."},
@@ -395,6 +398,7 @@ constexpr MessageText texts[] = {
     {6522, 16, 1,
      "A .NET Framework error occurred during execution of user-defined routine or aggregate \"%s\"."},
     {7601, 16, 1, "Cannot use a CONTAINS or FREETEXT predicate on %s because it is not full-text indexed."},
+    {7983, 14, 36, "User '%s' does not have permission to run DBCC %s for database '%s'."},
     {7997, 16, 1, "'%s' does not contain an identity column."},
     {8101, 16, 1,
      "An explicit value for the identity column in table '%s' can only be specified when a column list is "

@@ -4,6 +4,7 @@
 #include "engine/catalog/database_options.h"
 #include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"
+#include "engine/context/standing.h"
 #include "engine/definition/ddl_database.h"
 #include "engine/definition/ddl_names.h"
 #include "engine/messages/errors.h"
@@ -67,6 +68,14 @@ int helpDatabase(const ProcedureCall& call)
     else
         databases = call.session().catalog().databases();
     std::string rows;
+    std::erase_if(databases, [&call](const DatabasePtr& database) {
+        const bool closed = !userIn(call.session(), database->id);
+        if (closed)
+            call.session().inform(15622, {database->name});
+        return closed;
+    });
+    if (databases.empty())
+        return 1;
     for (const DatabasePtr& database : databases)
         rows += (rows.empty() ? "(" : ", (") + std::to_string(database->id) + ", " +
                 quotedText(dateText(database->created)) + ", " + quotedText(statusText(*database)) + ")";

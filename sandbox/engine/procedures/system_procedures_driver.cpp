@@ -26,7 +26,7 @@ DATABASE_NAME  sysname       d.name
 DATABASE_SIZE  int?          (SELECT 8 * sum(f.size) FROM cat_file f WHERE f.dbid = d.dbid)
 REMARKS        varchar(254)? NULL
 )",
-                  "FROM cat_database d ORDER BY d.fold");
+                  "FROM cat_database d WHERE s_has_dbaccess(d.name) ORDER BY d.fold");
     return 0;
 }
 

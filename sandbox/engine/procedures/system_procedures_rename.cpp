@@ -54,7 +54,10 @@ void requireMayChange(const Renaming& renaming, const Object& object)
 {
     if (object.shipped)
         raise(15001, {renaming.written});
-    if (!mayChange(renaming.session(), object.databaseId, object.ownerId))
+    const ObjectPtr owned = object.parentId == 0
+                                ? nullptr
+                                : renaming.session().catalog().object(object.databaseId, object.parentId);
+    if (!mayChange(renaming.session(), owned ? *owned : object))
         raise(15247);
 }
 
@@ -196,6 +199,7 @@ int changeObjectOwner(const ProcedureCall& call)
 {
     call.session().beginWrite();
     requireDatabaseRole(call.session(), "db_ddladmin");
+    requireDatabaseRole(call.session(), "db_securityadmin");
     const std::string name = call.textOr(0, "");
     const ObjectPtr object = findNamed(call.session(), parseObjectName(name));
     if (!object || object->parentId != 0 || object->shipped)
@@ -208,6 +212,8 @@ int changeObjectOwner(const ProcedureCall& call)
     Statement rows(call.session().connection(),
                    "UPDATE cat_object SET uid = ?1 WHERE dbid = ?2 AND (id = ?3 OR parent = ?3)");
     rows.bind(1, owner->id).bind(2, call.database()).bind(3, object->id).run();
+    // What was granted was the former owner's to grant.
+    deletePermissions(call.session().connection(), call.database(), object->id);
     touchObject(call.session().connection(), call.database(), object->id);
     call.session().inform(15477);
     return 0;

@@ -149,15 +149,20 @@ Grantee     sysname       u.name
 Grantor     sysname       g.name
 ProtectType char(10)      CASE p.protecttype WHEN 204 THEN 'Grant_WGO' WHEN 205 THEN 'Grant' ELSE 'Deny' END
 Action      varchar(60)   v.name
-Column      sysname       CASE WHEN p.action IN (193, 197) THEN '(All+New)' ELSE '.' END
+Column      sysname       coalesce(k.name, CASE WHEN p.action IN (193, 197) THEN '(All+New)' ELSE '.' END)
 )",
-        "FROM cat_permission p JOIN cat_user u ON u.dbid = p.dbid AND u.uid = p.uid "
+        "FROM (SELECT dbid, id, 0 AS colid, uid, action, protecttype, grantor FROM cat_permission UNION ALL "
+        "SELECT dbid, id, colid, uid, action, protecttype, grantor FROM cat_column_permission "
+        "WHERE protecttype > 0) p "
+        "LEFT JOIN cat_column k ON k.dbid = p.dbid AND k.id = p.id AND k.colid = p.colid JOIN cat_user u ON "
+        "u.dbid = p.dbid AND u.uid = p.uid "
         "JOIN cat_user g ON g.dbid = p.dbid AND g.uid = p.grantor "
         "LEFT JOIN cat_object o ON o.dbid IN (0, p.dbid) AND o.id = p.id "
         "LEFT JOIN cat_user w ON w.dbid = p.dbid AND w.uid = o.uid "
         "JOIN sys_value v ON v.type = 'T' AND v.number = p.action "
         "WHERE p.dbid = :db" +
-            named("o.fold", object) + named("u.fold", grantee) + " ORDER BY w.fold, o.fold, u.fold, v.name");
+            named("o.fold", object) + named("u.fold", grantee) +
+            " ORDER BY w.fold, o.fold, u.fold, v.name, p.colid");
     if (rows == 0)
         raise(15330);
     return 0;

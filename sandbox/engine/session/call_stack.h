@@ -40,7 +40,8 @@ struct Frame
     std::map<std::string, Cursor> cursors;                       ///< local ones
     std::string procedure;                                       ///< shown in messages; "" in a batch
     int procedureId = 0;
-    DatabasePtr database; ///< where a module's names are looked up; none for the session's own
+    std::optional<ModuleOwner> module; ///< whose rights the statements of a procedure borrow
+    DatabasePtr database;              ///< where a module's names are looked up; none for the session's own
     std::vector<TemporaryObject> temporaries;
     bool ownScope = true;        ///< its temporary objects and theirs alone go when it ends
     std::vector<Message> caught; ///< errors of the CATCH blocks that run, the innermost last

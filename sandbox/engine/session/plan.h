@@ -8,13 +8,14 @@
 
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace practice {
 
-/// Holds as long as the catalog, the database and the option it was bound with stay as they were.
+/// Holds as long as the catalog, the database, the option and the module it was bound with stay as they were.
 struct Plan
 {
     virtual ~Plan() = default;
@@ -22,6 +23,7 @@ struct Plan
     int databaseId = 0;
     bool concatNullYieldsNull = true;
     std::uint64_t visibility = 0;
+    std::optional<ModuleOwner> module; ///< a cursor that a procedure declared may be opened outside
     std::vector<ParameterSlot> slots;
 };
 

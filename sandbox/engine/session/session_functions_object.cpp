@@ -1,4 +1,5 @@
 // Functions that tell of objects, columns and types.
+#include "engine/context/standing.h"
 #include "engine/context/temporary_names.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
@@ -21,7 +22,10 @@ ObjectPtr objectNamed(SessionState& session, std::string_view text)
     if (isTemporary(name.object))
         return catalog.object(tempdbId, "", session.temporaryName(name.object));
     const DatabasePtr database = name.database.empty() ? session.database() : catalog.database(name.database);
-    return database ? catalog.object(database->id, name.schema, name.object, session.user().id) : nullptr;
+    // What the login may not enter is not there for it.
+    if (!database || !userIn(session, database->id))
+        return nullptr;
+    return catalog.object(database->id, name.schema, name.object, session.user().id);
 }
 
 ObjectPtr objectNumbered(SessionState& session, std::int64_t id)
@@ -47,7 +51,9 @@ void objectId(SessionState& session, const Call& call)
 void objectName(SessionState& session, const Call& call)
 {
     const int database = call.count() > 1 ? static_cast<int>(call.integer(1)) : session.database()->id;
-    const ObjectPtr found = session.catalog().object(database, static_cast<int>(call.integer(0)));
+    const ObjectPtr found = userIn(session, database)
+                                ? session.catalog().object(database, static_cast<int>(call.integer(0)))
+                                : nullptr;
     return found ? call.result(std::string_view(found->name)) : null(call);
 }
 

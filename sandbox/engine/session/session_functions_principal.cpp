@@ -1,7 +1,11 @@
 // Functions that tell of logins, users and roles.
+#include "engine/context/object_rights.h"
+#include "engine/context/permissions.h"
 #include "engine/context/security_principals.h"
 #include "engine/messages/errors.h"
 #include "engine/session/session_functions.h"
+
+#include <array>
 
 namespace practice {
 
@@ -81,13 +85,78 @@ void schemaId(SessionState& session, const Call& call)
     userId(session, call);
 }
 
-/// The statement permissions of the current user, or those on an object: all for an owner.
+struct StatementBit
+{
+    const char* statement;
+    std::int64_t bit;
+};
+
+constexpr std::array statementBits = {
+    StatementBit{"CREATE DATABASE", 0x1},  StatementBit{"CREATE TABLE", 0x2},
+    StatementBit{"CREATE PROCEDURE", 0x4}, StatementBit{"CREATE VIEW", 0x8},
+    StatementBit{"CREATE RULE", 0x10},     StatementBit{"CREATE DEFAULT", 0x20},
+    StatementBit{"BACKUP DATABASE", 0x40}, StatementBit{"BACKUP LOG", 0x80},
+};
+
+struct RightBits
+{
+    Right right;
+    std::int64_t all; ///< had on the whole object, or on the column that was asked about
+    std::int64_t any; ///< had on some column
+};
+
+constexpr std::array rightBits = {
+    RightBits{Right::Select, 0x1, 0x1000},     RightBits{Right::Update, 0x2, 0x2000},
+    RightBits{Right::References, 0x4, 0x4000}, RightBits{Right::Insert, 0x8, 0},
+    RightBits{Right::Delete, 0x10, 0},         RightBits{Right::Execute, 0x20, 0},
+};
+
+std::int64_t statementPermissions(SessionState& session)
+{
+    const DatabasePtr database = session.database();
+    std::int64_t bits = 0;
+    for (const StatementBit& known : statementBits) {
+        const bool ofMaster = known.bit == 0x1 && database->id != masterId;
+        if (!ofMaster && mayRun(session, *database, known.statement))
+            bits |= known.bit;
+    }
+    return bits;
+}
+
+/// @param column of the object; nullptr for all of them
+std::int64_t objectPermissions(SessionState& session, const ObjectPtr& object, const Column* column)
+{
+    const bool procedure = object->kind == ObjectKind::Procedure;
+    std::int64_t bits = 0;
+    for (const RightBits& known : rightBits) {
+        const bool fits = procedure == (known.right == Right::Execute) &&
+                          (column == nullptr || appliesToColumns(known.right));
+        if (!fits)
+            continue;
+        RightNeed need{object, known.right, {}};
+        if (column == nullptr && known.any != 0 && hasRight(session, need))
+            bits |= known.any;
+        for (const Column& each : object->columns) {
+            if (appliesToColumns(known.right) && (column == nullptr || column->id == each.id))
+                need.columns.insert(each.id);
+        }
+        if (hasRight(session, need))
+            bits |= known.all;
+    }
+    return bits;
+}
+
+// permissions(id, column)
 void permissions(SessionState& session, const Call& call)
 {
-    constexpr int allStatements = 0x1FE;
-    constexpr int allOnObject = 0x1F;
-    const bool owner = session.user().id == 1;
-    call.result(owner ? (call.count() == 0 ? allStatements : allOnObject) : 0);
+    if (call.count() == 0)
+        return call.result(statementPermissions(session));
+    const ObjectPtr object =
+        session.catalog().object(session.database()->id, static_cast<int>(call.integer(0)));
+    const Column* column = object && call.count() > 1 ? object->column(std::string(call.text(1))) : nullptr;
+    if (!object || (call.count() > 1 && column == nullptr))
+        return null(call);
+    call.result(objectPermissions(session, object, column));
 }
 
 } // namespace

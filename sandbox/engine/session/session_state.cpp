@@ -3,6 +3,7 @@
 #include "engine/binder/ddl_types.h"
 #include "engine/binder/parsed_texts.h"
 #include "engine/catalog/catalog_functions.h"
+#include "engine/context/standing.h"
 #include "engine/functions/sql_functions.h"
 #include "engine/messages/errors.h"
 #include "types/conversion.h"
@@ -97,8 +98,7 @@ void SessionState::useDatabase(const std::string& name)
         raise(927, {found->name});
     if ((found->options & Offline) != 0)
         raise(942, {found->name});
-    if (!catalog_->userOf(found->id, login_))
-        raise(916, {login_.name, found->name});
+    requireAccess(*this, *found);
     sink().environment(EnvironmentChange::Database, found->name, place_.enter(*found));
     inform(5701, {found->name});
 }
@@ -171,9 +171,10 @@ void SessionState::assign(const std::string& name, const Value& value, const Sql
 
 BindContext SessionState::bindContext()
 {
+    const std::optional<ModuleOwner> module = calls_.empty() ? std::nullopt : frame().module;
     return {*this,
             database(),
-            user().id,
+            module ? module->ownerId : user().id,
             [this](const std::string& name) -> std::optional<SqlType> {
                 const Variable* found = calls_.find(name);
                 return found == nullptr ? std::nullopt : std::optional(found->type);
@@ -182,7 +183,7 @@ BindContext SessionState::bindContext()
                 const auto found = frame().tableVariables.find(name);
                 return found == frame().tableVariables.end() ? std::string() : temporaryName(found->second);
             },
-            !calls_.empty() && frame().procedureId != 0};
+            module};
 }
 
 CompiledBatchPtr SessionState::compile(const std::string& text, const std::string& family)
@@ -229,6 +230,7 @@ QueryPlan& SessionState::scalarPlan(const ast::Expression& expression, bool cond
         term = translator.expression(expression, scope);
     auto plan = std::make_unique<QueryPlan>();
     plan->columns.push_back({"", term.type, term.collation});
+    translator.requireRights();
     plan->slots = translator.parameters();
     plan->statement = Statement(connection(), "SELECT " + term.sql, true);
     return keepPlan(&expression, std::move(plan));

@@ -61,7 +61,8 @@ public:
     [[nodiscard]] SqlType typeOfExpression(const Object* table, const std::string& text) override;
     [[nodiscard]] std::string convertExpression(const std::string& sqlite, const SqlType& from,
                                                 const SqlType& to) override;
-    [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query) override;
+    [[nodiscard]] std::vector<ColumnInfo> describeQuery(const ast::SelectStatement& query,
+                                                        const ModuleOwner& owner) override;
 
     /// SET LANGUAGE, with the environment change and message 5703.
     void useLanguage(const Language& language, const std::string& before);
@@ -169,7 +170,7 @@ PlanType* SessionState::findPlan(const void* node)
     Plan& plan = *found->second;
     if (plan.catalogVersion != catalog().version() || plan.databaseId != database()->id ||
         plan.concatNullYieldsNull != options_.concatNullYieldsNull ||
-        plan.visibility != temporaries_->visibility())
+        plan.visibility != temporaries_->visibility() || plan.module != frame().module)
         return nullptr;
     return dynamic_cast<PlanType*>(&plan);
 }
@@ -181,6 +182,7 @@ PlanType& SessionState::keepPlan(const void* node, std::unique_ptr<PlanType> pla
     plan->databaseId = database()->id;
     plan->concatNullYieldsNull = options_.concatNullYieldsNull;
     plan->visibility = temporaries_->visibility();
+    plan->module = frame().module;
     PlanType& kept = *plan;
     frame().compiled->plans[node] = std::move(plan);
     return kept;

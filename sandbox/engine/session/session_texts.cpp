@@ -69,13 +69,18 @@ std::string SessionState::convertExpression(const std::string& sqlite, const Sql
     return convertTerm(resultTerm(sqlite, from), to, Conversion::Assignment).sql;
 }
 
-std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& query)
+std::vector<ColumnInfo> SessionState::describeQuery(const ast::SelectStatement& query,
+                                                    const ModuleOwner& owner)
 {
-    Translator translator(bindContext());
+    BindContext context = bindContext();
+    context.module = owner;
+    context.userId = owner.ownerId;
+    Translator translator(std::move(context));
     std::vector<ColumnInfo> columns;
     for (const QueryColumn& column : translator.statement(query.query).columns)
         columns.push_back(
             {column.name, column.type, column.nullable, column.identity.has_value(), column.updatable});
+    translator.requireRights();
     return columns;
 }
 

@@ -43,10 +43,16 @@ id           int              p.id
 uid          smallint         p.uid
 action       tinyint          p.action
 protecttype  tinyint          p.protecttype
-columns      varbinary(4000)? CASE WHEN p.action IN (193, 197) THEN x'01' END
+columns      varbinary(4000)? p.bits
 grantor      smallint         p.grantor
 )",
-     "FROM cat_permission p WHERE p.dbid = :db"},
+     // Bit 0 stands for all columns but those whose bits are set, too.
+     "FROM (SELECT w.dbid, w.id, w.uid, w.action, w.protecttype, w.grantor, CASE WHEN w.action IN (193, 197) "
+     "THEN practice_bits('0' || coalesce((SELECT ',' || group_concat(c.colid) FROM cat_column_permission c "
+     "WHERE c.dbid = w.dbid AND c.id = w.id AND c.uid = w.uid AND c.action = w.action), '')) END AS bits "
+     "FROM cat_permission w UNION ALL SELECT dbid, id, uid, action, protecttype, min(grantor), "
+     "practice_bits(group_concat(colid)) FROM cat_column_permission WHERE protecttype > 0 "
+     "GROUP BY dbid, id, uid, action, protecttype) p WHERE p.dbid = :db AND p.action > 3"},
 
     {"dbo", "syspermissions", false,
      R"(
@@ -138,14 +144,16 @@ member_principal_id  int  m.memberuid
 class                 tinyint       p.id <> 0
 class_desc            nvarchar(60)? CASE WHEN p.id = 0 THEN 'DATABASE' ELSE 'OBJECT_OR_COLUMN' END
 major_id              int           p.id
-minor_id              int           0
+minor_id              int           p.colid
 grantee_principal_id  int           p.uid
 grantor_principal_id  int           p.grantor
-permission_name       nvarchar(128)? (SELECT upper(v.name) FROM sys_value v WHERE v.type = 'T' AND v.number = p.action)
-state                 char(1)       CASE p.protecttype WHEN 204 THEN 'W' WHEN 205 THEN 'G' ELSE 'D' END
-state_desc            nvarchar(60)? CASE p.protecttype WHEN 204 THEN 'GRANT_WITH_GRANT_OPTION' WHEN 205 THEN 'GRANT' ELSE 'DENY' END
+permission_name       nvarchar(128)? CASE p.action WHEN 1 THEN 'ALTER' WHEN 2 THEN 'CONTROL' WHEN 3 THEN 'VIEW DEFINITION' ELSE (SELECT upper(v.name) FROM sys_value v WHERE v.type = 'T' AND v.number = p.action) END
+state                 char(1)       CASE p.protecttype WHEN 0 THEN 'R' WHEN 204 THEN 'W' WHEN 205 THEN 'G' ELSE 'D' END
+state_desc            nvarchar(60)? CASE p.protecttype WHEN 0 THEN 'REVOKE' WHEN 204 THEN 'GRANT_WITH_GRANT_OPTION' WHEN 205 THEN 'GRANT' ELSE 'DENY' END
 )",
-     "FROM cat_permission p WHERE p.dbid = :db"},
+     "FROM (SELECT dbid, id, 0 AS colid, uid, action, protecttype, grantor FROM cat_permission UNION ALL "
+     "SELECT dbid, id, colid, uid, action, protecttype, grantor FROM cat_column_permission) p "
+     "WHERE p.dbid = :db"},
 
     {"sys", "server_principals", true,
      R"(
