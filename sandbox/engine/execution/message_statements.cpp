@@ -252,6 +252,19 @@ void executeRaiserror(SessionState& session, const ast::RaiserrorStatement& stat
     session.done(std::nullopt, commands::other, message.severity > lastInformation);
 }
 
+namespace {
+
+ObjectPtr checkedTable(SessionState& session, const ast::ObjectName& name)
+try {
+    return Translator(session.bindContext()).object(name);
+} catch (const SqlError& error) {
+    if (error.message.number != 208)
+        throw;
+    raise(2501, {name.object});
+}
+
+} // namespace
+
 void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
 {
     const auto argument = [&session, &statement](std::size_t i) {
@@ -261,9 +274,8 @@ void executeDbcc(SessionState& session, const ast::DbccStatement& statement)
         return literal != nullptr ? literal->text : asText(session, *statement.arguments[i]);
     };
     if (statement.command == "CHECKIDENT") {
-        Translator translator(session.bindContext());
         const ast::ObjectName name = parseObjectName(argument(0));
-        const ObjectPtr table = translator.object(name);
+        const ObjectPtr table = checkedTable(session, name);
         if (table->identityColumn() == nullptr)
             raise(7997, {name.object});
         if (lowerCase(argument(1)) == "reseed" && statement.arguments.size() > 2) {
