@@ -335,6 +335,7 @@ constexpr MessageText texts[] = {
      "specification."},
     {2787, 16, 1, "Invalid format specification: '%s'."},
     {2812, 16, 62, "Could not find stored procedure '%s'."},
+    {3606, 0, 0, "Arithmetic overflow occurred."},
     {3609, 16, 1, "The transaction ended in the trigger. The batch has been aborted."},
     {3616, 16, 1,
      "An error was raised during trigger execution. The batch has been aborted and the user transaction, if "
