@@ -58,8 +58,26 @@ StatementPtr StatementParser::whileStatement()
     expect(Keyword::While);
     auto node = std::make_unique<ast::WhileStatement>();
     node->condition = condition();
+    ++loops_;
     node->body = statement();
+    --loops_;
     return node;
+}
+
+StatementPtr StatementParser::breakStatement()
+{
+    if (loops_ == 0)
+        fail(135, "Cannot use a BREAK statement outside the scope of a WHILE statement.");
+    advance();
+    return std::make_unique<ast::BreakStatement>();
+}
+
+StatementPtr StatementParser::continueStatement()
+{
+    if (loops_ == 0)
+        fail(136, "Cannot use a CONTINUE statement outside the scope of a WHILE statement.");
+    advance();
+    return std::make_unique<ast::ContinueStatement>();
 }
 
 StatementPtr StatementParser::transaction(ast::TransactionAction action)
@@ -102,7 +120,9 @@ StatementPtr StatementParser::gotoStatement()
 {
     expect(Keyword::Goto);
     auto node = std::make_unique<ast::GotoStatement>();
+    const std::size_t line = here().line;
     node->label = identifier();
+    jumps_.push_back({node->label, line});
     return node;
 }
 
@@ -110,8 +130,24 @@ StatementPtr StatementParser::label()
 {
     auto node = std::make_unique<ast::LabelStatement>();
     node->label = identifier();
+    if (!labels_.insert(upperCase(node->label)).second)
+        fail(132,
+             "The label '" + node->label +
+                 "' has already been declared. Label names must be unique within a query batch or stored "
+                 "procedure.");
     expect(Symbol::Colon);
     return node;
+}
+
+void StatementParser::requireLabels() const
+{
+    for (const Jump& jump : jumps_) {
+        if (!labels_.contains(upperCase(jump.label)))
+            throw SyntaxError{133,
+                              "A GOTO statement references the label '" + jump.label +
+                                  "' but the label has not been declared.",
+                              static_cast<int>(jump.line), 1};
+    }
 }
 
 StatementPtr StatementParser::waitFor()

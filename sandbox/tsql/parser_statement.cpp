@@ -13,6 +13,7 @@ ast::Batch StatementParser::batch()
     ast::Batch result;
     for (skipSemicolons(); !atEnd(); openEnd_ = !skipSemicolons())
         result.statements.push_back(statement());
+    requireLabels();
     return result;
 }
 
@@ -88,11 +89,9 @@ StatementPtr StatementParser::dispatch()
     case Keyword::While:
         return whileStatement();
     case Keyword::Break:
-        advance();
-        return std::make_unique<ast::BreakStatement>();
+        return breakStatement();
     case Keyword::Continue:
-        advance();
-        return std::make_unique<ast::ContinueStatement>();
+        return continueStatement();
     case Keyword::Commit:
         return transaction(ast::TransactionAction::Commit);
     case Keyword::Rollback:

@@ -4,6 +4,8 @@
 #include "tsql/ast.h"
 #include "tsql/table_parser.h"
 
+#include <set>
+
 namespace practice {
 
 class StatementParser : public TableParser
@@ -48,7 +50,11 @@ private:
     [[nodiscard]] ast::StatementPtr whileStatement();
     [[nodiscard]] ast::StatementPtr transaction(ast::TransactionAction action);
     [[nodiscard]] ast::StatementPtr returnStatement();
+    [[nodiscard]] ast::StatementPtr breakStatement();
+    [[nodiscard]] ast::StatementPtr continueStatement();
     [[nodiscard]] ast::StatementPtr gotoStatement();
+    /// @throws SyntaxError 133 for a GOTO without its label
+    void requireLabels() const;
     [[nodiscard]] ast::StatementPtr label();
     [[nodiscard]] ast::StatementPtr waitFor();
     [[nodiscard]] ast::StatementPtr print();
@@ -155,6 +161,16 @@ private:
     [[nodiscard]] ast::StatementPtr createSchema();
     [[nodiscard]] ast::StatementPtr alterSchema();
     [[nodiscard]] ast::StatementPtr alterAuthorization();
+
+    struct Jump
+    {
+        std::string label;
+        std::size_t line;
+    };
+
+    std::set<std::string> labels_; ///< of the batch, upper case
+    std::vector<Jump> jumps_;      ///< the GOTO of the batch
+    int loops_ = 0;                ///< how many WHILE hold the statement that is read
 
     bool untouched_ = true;     ///< no statement of the batch has begun
     bool first_ = false;        ///< the statement that begins is the batch's first

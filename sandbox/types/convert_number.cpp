@@ -122,10 +122,11 @@ Value integerFromFloat(double value, TypeId to)
     if (to == TypeId::Bit)
         return {std::int64_t{value != 0}, {}};
     const double whole = std::trunc(value);
-    if (!(whole >= -9223372036854775808.0 && whole < 9223372036854775808.0))
+    const bool fits = whole >= -9223372036854775808.0 && whole < 9223372036854775808.0;
+    if (!fits && to == TypeId::BigInt)
         failOverflow("expression", to);
-    const auto number = static_cast<std::int64_t>(whole);
-    if (!inRange(number, to))
+    const auto number = fits ? static_cast<std::int64_t>(whole) : 0;
+    if (!fits || !inRange(number, to))
         failFloatOverflow(value, to);
     return {number, {}};
 }

@@ -9,6 +9,8 @@
 #include "types/text_encoding.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 namespace practice {
 
@@ -40,6 +42,15 @@ Term exactLiteral(std::string_view text)
     const int digits = std::max(digitCount(value->magnitude), int{value->scale});
     return constantTerm(Value{*value, {}},
                         {TypeId::Numeric, 0, static_cast<std::uint8_t>(digits), value->scale});
+}
+
+/// What is too small for a float is 0, what is too large an error.
+Term floatLiteral(const std::string& text)
+{
+    const double value = std::strtod(text.c_str(), nullptr);
+    if (std::isinf(value))
+        raise(168, {text, "8"});
+    return constantTerm(Value{value, {}}, floatType());
 }
 
 Term integerLiteral(const std::string& text)
@@ -97,7 +108,7 @@ Term Translator::literal(const ast::Literal& literal)
     case ast::LiteralKind::Decimal:
         return exactLiteral(literal.text);
     case ast::LiteralKind::Float:
-        return constantTerm(Value{std::stod(literal.text), {}}, floatType());
+        return floatLiteral(literal.text);
     case ast::LiteralKind::Money:
         return moneyLiteral(literal.text);
     case ast::LiteralKind::String:
@@ -429,6 +440,8 @@ Term Translator::cast(const ast::Cast& cast, Scope& scope)
 
 Term Translator::scalarSubquery(const ast::Subquery& subquery, Scope& scope)
 {
+    if (scope.clause == Clause::GroupBy)
+        raise(144);
     const TranslatedQuery inner = singleColumn(*subquery.query, scope);
     const QueryColumn& column = inner.columns.front();
     Term term = resultTerm("", column.type);

@@ -68,6 +68,8 @@ void requireAggregateAllowed(const Scope& scope)
         raise(1015);
     case Clause::GroupBy:
         raise(144);
+    case Clause::Set:
+        raise(157);
     default:
         break;
     }
@@ -185,12 +187,12 @@ std::string windowText(const FunctionCall& call)
     bool first = true;
     for (const ast::OrderItem& item : node.over->orderBy) {
         Term term = call.translator().expression(*item.expression, call.scope());
-        // A constant would be taken for the place of a column.
-        const std::string key = term.constant ? "(SELECT " + term.sql + ")" : comparable(term);
+        if (term.constant)
+            raise(term.integerLiteral ? 5308 : 5309);
         text += (text.empty() ? "ORDER BY "
                  : first      ? " ORDER BY "
                               : ", ") +
-                key + (item.descending ? " DESC" : "");
+                comparable(term) + (item.descending ? " DESC" : "");
         first = false;
     }
     if (node.over->frame) {
@@ -236,6 +238,8 @@ Term bindAggregate(const FunctionCall& call, std::string_view name)
         const std::string counted = node.star ? "*" : node.distinct ? comparable(argument) : argument.sql;
         return resultTerm(text.call("count", counted), name == "count" ? intType() : bigIntType(), false);
     }
+    if (node.star)
+        raise(102, {"*"});
     if (isLegacyLob(argument.type.id) || argument.type.id == TypeId::Xml)
         raise(8117, {typeName(argument.type.id), std::string(name)});
     if (name == "string_agg")
@@ -279,8 +283,13 @@ Term bindRanking(const FunctionCall& call, std::string_view name)
     if (call.node().over->orderBy.empty())
         raise(4112, {function});
     const std::string over = windowText(call);
-    if (name == "ntile")
-        return resultTerm("ntile(" + call.integer(0).sql + ")" + over, bigIntType(), false);
+    if (name == "ntile") {
+        const Term groups = call.integer(0);
+        const auto known = constantInteger(groups);
+        if (known && *known < 1)
+            raise(4116, {function});
+        return resultTerm("ntile(" + groups.sql + ")" + over, bigIntType(), false);
+    }
     if (name == "row_number" || name == "rank" || name == "dense_rank")
         return resultTerm(function + "()" + over, bigIntType(), false);
     if (!call.has(0))

@@ -71,11 +71,11 @@ Term coalesce(const FunctionCall& call)
     const SqlType type = commonType(values);
     if (type.id == TypeId::Null)
         raise(4127);
-    Term result = resultTerm("coalesce(", type);
+    Term result = resultTerm("coalesce(", type, false);
     for (const Term& value : values) {
         result.sql +=
             (&value == values.data() ? "" : ",") + convertTerm(value, type, Conversion::Implicit).sql;
-        result.nullable = result.nullable && value.nullable;
+        result.nullable = result.nullable || value.nullable;
         if (isCharacter(value.type.id) && isCharacter(type.id)) {
             const Term merged = mergedCollation(result, value, "coalesce");
             result.collation = merged.collation;
@@ -277,7 +277,7 @@ constexpr FunctionEntry systemFunctions[] = {
     {"grouping", 1, 1, grouping},
     {"has_dbaccess", 1, 1, sessionAnswer<hasAccess, TypeId::Int, 4>},
     {"hashbytes", 2, 2, hashBytes},
-    {"host_id", 0, 0, sessionValue<hostId, TypeId::Char, 8>},
+    {"host_id", 0, 0, sessionValue<hostId, TypeId::Char, 10>},
     {"host_name", 0, 0, sessionValue<hostName, name, nameLength>},
     {"ident_current", 1, 1, identCurrent},
     {"ident_incr", 1, 1, identIncrement},

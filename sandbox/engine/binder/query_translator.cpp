@@ -1,4 +1,5 @@
 // SELECT blocks and what joins them: grouping, ordering, set operations.
+#include "engine/binder/function_binder.h"
 #include "engine/binder/translator.h"
 #include "engine/messages/errors.h"
 
@@ -303,9 +304,10 @@ std::string BlockText::topCount()
 {
     Scope scalar;
     const Term count = translator_.expression(*block_.top->count, scalar);
-    if (count.constant && !count.constant->isNull()) {
-        const auto* value = std::get_if<std::int64_t>(&count.constant->data);
-        if (value != nullptr && *value < 0)
+    if (const auto known = constantInteger(count)) {
+        if (block_.top->percent && (*known < 0 || *known > 100))
+            raise(1031);
+        if (*known < 0)
             raise(127);
     }
     if (block_.top->percent)

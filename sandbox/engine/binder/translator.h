@@ -81,6 +81,7 @@ enum class Clause : std::uint8_t
     GroupBy,
     Having,
     OrderBy,
+    Set, ///< of an UPDATE
     Scalar
 };
 

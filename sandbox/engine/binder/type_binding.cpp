@@ -95,6 +95,8 @@ SqlType resolveType(const ast::DataType& written, bool declaration)
     case TypeId::DateTimeOffset:
         return fractional(type, written);
     default:
+        if (!written.facets.empty())
+            raise(291, {typeName(written.id)});
         return type;
     }
 }

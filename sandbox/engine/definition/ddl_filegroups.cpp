@@ -156,6 +156,7 @@ void renameFilegroup(SessionContext& session, const Database& database, const st
     Statement row(session.connection(),
                   "UPDATE cat_filegroup SET name = ?, fold = ? WHERE dbid = ? AND groupid = ?");
     row.bind(1, newName).bind(2, foldName(newName)).bind(3, database.id).bind(4, group.id).run();
+    session.inform(5021, {"filegroup", newName});
 }
 
 } // namespace practice

@@ -117,6 +117,7 @@ void renameFile(SessionContext& session, int databaseId, int fileId, const std::
     Statement row(session.connection(),
                   "UPDATE cat_file SET name = ?, fold = ? WHERE dbid = ? AND fileid = ?");
     row.bind(1, name).bind(2, foldName(name)).bind(3, databaseId).bind(4, fileId).run();
+    session.inform(5021, {"file", name});
 }
 
 void growFile(SessionContext& session, int databaseId, const StoredFile& file, std::int64_t pages,

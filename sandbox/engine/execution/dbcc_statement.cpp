@@ -148,7 +148,9 @@ private:
     void checkIdentity() const
     {
         const ast::ObjectName name = parseObjectName(argument(0));
-        const ObjectPtr table = Translator(session_.bindContext()).object(name);
+        const ObjectPtr table = tableAt(0);
+        if (!table)
+            raise(2501, {name.object});
         if (table->identityColumn() == nullptr)
             raise(7997, {name.object});
         if (lowerCase(argument(1)) != "reseed" || statement_.arguments.size() <= 2)

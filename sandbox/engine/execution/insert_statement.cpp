@@ -368,12 +368,22 @@ void startIdentity(SessionState& session, const InsertPlan& plan)
     session.outcome().identityCounter.next = last ? *last + identity.increment : identity.seed;
 }
 
+void requireIdentityFits(SessionState& session, std::int64_t value, const SqlType& type)
+try {
+    (void)convert(Value{value, {}}, bigIntType(), type, 0, session.options().dates);
+} catch (const ConversionError&) {
+    Message message = makeMessage(8115);
+    message.state = identityOverflow;
+    message.text =
+        "Arithmetic overflow error converting IDENTITY to data type " + std::string(typeName(type.id)) + ".";
+    throw SqlError{message};
+}
+
 void keepIdentity(SessionState& session, const InsertPlan& plan, std::int64_t firstRow)
 {
     if (plan.generated != nullptr && session.outcome().identityCounter.last) {
         const std::int64_t last = *session.outcome().identityCounter.last;
-        if (plan.generated->type.id == TypeId::Int && (last > INT32_MAX || last < INT32_MIN))
-            raise(8115, {"int"});
+        requireIdentityFits(session, last, plan.generated->type);
         session.catalog().setLastIdentity(plan.table->databaseId, plan.table->id, last);
         session.outcome().lastIdentity = session.outcome().scopeIdentity = last;
         return;

@@ -81,6 +81,7 @@ public:
         scope_.clause = Clause::Where;
         if (whereNode_ != nullptr)
             where_ = " WHERE " + translator_.condition(*whereNode_, scope_);
+        scope_.clause = Clause::Set;
     }
 
     [[nodiscard]] std::string limit(const std::optional<ast::Top>& top)

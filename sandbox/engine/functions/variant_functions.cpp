@@ -109,7 +109,6 @@ void variantProperty(const Call& call)
         return number(mostBytes(type));
     if (property == "collation" && isCharacter(type.id))
         return text(call.text(2));
-    sqlite3_result_null(call.context());
 }
 
 } // namespace

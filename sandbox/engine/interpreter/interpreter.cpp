@@ -36,6 +36,12 @@ Message messageOf(const StoreError& failure)
     return message;
 }
 
+/// What is said behind the error of a statement of rows.
+int endOf(const Message& error)
+{
+    return error.number == 8115 && error.state == identityOverflow ? 3606 : 3621;
+}
+
 /// Errors of running, as opposed to those of binding, end a change of rows with message 3621. A table
 /// that is altered or indexed changes its rows too, but what it checks in them is its own affair.
 bool terminates(const ast::Statement& statement, const SqlError& error)
@@ -188,7 +194,7 @@ void Interpreter::report(const SqlError& error, std::uint16_t command, bool term
     session_.outcome().lastError = message.number;
     session_.outcome().lastRowCount = 0;
     if (terminated)
-        session_.sendMessage(makeMessage(3621));
+        session_.sendMessage(makeMessage(endOf(message)));
     session_.done(std::nullopt, command, true);
     const bool aborted = !error.confined && abortsBatch(message.number);
     const bool all = (!error.confined && endsTransaction(message.number)) ||

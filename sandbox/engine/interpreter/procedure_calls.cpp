@@ -56,6 +56,12 @@ void requireKnownArguments(const std::string& procedure,
                            });
         if (!known)
             raise(8145, {argument.name, procedure});
+        const bool twice = !argument.name.empty() &&
+                           std::any_of(arguments.data(), &argument, [&argument](const Parameter& earlier) {
+                               return sameName(earlier.name, argument.name);
+                           });
+        if (twice)
+            raise(8143, {argument.name});
     }
 }
 

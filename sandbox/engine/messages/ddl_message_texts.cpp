@@ -116,6 +116,7 @@ constexpr MessageText ddlTexts[] = {
     {1945, 10, 1,
      "Warning! The maximum key length is %s bytes. The index '%s' has maximum length of %s bytes. For some "
      "combination of large values, the insert/update operation will fail."},
+    {2501, 16, 45, "Cannot find a table or object with the name \"%s\". Check the system catalog."},
     {2702, 16, 2, "Database '%s' does not exist."},
     {2705, 16, 3,
      "Column names in each table must be unique. Column name '%s' in table '%s' is specified more than "

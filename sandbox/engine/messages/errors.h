@@ -30,4 +30,7 @@ struct SqlError
 /// (conversion faults, missing objects at run time, deadlock victims ...).
 [[nodiscard]] bool abortsBatch(int number);
 
+/// State of 8115 when an identity column has run out of numbers.
+inline constexpr int identityOverflow = 1;
+
 } // namespace practice

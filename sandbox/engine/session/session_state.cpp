@@ -46,7 +46,7 @@ Value convertedForVariable(const Value& value, const SqlType& from, const SqlTyp
 
 SqlType declaredType(SessionState&, const ast::DataType& type)
 {
-    return resolveDeclaredType(type, 1, "parameter", "");
+    return resolveDeclaredType(type, 1, "type", std::string(typeName(type.id)));
 }
 
 SessionState::SessionState(const std::filesystem::path& dataDirectory, const std::string& serverName,
