@@ -311,6 +311,32 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
     EXPECT_FALSE(forma->fraIndices->isEnabled());
 }
 
+TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
+{
+    Prepara(En, {u"create table t (a int not null constraint PK_t primary key)"_s});
+    auto* forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdNuevoIndice);
+    Escribe(u"vacio"_s);
+    Tecla(Qt::Key_Return);
+    respuesta = controls::Answer::No;
+    const auto pregunta = [this] { return Avisos().size(); };
+    Pagina(forma, 0);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1) << "the answer was to stay";
+    EXPECT_EQ(QApplication::focusWidget(), forma->TDBGridIndices);
+    Clic(forma->chkAgrupado);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_FALSE(forma->chkAgrupado->isChecked());
+    respuesta = controls::Answer::Yes;
+    Clic(forma->cmdEliminarIndice);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_EQ(forma->cboIndices->Text(), u"PK_t"_s) << "only the empty index goes";
+    EXPECT_FALSE(forma->cmdEliminarIndice->isDown());
+    Clic(forma->chkAgrupado);
+    EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
+}
+
 TEST_F(Mano, RelationsAreNamedFilledAndDeleted)
 {
     Prepara(Es, {u"create table Padre (p int not null primary key, q int null)"_s,
