@@ -91,6 +91,6 @@ void GuardaIndices(const DatosTabla& datos)
     for (int i = 0; i < ContadorIndices; ++i) {
         const Indice indice = LeeIndice(datos.Indices, i);
         if (!indice.nombre.isEmpty())
-            GuardaIndice(indice, datos.CamposIndice(i), datos.NombreTabla.trimmed());
+            GuardaIndice(indice, datos.CamposIndice(i), datos.NombreTabla);
     }
 }
