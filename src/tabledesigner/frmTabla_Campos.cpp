@@ -8,6 +8,7 @@
 #include "platform/controls/Menus.h"
 #include "platform/controls/Pointer.h"
 #include "tabledesigner/Campos.h"
+#include "tabledesigner/Relaciones.h"
 #include "tabledesigner/Vinculos.h"
 
 #include <QApplication>
@@ -285,6 +286,9 @@ try {
     TDBGridTabla->Refresh();
     TDBGridTabla->setFirstRow(primera);
     GestionaBloqueoCeldas();
+    // Relations that referenced the column have gone with it, and the others have moved up.
+    if (::CargaRelaciones(Datos).size() != cboRelaciones->ListCount())
+        MuestraRelaciones();
     Datos.TablaModificada = true;
 } catch (...) {
     InformaError(u"EliminarFila"_s);

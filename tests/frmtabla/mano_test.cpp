@@ -337,6 +337,25 @@ TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
     EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
 }
 
+TEST_F(Mano, ARelationThatGoesWithItsColumnLeavesTheList)
+{
+    Prepara(En, {u"create table p (p int not null primary key)"_s,
+                 u"create table t (id int not null constraint UQ_t unique, jefe int null constraint FK_a "
+                 u"references t(id), p int null constraint FK_p references p(p))"_s});
+    auto* forma = Diseña(u"t"_s);
+    ASSERT_EQ(forma->cboRelaciones->List(0), u"FK_a"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdEliminarIndice);
+    Pagina(forma, 0);
+    ClicCelda(forma->TDBGridTabla, 0, ColCampo::Nombre);
+    respuesta = controls::Answer::Yes;
+    Tecla(Qt::Key_Delete);
+    Pagina(forma, 2);
+    EXPECT_EQ(forma->cboRelaciones->ListCount(), 1);
+    EXPECT_EQ(forma->txtNombreRelacion->Text(), u"FK_p"_s);
+    EXPECT_EQ(forma->TDBGridRelaciones->Columns(ColCampoRelacion::Propia).Text(), u"p"_s);
+}
+
 TEST_F(Mano, RelationsAreNamedFilledAndDeleted)
 {
     Prepara(Es, {u"create table Padre (p int not null primary key, q int null)"_s,
