@@ -337,6 +337,28 @@ TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
     EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
 }
 
+TEST_F(Mano, AButtonsShortcutTakesInWhatIsTypedFirst)
+{
+    Prepara(Es, {u"create table t (a int not null constraint PK_t primary key)"_s});
+    auto* forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->txtFillFactor);
+    Tecla(Qt::Key_A, Qt::ControlModifier);
+    Escribe(u"80"_s);
+    Tecla(Qt::Key_N, Qt::AltModifier);
+    QTest::qWait(200); // the button stays pressed for a while
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_EQ(forma->Datos.Indices.at(0, ColIndice::Relleno), u"80"_s);
+    EXPECT_EQ(QApplication::focusWidget(), forma->txtNombreIndice);
+    Escribe(u"vacio"_s);
+    Tecla(Qt::Key_Return);
+    respuesta = controls::Answer::Yes;
+    Tecla(Qt::Key_E, Qt::AltModifier);
+    QTest::qWait(200);
+    EXPECT_EQ(Avisos().size(), 1);
+    EXPECT_EQ(forma->cboIndices->Text(), u"PK_t"_s) << "only the empty index goes";
+}
+
 TEST_F(Mano, ARelationThatGoesWithItsColumnLeavesTheList)
 {
     Prepara(En, {u"create table p (p int not null primary key)"_s,
