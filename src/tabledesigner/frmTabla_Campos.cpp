@@ -251,6 +251,8 @@ try {
 
 void frmTabla::InsertarFila()
 try {
+    if (TDBGridTabla->EditActive())
+        ConfirmaCelda(TDBGridTabla); // what is being typed goes along with its row
     const int primera = TDBGridTabla->FirstRow();
     const int fila = TDBGridTabla->Row();
     ::InsertarFila(Datos, fila);

@@ -205,6 +205,14 @@ TEST_F(Mano, RowsComeAndGoByTheMenuAndTheKey)
     manda(1, ::mdiPrincipal->mnuInsertarFila);
     EXPECT_EQ(nombres(), u"a,,b,c,,"_s);
     EXPECT_EQ(rejilla->Bookmark(), 1);
+    ClicCelda(rejilla, 4, ColCampo::Nombre);
+    Escribe(u"d"_s);
+    manda(4, ::mdiPrincipal->mnuInsertarFila);
+    EXPECT_EQ(nombres(), u"a,,b,c,,d"_s) << "typed in the row that makes room";
+    EXPECT_EQ(FilaDe(forma, 5)[1], u"3"_s);
+    respuesta = controls::Answer::Yes;
+    manda(5, ::mdiPrincipal->mnuEliminarFila);
+    Avisos();
     respuesta = controls::Answer::No;
     manda(3, ::mdiPrincipal->mnuEliminarFila);
     EXPECT_EQ(nombres(), u"a,,b,c,,"_s);
