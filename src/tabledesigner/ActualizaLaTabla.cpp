@@ -30,7 +30,7 @@ bool ActualizaLaTabla(DatosTabla& datos)
 try {
     TomaGlobales(datos);
     ConexionSQL.BeginTrans();
-    const QString idTabla = DameIdTabla(ConexionSQL, datos.NombreTabla.trimmed());
+    const QString idTabla = DameIdTabla(ConexionSQL, datos.NombreTabla);
     EjecutaSQL(ConexionSQL, u"USE "_s + datos.BaseDatos);
     EmpiezaCampos(datos);
     if (!GuardaCampos(datos, idTabla)) {

@@ -75,8 +75,8 @@ void CambiaCampo(DatosTabla& datos, const QString& tabla, const Fila& fila, cons
 
 void EmpiezaCampos(const DatosTabla& datos)
 {
-    const QString tabla = NombreSQL(datos.NombreTabla.trimmed());
-    TablaExiste = ExisteTabla(ConexionSQL, datos.NombreTabla.trimmed());
+    const QString tabla = NombreSQL(datos.NombreTabla);
+    TablaExiste = ExisteTabla(ConexionSQL, datos.NombreTabla);
     SentenciaCampos = TablaExiste ? u"ALTER TABLE "_s + PrefijoBD + tabla + u" "_s
                                   : u"CREATE TABLE "_s + PrefijoBD + tabla + u" ("_s;
     AddEscrito = false;
@@ -85,7 +85,7 @@ void EmpiezaCampos(const DatosTabla& datos)
 
 bool GuardaCampos(DatosTabla& datos, const QString& idTabla)
 {
-    const QString tabla = datos.NombreTabla.trimmed();
+    const QString& tabla = datos.NombreTabla;
     for (int n = 0; n < UltimaFila; ++n) {
         const Fila fila = LeeFila(datos.CamposTabla, n);
         if (fila.nombre.isEmpty())

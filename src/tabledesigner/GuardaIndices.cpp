@@ -1,6 +1,7 @@
 #include "tabledesigner/GuardaIndices.h"
 
 #include "core/Global.h"
+#include "platform/basic/Numbers.h"
 #include "tabledesigner/BD_SQL.h"
 #include "tabledesigner/BD_SQL_Indices.h"
 #include "tabledesigner/Nombres.h"
@@ -18,7 +19,7 @@ struct Indice
     QString agrupado;
     QString unico;
     QString grupo;
-    QString relleno; ///< "0" for none; a point for every comma
+    QString relleno; ///< "0" for none, however it was typed; a point for every comma
 
     [[nodiscard]] bool esClave() const { return clase == u"P"_s; }
 };
@@ -29,7 +30,7 @@ Indice LeeIndice(const Matriz& indices, int i)
     Indice indice{atributo(ColIndice::Nombre), atributo(ColIndice::Clase), atributo(ColIndice::Agrupado),
                   atributo(ColIndice::Unico),  atributo(ColIndice::Grupo), atributo(ColIndice::Relleno)};
     indice.relleno.replace(u',', u'.');
-    if (indice.relleno.isEmpty())
+    if (basic::val(indice.relleno) == 0)
         indice.relleno = u"0"_s;
     return indice;
 }
@@ -91,6 +92,6 @@ void GuardaIndices(const DatosTabla& datos)
     for (int i = 0; i < ContadorIndices; ++i) {
         const Indice indice = LeeIndice(datos.Indices, i);
         if (!indice.nombre.isEmpty())
-            GuardaIndice(indice, datos.CamposIndice(i), datos.NombreTabla.trimmed());
+            GuardaIndice(indice, datos.CamposIndice(i), datos.NombreTabla);
     }
 }

@@ -41,7 +41,7 @@ void GuardaRelacion(const DatosTabla& datos, const QString& tabla, int i)
 
 void GuardaRelaciones(const DatosTabla& datos)
 {
-    const QString tabla = datos.NombreTabla.trimmed();
+    const QString& tabla = datos.NombreTabla;
     // What could not be read whole could not be made again either.
     if (!datos.RelacionesCompletas) {
         EjecutaCola(ConexionSQL, SentenciaRelacion);

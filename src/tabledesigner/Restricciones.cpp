@@ -117,7 +117,7 @@ try {
 void Elimina_Sino_Esta_SQL(const DatosTabla& datos)
 try {
     PrefijoBD = datos.BaseDatos + u".."_s;
-    const QString tabla = datos.NombreTabla.trimmed();
+    const QString& tabla = datos.NombreTabla;
     ado::Recordset tablas;
     if (!AbreTabla(ConexionSQL, tablas, tabla))
         return;

@@ -191,7 +191,7 @@ try {
     QString relaciones;
     CambiaVinculos(datos, conexion, tabla, campo, campoOrigen, indices, relaciones, resultado);
     BuscaCargaIndices(datos, tabla, campo, indices, DameIdTabla(conexion, tabla), relaciones);
-    Modifica_Campo_SQL(datos.NombreTabla.trimmed(), CeldaActual(datos, ColCampo::Nombre),
+    Modifica_Campo_SQL(datos.NombreTabla, CeldaActual(datos, ColCampo::Nombre),
                        CeldaActual(datos, ColCampo::Longitud), CeldaActual(datos, ColCampo::Nulo),
                        CeldaActual(datos, ColCampo::Tipo), {},
                        datos.CamposTabla.at(datos.FilaActual.Fila, ColCampo::NombreDF).trimmed());

@@ -113,6 +113,8 @@ private:
     void EnlazaMatrizRelacion(int posicion);
     void QuitaIndice(int posicion);
     void QuitaRelacion(int posicion);
+    /// The list of the relations anew, when some have left the stores.
+    void MuestraRelaciones();
 };
 
 } // namespace formularios

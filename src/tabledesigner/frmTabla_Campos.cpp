@@ -8,6 +8,7 @@
 #include "platform/controls/Menus.h"
 #include "platform/controls/Pointer.h"
 #include "tabledesigner/Campos.h"
+#include "tabledesigner/Relaciones.h"
 #include "tabledesigner/Vinculos.h"
 
 #include <QApplication>
@@ -250,6 +251,8 @@ try {
 
 void frmTabla::InsertarFila()
 try {
+    if (TDBGridTabla->EditActive())
+        ConfirmaCelda(TDBGridTabla); // what is being typed goes along with its row
     const int primera = TDBGridTabla->FirstRow();
     const int fila = TDBGridTabla->Row();
     ::InsertarFila(Datos, fila);
@@ -285,6 +288,9 @@ try {
     TDBGridTabla->Refresh();
     TDBGridTabla->setFirstRow(primera);
     GestionaBloqueoCeldas();
+    // Relations that referenced the column have gone with it, and the others have moved up.
+    if (::CargaRelaciones(Datos).size() != cboRelaciones->ListCount())
+        MuestraRelaciones();
     Datos.TablaModificada = true;
 } catch (...) {
     InformaError(u"EliminarFila"_s);

@@ -117,6 +117,11 @@ void frmTabla::QuitaRelacion(int posicion)
     EliminaRelacion(Datos, posicion);
     TDBGridRelaciones->ReBind();
     TDBGridRelaciones->Refresh();
+    MuestraRelaciones();
+}
+
+void frmTabla::MuestraRelaciones()
+{
     CargaRelaciones();
     txtNombreRelacion->clear();
     if (cboRelaciones->ListCount() > 0)

@@ -275,6 +275,20 @@ TEST_F(Historias, ATableNameWithABlankIsBracketedInStatementsOnly)
     EXPECT_EQ(Avisos().size(), 1);
 }
 
+TEST_F(Historias, ABlankAheadOfATableNameIsPartOfIt)
+{
+    Prepara(En, {u"create table [ t] (a varchar(5) null)"_s, u"create table t (a int null, b int null)"_s});
+    auto* forma = Diseña(u" t"_s);
+    PonCelda(forma->TDBGridTabla, 0, ColCampo::Longitud, u"7"_s);
+    EXPECT_TRUE(Cierra(controls::Answer::Yes));
+    EXPECT_EQ(Cambios(), u"USE Taller\n"
+                         u"BEGIN TRANSACTION\n"
+                         u"USE Taller\n"
+                         u"ALTER TABLE Taller..[ t]··ALTER COLUMN a varchar··(7)··COLLATE "
+                         u"SQL_Latin1_General_CP1_CI_AS··NULL\n"
+                         u"COMMIT TRANSACTION\n"_s);
+}
+
 TEST_F(Historias, TwoDesignersOfTablesThatReferenceEachOtherKeepApart)
 {
     Prepara(

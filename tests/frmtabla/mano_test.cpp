@@ -205,6 +205,14 @@ TEST_F(Mano, RowsComeAndGoByTheMenuAndTheKey)
     manda(1, ::mdiPrincipal->mnuInsertarFila);
     EXPECT_EQ(nombres(), u"a,,b,c,,"_s);
     EXPECT_EQ(rejilla->Bookmark(), 1);
+    ClicCelda(rejilla, 4, ColCampo::Nombre);
+    Escribe(u"d"_s);
+    manda(4, ::mdiPrincipal->mnuInsertarFila);
+    EXPECT_EQ(nombres(), u"a,,b,c,,d"_s) << "typed in the row that makes room";
+    EXPECT_EQ(FilaDe(forma, 5)[1], u"3"_s);
+    respuesta = controls::Answer::Yes;
+    manda(5, ::mdiPrincipal->mnuEliminarFila);
+    Avisos();
     respuesta = controls::Answer::No;
     manda(3, ::mdiPrincipal->mnuEliminarFila);
     EXPECT_EQ(nombres(), u"a,,b,c,,"_s);
@@ -309,6 +317,73 @@ TEST_F(Mano, IndexesAreNamedFilledAndDeleted)
     Clic(forma->cmdEliminarIndice);
     EXPECT_EQ(entradas(), QString());
     EXPECT_FALSE(forma->fraIndices->isEnabled());
+}
+
+TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
+{
+    Prepara(En, {u"create table t (a int not null constraint PK_t primary key)"_s});
+    auto* forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdNuevoIndice);
+    Escribe(u"vacio"_s);
+    Tecla(Qt::Key_Return);
+    respuesta = controls::Answer::No;
+    const auto pregunta = [this] { return Avisos().size(); };
+    Pagina(forma, 0);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1) << "the answer was to stay";
+    EXPECT_EQ(QApplication::focusWidget(), forma->TDBGridIndices);
+    Clic(forma->chkAgrupado);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_FALSE(forma->chkAgrupado->isChecked());
+    respuesta = controls::Answer::Yes;
+    Clic(forma->cmdEliminarIndice);
+    EXPECT_EQ(pregunta(), 1);
+    EXPECT_EQ(forma->cboIndices->Text(), u"PK_t"_s) << "only the empty index goes";
+    EXPECT_FALSE(forma->cmdEliminarIndice->isDown());
+    Clic(forma->chkAgrupado);
+    EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
+}
+
+TEST_F(Mano, AButtonsShortcutTakesInWhatIsTypedFirst)
+{
+    Prepara(Es, {u"create table t (a int not null constraint PK_t primary key)"_s});
+    auto* forma = Diseña(u"t"_s);
+    Pagina(forma, 1);
+    Clic(forma->txtFillFactor);
+    Tecla(Qt::Key_A, Qt::ControlModifier);
+    Escribe(u"80"_s);
+    Tecla(Qt::Key_N, Qt::AltModifier);
+    QTest::qWait(200); // the button stays pressed for a while
+    EXPECT_EQ(Avisos(), QList<Aviso>{});
+    EXPECT_EQ(forma->Datos.Indices.at(0, ColIndice::Relleno), u"80"_s);
+    EXPECT_EQ(QApplication::focusWidget(), forma->txtNombreIndice);
+    Escribe(u"vacio"_s);
+    Tecla(Qt::Key_Return);
+    respuesta = controls::Answer::Yes;
+    Tecla(Qt::Key_E, Qt::AltModifier);
+    QTest::qWait(200);
+    EXPECT_EQ(Avisos().size(), 1);
+    EXPECT_EQ(forma->cboIndices->Text(), u"PK_t"_s) << "only the empty index goes";
+}
+
+TEST_F(Mano, ARelationThatGoesWithItsColumnLeavesTheList)
+{
+    Prepara(En, {u"create table p (p int not null primary key)"_s,
+                 u"create table t (id int not null constraint UQ_t unique, jefe int null constraint FK_a "
+                 u"references t(id), p int null constraint FK_p references p(p))"_s});
+    auto* forma = Diseña(u"t"_s);
+    ASSERT_EQ(forma->cboRelaciones->List(0), u"FK_a"_s);
+    Pagina(forma, 1);
+    Clic(forma->cmdEliminarIndice);
+    Pagina(forma, 0);
+    ClicCelda(forma->TDBGridTabla, 0, ColCampo::Nombre);
+    respuesta = controls::Answer::Yes;
+    Tecla(Qt::Key_Delete);
+    Pagina(forma, 2);
+    EXPECT_EQ(forma->cboRelaciones->ListCount(), 1);
+    EXPECT_EQ(forma->txtNombreRelacion->Text(), u"FK_p"_s);
+    EXPECT_EQ(forma->TDBGridRelaciones->Columns(ColCampoRelacion::Propia).Text(), u"p"_s);
 }
 
 TEST_F(Mano, RelationsAreNamedFilledAndDeleted)

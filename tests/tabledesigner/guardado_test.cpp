@@ -206,6 +206,7 @@ TEST_F(Guardado, KeysAndIndexesAreMadeAndRebuilt)
     Escribe(*datos, 1, {u"b"_s, 8});
     PonIndice(*datos, u"PK_t"_s, {u"a"_s}, true);
     PonIndice(*datos, u"con hueco"_s, {u"b"_s, u"a"_s});
+    datos->Indices(0, ColIndice::Relleno) = u"0,0"_s;
     datos->Indices(1, ColIndice::Relleno) = u"70"_s;
     datos->Indices(1, ColIndice::Agrupado) = u"1"_s;
     Cambios();

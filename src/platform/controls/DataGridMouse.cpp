@@ -5,6 +5,7 @@
 #include "platform/controls/Form.h"
 #include "platform/controls/Keys.h"
 #include "platform/controls/Language.h"
+#include "platform/controls/SpentClick.h"
 #include "platform/controls/ValueListPopup.h"
 
 #include <QApplication>
@@ -174,6 +175,7 @@ void DataGrid::focusLeft(Qt::FocusReason reason)
         dropEdit();
         return;
     }
+    const SpentClick click(reason);
     const QPointer<DataGrid> self(this);
     m_losingFocus = true;
     emit LostFocus();

@@ -3,6 +3,7 @@
 #include "platform/controls/DialogFrame.h"
 #include "platform/controls/FormHost.h"
 #include "platform/controls/LoadedWindows.h"
+#include "platform/controls/MessageBox.h"
 #include "platform/controls/Pointer.h"
 
 #include <QApplication>
@@ -66,8 +67,20 @@ void Form::Load()
     m_loaded = true;
     loadedWindows() += this;
     Form_Load();
-    for (auto* button : findChildren<QPushButton*>())
+    for (auto* button : findChildren<QPushButton*>()) {
         button->setAutoDefault(true); // a button outside a dialog would leave Enter alone
+        button->installEventFilter(this);
+    }
+}
+
+bool Form::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::Shortcut)
+        return QWidget::eventFilter(watched, event);
+    const unsigned shown = messageBoxesShown();
+    const QPointer<QWidget> button(qobject_cast<QWidget*>(watched));
+    button->setFocus(Qt::ShortcutFocusReason);
+    return !button || shown != messageBoxesShown(); // the answer decided what is done next
 }
 
 void Form::Show()

@@ -39,7 +39,8 @@ public:
     void setMinMaxButtons(bool wanted) { m_minMaxButtons = wanted; }
 
     /// Enters the list of loaded forms and runs Form_Load; nothing when loaded. From then on Enter presses
-    /// the button that has the focus.
+    /// the button that has the focus, and a button's shortcut takes the focus first, as a click does, so that
+    /// what is being typed elsewhere is stored before the button acts.
     void Load();
     /// Loads, and shows as a child of the MDI window; a visible form only comes forward. A minimised one
     /// is restored after its Form_Activate.
@@ -62,6 +63,8 @@ public:
 
     /// For the MDI window, which knows when a child becomes the active one.
     void activate() { Form_Activate(); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
     void unloaded();

@@ -34,6 +34,8 @@ MessageBoxAnswerer& script()
     return answerer;
 }
 
+unsigned shown = 0;
+
 QMessageBox::Icon iconOf(int style)
 {
     if ((style & Icon) == Critical)
@@ -94,6 +96,7 @@ void showScrolling(QMessageBox& box, const QString& text)
 
 Answer messageBox(const QString& text, int style, const QString& title)
 {
+    ++shown;
     if (script())
         return script()(text, style, title);
     QMessageBox box(QApplication::activeWindow());
@@ -119,6 +122,11 @@ Answer messageBox(const QString& text, int style, const QString& title)
     default:
         return (style & Buttons) == 0 ? Answer::Ok : Answer::Cancel;
     }
+}
+
+unsigned messageBoxesShown()
+{
+    return shown;
 }
 
 void setMessageBoxAnswerer(MessageBoxAnswerer answerer)

@@ -19,6 +19,9 @@ enum class Answer
 /// 35 Yes, No and Cancel with question. The text is plain; a long one scrolls.
 Answer messageBox(const QString& text, int style, const QString& title);
 
+/// How many were shown so far, to a script too.
+unsigned messageBoxesShown();
+
 using MessageBoxAnswerer = std::function<Answer(const QString& text, int style, const QString& title)>;
 
 /// Puts a script in the user's place; an empty function gives the user the place back.

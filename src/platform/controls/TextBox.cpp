@@ -2,6 +2,7 @@
 
 #include "platform/controls/Form.h"
 #include "platform/controls/Keys.h"
+#include "platform/controls/SpentClick.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -33,6 +34,7 @@ void TextBox::focusOutEvent(QFocusEvent* event)
     if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
         reason == Qt::MenuBarFocusReason || isFormGone(this))
         return;
+    const SpentClick click(reason);
     bool cancel = false;
     emit Validate(cancel);
     if (cancel && isVisible())
