@@ -6,6 +6,7 @@
 #include "platform/controls/Pointer.h"
 
 #include <QApplication>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -487,15 +488,21 @@ TEST_F(Mano, WhatIsStillBeingTypedIsTakenInOnClosing)
 
 TEST_F(Mano, TheFilegroupOfTheTableIsShown)
 {
-    Prepara(Es,
-            {u"alter database Taller add filegroup SEC"_s,
-             u"alter database Taller add file (name = sec, filename = 'C:\\tmp\\quermo-sec.ndf', size = 1MB) "
-             u"to filegroup SEC"_s,
-             u"create table t (a int null) on SEC"_s, u"create table u (a int null)"_s});
-    EXPECT_EQ(Diseña(u"t"_s)->cboGrupoArchivoDatos->Text(), u"SEC"_s);
-    EXPECT_TRUE(Cierra(controls::Answer::No));
-    EXPECT_EQ(Diseña(u"u"_s)->cboGrupoArchivoDatos->Text(), u"PRIMARY"_s);
-    EXPECT_TRUE(Cierra(controls::Answer::No));
+    const QTemporaryDir carpeta;
+    const QString archivo = u"C:"_s + carpeta.filePath(u"sec.ndf"_s).replace(u'/', u'\\');
+    Prepara(
+        Es,
+        {u"alter database Taller add filegroup SEC"_s,
+         u"alter database Taller add file (name = sec, filename = '%1', size = 1MB) to filegroup SEC"_s.arg(
+             archivo),
+         u"create table t (a int null) on SEC"_s, u"create table u (a int null)"_s});
+    for (const auto& [tabla, grupo] : {std::pair(u"t"_s, u"SEC"_s), std::pair(u"u"_s, u"PRIMARY"_s)}) {
+        auto* forma = Diseña(tabla);
+        ASSERT_NE(forma, nullptr);
+        EXPECT_EQ(forma->cboGrupoArchivoDatos->Text(), grupo);
+        EXPECT_TRUE(Cierra(controls::Answer::No));
+    }
+    Ejecuta({u"use master"_s, u"drop database Taller"_s}); // before the folder of its file goes
 }
 
 } // namespace pruebas

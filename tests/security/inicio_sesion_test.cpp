@@ -41,10 +41,10 @@ protected:
         for (const QString& base : {u"Obra"_s, u"Taller"_s})
             Ejecuta(
                 {u"if db_id('%1') is not null drop database %1"_s.arg(base), u"create database "_s + base});
-        for (const QString& login : {u"ana"_s, u"luis"_s})
-            Ejecuta(
-                {u"if exists (select 1 from master.dbo.syslogins where name = '%1') exec sp_droplogin '%1'"_s
-                     .arg(login)});
+        EXPECT_TRUE(QTest::qWaitFor([] {
+            return Consulta(u"select name from master.dbo.syslogins where name = 'ana'"_s).isEmpty() ||
+                   QuitaLogin(u"ana"_s);
+        }));
         ::mdiPrincipal->resize(1000, 760);
         Abre(::mdiPrincipal->mnuAdministrador);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&*::mdiPrincipal));
@@ -132,6 +132,16 @@ protected:
             otra.Open(u"Provider=%1;Data Source=%2;Initial Catalog=%3"_s.arg(ProveedorSQL, ServidorDePrueba(),
                                                                              base),
                       login, clave);
+            return true;
+        } catch (const basic::RuntimeError&) {
+            return false;
+        }
+    }
+    /// False while the server still knows of a session of the login's.
+    static bool QuitaLogin(const QString& login)
+    {
+        try {
+            ConexionSQL.Execute(u"exec sp_droplogin '"_s + login + u"'"_s);
             return true;
         } catch (const basic::RuntimeError&) {
             return false;
@@ -340,8 +350,8 @@ TEST_F(InicioSesion, EachStatementOfATickRefusedOrLostLeavesAWayOut)
             Clic(forma->cmdAceptar);
             EXPECT_EQ(Textos(), QStringList());
             EXPECT_TRUE(Entra(u"ana"_s, u"Clave1!"_s, u"Obra"_s));
-            Ejecuta({u"use Obra"_s, u"exec sp_revokedbaccess 'ana'"_s, u"use master"_s,
-                     u"exec sp_droplogin 'ana'"_s});
+            Ejecuta({u"use Obra"_s, u"exec sp_revokedbaccess 'ana'"_s, u"use master"_s});
+            EXPECT_TRUE(QTest::qWaitFor([] { return QuitaLogin(u"ana"_s); }));
         }
     Conecta(ServidorDePrueba(), u"sa"_s, ClaveDePrueba);
 }
