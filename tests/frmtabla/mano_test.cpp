@@ -345,6 +345,27 @@ TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
     EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
 }
 
+TEST_F(Mano, AMessageHoldsAClickOnlyWhereTheFocusIsHeld)
+{
+    Prepara(En, {u"create table t (a int not null constraint PK_t primary key, b int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    ClicCelda(forma->TDBGridTabla, 1, ColCampo::Predeterminado);
+    Clic(forma->cmdEliminarFila);
+    EXPECT_EQ(Avisos().size(), 1) << "the message, and not the button's question";
+    Pagina(forma, 1);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Insetrt default value."_s, 48, u"Quermo"_s}}));
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1);
+    Clic(forma->txtFillFactor);
+    Escribe(u"x"_s);
+    Pagina(forma, 2);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Not numeric value."_s, 48, u"Quermo"_s}}));
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), forma->txtFillFactor);
+    Tecla(Qt::Key_A, Qt::ControlModifier);
+    Tecla(Qt::Key_Backspace);
+    EXPECT_TRUE(Cierra(controls::Answer::No));
+}
+
 TEST_F(Mano, AButtonsShortcutTakesInWhatIsTypedFirst)
 {
     Prepara(Es, {u"create table t (a int not null constraint PK_t primary key)"_s});

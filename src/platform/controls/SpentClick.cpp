@@ -2,22 +2,26 @@
 
 #include "platform/controls/MessageBox.h"
 
-#include <QCoreApplication>
-#include <QEvent>
-#include <QObject>
+#include <QAbstractButton>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QTimer>
 
 namespace controls {
 
 namespace {
 
-/// Takes the press that is under way, which comes before anything that is posted.
-class PressTaker : public QObject
+bool pressGoesOn = false;
+
+/// Waits for the press that is under way, which comes before anything that is posted.
+class PressWaiter : public QObject
 {
 public:
-    PressTaker() : QObject(QCoreApplication::instance())
+    explicit PressWaiter(bool take) : QObject(QCoreApplication::instance()), m_take(take)
     {
+        pressGoesOn = !take;
         parent()->installEventFilter(this);
-        QMetaObject::invokeMethod(this, &PressTaker::finish, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, &PressWaiter::finish);
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
@@ -25,25 +29,54 @@ public:
         if (event->type() != QEvent::MouseButtonPress || !watched->isWidgetType())
             return QObject::eventFilter(watched, event);
         parent()->removeEventFilter(this);
-        return true;
+        if (m_take || qobject_cast<QAbstractButton*>(watched))
+            return true;
+        release(watched, *static_cast<const QMouseEvent*>(event));
+        return false;
     }
 
 private:
+    static void release(QObject* watched, const QMouseEvent& press)
+    {
+        if (QGuiApplication::mouseButtons().testFlag(press.button()))
+            return; // still to come
+        QCoreApplication::postEvent(watched,
+                                    new QMouseEvent(QEvent::MouseButtonRelease, press.position(),
+                                                    press.scenePosition(), press.globalPosition(),
+                                                    press.button(), Qt::NoButton, press.modifiers()));
+    }
+
     void finish()
     {
+        pressGoesOn = false;
         parent()->removeEventFilter(this);
         deleteLater();
     }
+
+    bool m_take;
 };
+
+void awaitPress(bool take)
+{
+    new PressWaiter(take); // it deletes itself
+}
 
 } // namespace
 
-SpentClick::SpentClick(Qt::FocusReason reason) : m_reason(reason), m_shown(messageBoxesShown()) {}
+SpentClick::SpentClick(Qt::FocusReason reason)
+    : m_reason(reason), m_shown(messageBoxesShown()), m_asked(questionsAsked())
+{}
 
 SpentClick::~SpentClick()
 {
-    if (m_reason == Qt::MouseFocusReason && m_shown != messageBoxesShown())
-        new PressTaker; // it deletes itself
+    const bool take = m_held || m_asked != questionsAsked();
+    if (m_reason == Qt::MouseFocusReason && (take || m_shown != messageBoxesShown()))
+        awaitPress(take);
+}
+
+bool SpentClick::goesOn()
+{
+    return pressGoesOn;
 }
 
 } // namespace controls
