@@ -5,7 +5,6 @@
 #include <QAbstractButton>
 #include <QGuiApplication>
 #include <QMouseEvent>
-#include <QTimer>
 
 namespace controls {
 
@@ -21,7 +20,7 @@ public:
     {
         pressGoesOn = !take;
         parent()->installEventFilter(this);
-        QTimer::singleShot(0, this, &PressWaiter::finish);
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
@@ -35,6 +34,14 @@ public:
         return false;
     }
 
+protected:
+    void customEvent(QEvent* /*event*/) override
+    {
+        pressGoesOn = false;
+        parent()->removeEventFilter(this);
+        deleteLater();
+    }
+
 private:
     static void release(QObject* watched, const QMouseEvent& press)
     {
@@ -44,13 +51,6 @@ private:
                                     new QMouseEvent(QEvent::MouseButtonRelease, press.position(),
                                                     press.scenePosition(), press.globalPosition(),
                                                     press.button(), Qt::NoButton, press.modifiers()));
-    }
-
-    void finish()
-    {
-        pressGoesOn = false;
-        parent()->removeEventFilter(this);
-        deleteLater();
     }
 
     bool m_take;
