@@ -6,7 +6,9 @@
 #include "platform/controls/Pointer.h"
 
 #include <QApplication>
+#include <QStyleOptionTitleBar>
 #include <QTest>
+#include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -364,6 +366,40 @@ TEST_F(Mano, AMessageHoldsAClickOnlyWhereTheFocusIsHeld)
     Tecla(Qt::Key_A, Qt::ControlModifier);
     Tecla(Qt::Key_Backspace);
     EXPECT_TRUE(Cierra(controls::Answer::No));
+}
+
+TEST_F(Mano, AClickWhoseReleaseTheBoxHadStillClosesTheWindow)
+{
+    Prepara(En, {u"create table t (a int not null, b int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    ClicCelda(forma->TDBGridTabla, 1, ColCampo::Predeterminado);
+    QWidget* marco = forma->parentWidget();
+    QStyleOptionTitleBar titulo;
+    titulo.initFrom(marco);
+    titulo.titleBarFlags = marco->windowFlags();
+    titulo.subControls = QStyle::SC_All;
+    titulo.rect.setHeight(marco->style()->pixelMetric(QStyle::PM_TitleBarHeight, &titulo, marco));
+    const QPoint aspa =
+        marco->mapTo(&*::mdiPrincipal,
+                     marco->style()
+                         ->subControlRect(QStyle::CC_TitleBar, &titulo, QStyle::SC_TitleBarCloseButton, marco)
+                         .center());
+    auto* ventana = ::mdiPrincipal->windowHandle();
+    QList<int> estilos;
+    controls::setMessageBoxAnswerer([&](const QString&, int estilo, const QString&) {
+        estilos += estilo;
+        if (estilos.size() == 1) { // the mouse is over the box when it is let go
+            QEvent fuera(QEvent::Leave);
+            QCoreApplication::sendEvent(marco, &fuera);
+            QTest::mouseRelease(ventana, Qt::LeftButton, {}, QPoint(1, 1));
+        }
+        return controls::Answer::Cancel;
+    });
+    QTest::mouseMove(ventana, aspa);
+    QTest::mousePress(ventana, Qt::LeftButton, {}, aspa);
+    QTest::qWait(10);
+    controls::setMessageBoxAnswerer([](const QString&, int, const QString&) { return controls::Answer::No; });
+    EXPECT_EQ(estilos, (QList<int>{48, 48, 35})) << "as it is left, and as it closes";
 }
 
 TEST_F(Mano, AButtonsShortcutTakesInWhatIsTypedFirst)

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QGuiApplication>
+#include <QMdiSubWindow>
 #include <QMouseEvent>
 
 namespace controls {
@@ -30,7 +31,10 @@ public:
         parent()->removeEventFilter(this);
         if (m_take || qobject_cast<QAbstractButton*>(watched))
             return true;
-        release(watched, *static_cast<const QMouseEvent*>(event));
+        const auto& press = *static_cast<const QMouseEvent*>(event);
+        if (qobject_cast<QMdiSubWindow*>(watched))
+            comeBack(watched, press);
+        release(watched, press);
         return false;
     }
 
@@ -43,6 +47,14 @@ protected:
     }
 
 private:
+    /// A frame knows its buttons by the mouse above them, which the box took away.
+    static void comeBack(QObject* frame, const QMouseEvent& press)
+    {
+        QMouseEvent move(QEvent::MouseMove, press.position(), press.scenePosition(), press.globalPosition(),
+                         Qt::NoButton, Qt::NoButton, press.modifiers());
+        QCoreApplication::sendEvent(frame, &move);
+    }
+
     static void release(QObject* watched, const QMouseEvent& press)
     {
         if (QGuiApplication::mouseButtons().testFlag(press.button()))
