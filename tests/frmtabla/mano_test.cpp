@@ -6,8 +6,10 @@
 #include "platform/controls/Pointer.h"
 
 #include <QApplication>
+#include <QStyleOptionTitleBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -344,6 +346,61 @@ TEST_F(Mano, AClickThatAQuestionCameBetweenDoesNoMore)
     EXPECT_FALSE(forma->cmdEliminarIndice->isDown());
     Clic(forma->chkAgrupado);
     EXPECT_FALSE(forma->chkAgrupado->isChecked()) << "the next click is one again";
+}
+
+TEST_F(Mano, AMessageHoldsAClickOnlyWhereTheFocusIsHeld)
+{
+    Prepara(En, {u"create table t (a int not null constraint PK_t primary key, b int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    ClicCelda(forma->TDBGridTabla, 1, ColCampo::Predeterminado);
+    Clic(forma->cmdEliminarFila);
+    EXPECT_EQ(Avisos().size(), 1) << "the message, and not the button's question";
+    Pagina(forma, 1);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Insetrt default value."_s, 48, u"Quermo"_s}}));
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1);
+    Clic(forma->txtFillFactor);
+    Escribe(u"x"_s);
+    Pagina(forma, 2);
+    EXPECT_EQ(Avisos(), (QList<Aviso>{{u"Not numeric value."_s, 48, u"Quermo"_s}}));
+    EXPECT_EQ(forma->SSTabIndicesRelaciones->currentIndex(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), forma->txtFillFactor);
+    Tecla(Qt::Key_A, Qt::ControlModifier);
+    Tecla(Qt::Key_Backspace);
+    EXPECT_TRUE(Cierra(controls::Answer::No));
+}
+
+TEST_F(Mano, AClickWhoseReleaseTheBoxHadStillClosesTheWindow)
+{
+    Prepara(En, {u"create table t (a int not null, b int null)"_s});
+    auto* forma = Diseña(u"t"_s);
+    ClicCelda(forma->TDBGridTabla, 1, ColCampo::Predeterminado);
+    QWidget* marco = forma->parentWidget();
+    QStyleOptionTitleBar titulo;
+    titulo.initFrom(marco);
+    titulo.titleBarFlags = marco->windowFlags();
+    titulo.subControls = QStyle::SC_All;
+    titulo.rect.setHeight(marco->style()->pixelMetric(QStyle::PM_TitleBarHeight, &titulo, marco));
+    const QPoint aspa =
+        marco->mapTo(&*::mdiPrincipal,
+                     marco->style()
+                         ->subControlRect(QStyle::CC_TitleBar, &titulo, QStyle::SC_TitleBarCloseButton, marco)
+                         .center());
+    auto* ventana = ::mdiPrincipal->windowHandle();
+    QList<int> estilos;
+    controls::setMessageBoxAnswerer([&](const QString&, int estilo, const QString&) {
+        estilos += estilo;
+        if (estilos.size() == 1) { // the mouse is over the box when it is let go
+            QEvent fuera(QEvent::Leave);
+            QCoreApplication::sendEvent(marco, &fuera);
+            QTest::mouseRelease(ventana, Qt::LeftButton, {}, QPoint(1, 1));
+        }
+        return controls::Answer::Cancel;
+    });
+    QTest::mouseMove(ventana, aspa);
+    QTest::mousePress(ventana, Qt::LeftButton, {}, aspa);
+    QTest::qWait(10);
+    controls::setMessageBoxAnswerer([](const QString&, int, const QString&) { return controls::Answer::No; });
+    EXPECT_EQ(estilos, (QList<int>{48, 48, 35})) << "as it is left, and as it closes";
 }
 
 TEST_F(Mano, AButtonsShortcutTakesInWhatIsTypedFirst)

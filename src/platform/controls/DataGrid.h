@@ -91,9 +91,10 @@ private:
 /// `LostFocus()` comes when the focus goes to another control of the window, with the edit still pending; if
 /// the focus isn't back when it returns, the edit ends then as in step 3. A pop-up, a message box or another
 /// program in front is no loss; a form that closes drops what is pending, so it stores that before (see
-/// above). `MouseDown` comes before a left button acts, and after a right button has made the cell below it
-/// current. `ButtonClick(column)` comes when the button or arrow of the current cell is pressed and when the
-/// list is asked for by key; the list opens after it, with the items it left.
+/// above). What becomes of a click that took the focus while a box was shown: SpentClick.h. `MouseDown` comes
+/// before a left button acts, and after a right button has made the cell below it current.
+/// `ButtonClick(column)` comes when the button or arrow of the current cell is pressed and when the list is
+/// asked for by key; the list opens after it, with the items it left.
 ///
 /// Binding, ReBind and Refresh run no events; ReBind and a change of the array's shape drop a pending edit.
 ///

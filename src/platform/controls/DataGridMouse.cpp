@@ -175,15 +175,19 @@ void DataGrid::focusLeft(Qt::FocusReason reason)
         dropEdit();
         return;
     }
-    const SpentClick click(reason);
+    if (SpentClick::goesOn()) {
+        endEdit();
+        return;
+    }
     const QPointer<DataGrid> self(this);
+    SpentClick click(reason);
     m_losingFocus = true;
     emit LostFocus();
     if (!self)
         return;
     m_losingFocus = false;
-    if (!hasFocusInside())
-        endEdit();
+    if (!hasFocusInside() && !endEdit())
+        click.hold();
 }
 
 bool DataGrid::hasFocusInside() const

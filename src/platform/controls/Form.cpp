@@ -80,7 +80,7 @@ bool Form::eventFilter(QObject* watched, QEvent* event)
     const unsigned shown = messageBoxesShown();
     const QPointer<QWidget> button(qobject_cast<QWidget*>(watched));
     button->setFocus(Qt::ShortcutFocusReason);
-    return !button || shown != messageBoxesShown(); // the answer decided what is done next
+    return !button || shown != messageBoxesShown(); // what was told comes first
 }
 
 void Form::Show()

@@ -35,6 +35,7 @@ MessageBoxAnswerer& script()
 }
 
 unsigned shown = 0;
+unsigned asked = 0;
 
 QMessageBox::Icon iconOf(int style)
 {
@@ -97,6 +98,8 @@ void showScrolling(QMessageBox& box, const QString& text)
 Answer messageBox(const QString& text, int style, const QString& title)
 {
     ++shown;
+    if ((style & Buttons) != 0)
+        ++asked;
     if (script())
         return script()(text, style, title);
     QMessageBox box(QApplication::activeWindow());
@@ -127,6 +130,11 @@ Answer messageBox(const QString& text, int style, const QString& title)
 unsigned messageBoxesShown()
 {
     return shown;
+}
+
+unsigned questionsAsked()
+{
+    return asked;
 }
 
 void setMessageBoxAnswerer(MessageBoxAnswerer answerer)

@@ -19,8 +19,9 @@ enum class Answer
 /// 35 Yes, No and Cancel with question. The text is plain; a long one scrolls.
 Answer messageBox(const QString& text, int style, const QString& title);
 
-/// How many were shown so far, to a script too.
+/// How many were shown so far, to a script too, and how many of them let the user choose.
 unsigned messageBoxesShown();
+unsigned questionsAsked();
 
 using MessageBoxAnswerer = std::function<Answer(const QString& text, int style, const QString& title)>;
 

@@ -34,10 +34,13 @@ void TextBox::focusOutEvent(QFocusEvent* event)
     if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
         reason == Qt::MenuBarFocusReason || isFormGone(this))
         return;
-    const SpentClick click(reason);
+    SpentClick click(reason);
     bool cancel = false;
     emit Validate(cancel);
-    if (cancel && isVisible())
+    if (!cancel)
+        return;
+    click.hold();
+    if (isVisible())
         setFocus();
 }
 
