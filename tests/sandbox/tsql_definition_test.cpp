@@ -317,6 +317,217 @@ TEST(Programs, KeepTheirHeadsAndBodies)
     EXPECT_EQ(render(trigger->body), "if ([update](a) = 1) {print 'x'}");
 }
 
+TEST(Programs, OfTheRarerKindsAreTakenWhole)
+{
+    const Parsed<CreateTypeStatement> alias("create type dbo.codigo from varchar(5) null");
+    EXPECT_EQ(alias->base.facets.front(), 5);
+    EXPECT_EQ(alias->nullable, true);
+    EXPECT_EQ(alias->table, nullptr);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c from int not null")->nullable, false);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c from int")->nullable, std::nullopt);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c as table (a int, b int)")->table->columns.size(),
+              2U);
+
+    EXPECT_EQ(render(Parsed<CreateDefaultStatement>("create default dbo.d as -1")->value.get()), "-1");
+    EXPECT_EQ(render(Parsed<CreateRuleStatement>("create rule r as @x > 0")->condition.get()), "(@x > 0)");
+
+    const Parsed<EnableTriggerStatement> two("disable trigger a, dbo.b on t");
+    EXPECT_FALSE(two->enable || two->all);
+    EXPECT_EQ(two->names.size(), 2U);
+    EXPECT_EQ(two->table.object, "t");
+    const Parsed<EnableTriggerStatement> all("enable trigger all on all server");
+    EXPECT_TRUE(all->enable && all->all && all->names.empty() && all->table.object.empty());
+
+    const Parsed<CreateTriggerStatement> ddl(
+        "create trigger g on database with encryption after create_table, drop_table not for replication as "
+        "return");
+    EXPECT_TRUE(ddl->onDatabase && !ddl->onServer && ddl->encryption && ddl->notForReplication);
+    EXPECT_EQ(words(ddl->events), "CREATE_TABLE,DROP_TABLE");
+    EXPECT_TRUE(
+        Parsed<CreateTriggerStatement>("create trigger g on all server for logon as return")->onServer);
+
+    const Parsed<CreateStatisticsStatement> statistics("create statistics s on t (a, b) with fullscan");
+    EXPECT_EQ(words(statistics->columns), "a,b");
+    EXPECT_EQ(options(statistics->options), "FULLSCAN");
+    EXPECT_EQ(words(Parsed<UpdateStatisticsStatement>("update statistics t (a, b)")->names), "a,b");
+    EXPECT_EQ(words(Parsed<UpdateStatisticsStatement>("update statistics t s")->names), "s");
+    EXPECT_TRUE(Parsed<UpdateStatisticsStatement>("update statistics t")->names.empty());
+
+    EXPECT_TRUE(Parsed<KillStatement>("kill 52 with statusonly")->statusOnly);
+    EXPECT_FALSE(Parsed<KillStatement>("kill @spid")->statusOnly);
+    EXPECT_TRUE(Parsed<ShutdownStatement>("shutdown with nowait")->noWait);
+    EXPECT_FALSE(Parsed<ShutdownStatement>("shutdown")->noWait);
+    EXPECT_TRUE(Parsed<ReconfigureStatement>("reconfigure with override")->withOverride);
+    EXPECT_FALSE(Parsed<ReconfigureStatement>("reconfigure")->withOverride);
+}
+
+TEST(Security, TakesWhoActsAndWhoOwns)
+{
+    EXPECT_TRUE(Parsed<ExecuteAsStatement>("execute as caller")->caller);
+    const Parsed<ExecuteAsStatement> login("exec as login = 'ana' with no revert");
+    EXPECT_TRUE(login->login && !login->caller);
+    EXPECT_EQ(login->name, "ana");
+    EXPECT_FALSE(Parsed<ExecuteAsStatement>("execute as user = 'ana'")->login);
+    EXPECT_EQ(Parsed<ExecuteStringStatement>("exec ('x') as login = 'ana'")->asLogin, "ana");
+    EXPECT_EQ(Parsed<ExecuteStringStatement>("exec ('x') as user = 'ana' at lejos")->asUser, "ana");
+
+    EXPECT_EQ(options(Parsed<AlterUserStatement>("alter user u with name = v, default_schema = s")->options),
+              "NAME `v`, DEFAULT_SCHEMA `s`");
+    const Parsed<CreateRoleStatement> role("create role r authorization dbo");
+    EXPECT_EQ(role->name + " of " + role->owner, "r of dbo");
+    EXPECT_FALSE(role->server);
+    EXPECT_TRUE(Parsed<CreateRoleStatement>("create server role r")->server);
+    EXPECT_EQ(Parsed<AlterSchemaStatement>("alter schema s transfer dbo.t")->transferred.object, "t");
+    EXPECT_EQ(Parsed<AlterSchemaStatement>("alter schema s transfer object::dbo.t")->transferred.schema,
+              "dbo");
+    const Parsed<AlterAuthorizationStatement> owner("alter authorization on schema::s to ana");
+    EXPECT_EQ(owner->securableClass + " " + owner->securable.object + " " + owner->owner, "SCHEMA s ana");
+    EXPECT_EQ(Parsed<AlterAuthorizationStatement>("alter authorization on dbo.t to schema owner")->owner,
+              "SCHEMA OWNER");
+}
+
+/// Each lacks one word that its statement needs, or has one that it can't have.
+TEST(Programs, AreRefusedWithoutTheirWords)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"create type c varchar(5)", "varchar"},
+        {"create type c from int not", "not"},
+        {"create type c as (a int)", "("},
+        {"create default d 1", "1"},
+        {"create rule r @x > 0", "@x"},
+        {"disable trigger a t", "t"},
+        {"enable trigger all on all", "all"},
+        {"create trigger g on t for int as return", "int"},
+        {"create trigger g on t instead insert as return", "insert"},
+        {"create trigger g on t insert as return", "insert"},
+        {"create trigger g on t for insert return", "return"},
+        {"create trigger g on t for insert not replication as return", "replication"},
+        {"create statistics s t (a)", "t"},
+        {"create statistics s on t", "t"},
+        {"create index i t (a)", "t"},
+        {"create index i on t", "t"},
+        {"create clustered unique index i on t (a)", "unique"},
+        {"create unique table t (a int)", "table"},
+        {"alter index i t rebuild", "t"},
+        {"alter index i on t", "t"},
+        {"alter index i on t drop", "drop"},
+        {"drop index", "index"},
+        {"drop trigger g on t", "t"},
+        {"drop table if t", "t"},
+        {"kill", "kill"},
+        {"kill 52 with nowait", "nowait"},
+        {"shutdown with override", "override"},
+        {"reconfigure with nowait", "nowait"},
+        {"execute as ana", "ana"},
+        {"execute as user 'ana'", "ana"},
+        {"execute as login = ana", "ana"},
+        {"exec ('x') as ana", "ana"},
+        {"exec ('x'", "x"},
+        {"alter user u name = v", "name"},
+        {"alter role r member u", "member"},
+        {"alter role r add u", "u"},
+        {"alter role r with = v", "="},
+        {"alter schema s dbo.t", "dbo"},
+        {"alter authorization schema::s to ana", "schema"},
+        {"alter authorization on schema::s ana", "ana"},
+        {"alter table t", "t"},
+        {"alter table t add", "add"},
+        {"alter table t drop", "drop"},
+        {"alter table t alter a int", "a"},
+        {"alter table t check c", "c"},
+        {"alter table t alter column a add nada", "nada"},
+        {"create table t (a int", "int"},
+        {"create table t (a int identity(1))", ")"},
+        {"create table t (a int references)", ")"},
+        {"create table t (a int not)", ")"},
+        {"create table t (a int constraint)", ")"},
+        {"create table t (a int, primary (a))", "("},
+        {"create table t (a int, foreign key (a) u (a))", "u"},
+        {"create table t (a int references u on delete)", ")"},
+        {"create table t (a int references u on delete set)", ")"},
+        {"create table t (a int default)", ")"},
+        {"create table t (a int check a > 0)", "a"},
+        {"create table t (a decimal(5,))", ")"},
+        {"create view v (a as select 1 a", "as"},
+        {"create view v select 1 a", "select"},
+        {"create view v with nada as select 1 a", "nada"},
+        {"create view v as select 1 a with option", "option"},
+        {"create proc p @a as select 1", "select"},
+        {"create proc p @a int select 1", "select"},
+        {"create proc p with nada as select 1", "nada"},
+        {"create proc p for insert as select 1", "insert"},
+        {"declare @a", "@a"},
+        {"declare @a int =", "="},
+        {"declare c cursor select 1", "select"},
+        {"declare c nada cursor for select 1", "nada"},
+        {"fetch next c", "c"},
+        {"fetch absolute from c", "from"},
+        {"open", "open"},
+        {"deallocate", "deallocate"},
+        {"begin try select 1 end catch", "catch"},
+        {"begin try select 1 end try begin select 1 end", "select"},
+        {"while 1 = 1", "1"},
+        {"waitfor '1'", "1"},
+        {"raiserror('x', 16)", ")"},
+        {"insert t values 1", "1"},
+        {"insert t (a values (1)", "values"},
+        {"insert t default", "default"},
+        {"update t a = 1", "a"},
+        {"update t set a", "a"},
+        {"update t set a = 1 where", "where"},
+        {"delete from", "from"},
+        {"delete t where current c", "c"},
+        {"truncate t", "t"},
+        {"select top a from t", "a"},
+        {"select a from t order a", "a"},
+        {"select a from t group a", "a"},
+        {"select a from t left u on 1 = 1", "u"},
+        {"select a from t join u", "u"},
+        {"select a from (select 1 a)", ")"},
+        {"select a from t where a in", "in"},
+        {"select a from t where a between 1", "1"},
+        {"select a from t where a is 1", "1"},
+        {"select a from t where exists 1", "1"},
+        {"select case when 1 = 1 end", "end"},
+        {"select case when 1 = 1 then 1", "1"},
+        {"select cast(1 int)", "int"},
+        {"select cast(1 as)", ")"},
+        {"select convert(int 1)", "1"},
+        {"select len(1", "1"},
+        {"select row_number() over", "over"},
+        {"select row_number() over (order a)", "a"},
+        {"select 1 union all", "all"},
+        {"with x as select 1 select 1", "select"},
+        {"with x (select 1 a) select 1", "select"},
+        {"set @a", "@a"},
+        {"set identity_insert t", "t"},
+        {"set nocount", "nocount"},
+        {"set transaction level serializable", "level"},
+        {"set transaction isolation level nada", "nada"},
+        {"use", "use"},
+        {"grant select on t ana", "ana"},
+        {"deny to ana", "to"},
+        {"revoke select on t", "t"},
+        {"create login l", "l"},
+        {"create login l with", "with"},
+        {"create user u for l", "l"},
+        {"create database", "database"},
+        {"create database d on (name a)", "a"},
+        {"create database d on (filename = 'x'", "x"},
+        {"alter database d", "d"},
+        {"alter database d set", "set"},
+        {"alter database d add", "add"},
+        {"alter database d modify", "modify"},
+        {"backup d to disk = 'x'", "d"},
+        {"backup database d disk = 'x'", "disk"},
+        {"restore database d disk = 'x'", "disk"},
+    };
+    for (const auto& [text, near] : cases) {
+        const std::string answer = refusal(text);
+        EXPECT_EQ(answer.substr(answer.find_last_of(' ') + 1), "'" + std::string(near) + "'.") << text;
+    }
+}
+
 TEST(Databases, TakeFilesGroupsAndOptions)
 {
     const Parsed<CreateDatabaseStatement> create(
