@@ -317,6 +317,75 @@ TEST(Programs, KeepTheirHeadsAndBodies)
     EXPECT_EQ(render(trigger->body), "if ([update](a) = 1) {print 'x'}");
 }
 
+TEST(Programs, OfTheRarerKindsAreTakenWhole)
+{
+    const Parsed<CreateTypeStatement> alias("create type dbo.codigo from varchar(5) null");
+    EXPECT_EQ(alias->base.facets.front(), 5);
+    EXPECT_EQ(alias->nullable, true);
+    EXPECT_EQ(alias->table, nullptr);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c from int not null")->nullable, false);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c from int")->nullable, std::nullopt);
+    EXPECT_EQ(Parsed<CreateTypeStatement>("create type c as table (a int, b int)")->table->columns.size(),
+              2U);
+
+    EXPECT_EQ(render(Parsed<CreateDefaultStatement>("create default dbo.d as -1")->value.get()), "-1");
+    EXPECT_EQ(render(Parsed<CreateRuleStatement>("create rule r as @x > 0")->condition.get()), "(@x > 0)");
+
+    const Parsed<EnableTriggerStatement> two("disable trigger a, dbo.b on t");
+    EXPECT_FALSE(two->enable || two->all);
+    EXPECT_EQ(two->names.size(), 2U);
+    EXPECT_EQ(two->table.object, "t");
+    const Parsed<EnableTriggerStatement> all("enable trigger all on all server");
+    EXPECT_TRUE(all->enable && all->all && all->names.empty() && all->table.object.empty());
+
+    const Parsed<CreateTriggerStatement> ddl(
+        "create trigger g on database with encryption after create_table, drop_table not for replication as "
+        "return");
+    EXPECT_TRUE(ddl->onDatabase && !ddl->onServer && ddl->encryption && ddl->notForReplication);
+    EXPECT_EQ(words(ddl->events), "CREATE_TABLE,DROP_TABLE");
+    EXPECT_TRUE(
+        Parsed<CreateTriggerStatement>("create trigger g on all server for logon as return")->onServer);
+
+    const Parsed<CreateStatisticsStatement> statistics("create statistics s on t (a, b) with fullscan");
+    EXPECT_EQ(words(statistics->columns), "a,b");
+    EXPECT_EQ(options(statistics->options), "FULLSCAN");
+    EXPECT_EQ(words(Parsed<UpdateStatisticsStatement>("update statistics t (a, b)")->names), "a,b");
+    EXPECT_EQ(words(Parsed<UpdateStatisticsStatement>("update statistics t s")->names), "s");
+    EXPECT_TRUE(Parsed<UpdateStatisticsStatement>("update statistics t")->names.empty());
+
+    EXPECT_TRUE(Parsed<KillStatement>("kill 52 with statusonly")->statusOnly);
+    EXPECT_FALSE(Parsed<KillStatement>("kill @spid")->statusOnly);
+    EXPECT_TRUE(Parsed<ShutdownStatement>("shutdown with nowait")->noWait);
+    EXPECT_FALSE(Parsed<ShutdownStatement>("shutdown")->noWait);
+    EXPECT_TRUE(Parsed<ReconfigureStatement>("reconfigure with override")->withOverride);
+    EXPECT_FALSE(Parsed<ReconfigureStatement>("reconfigure")->withOverride);
+}
+
+TEST(Security, TakesWhoActsAndWhoOwns)
+{
+    EXPECT_TRUE(Parsed<ExecuteAsStatement>("execute as caller")->caller);
+    const Parsed<ExecuteAsStatement> login("exec as login = 'ana' with no revert");
+    EXPECT_TRUE(login->login && !login->caller);
+    EXPECT_EQ(login->name, "ana");
+    EXPECT_FALSE(Parsed<ExecuteAsStatement>("execute as user = 'ana'")->login);
+    EXPECT_EQ(Parsed<ExecuteStringStatement>("exec ('x') as login = 'ana'")->asLogin, "ana");
+    EXPECT_EQ(Parsed<ExecuteStringStatement>("exec ('x') as user = 'ana' at lejos")->asUser, "ana");
+
+    EXPECT_EQ(options(Parsed<AlterUserStatement>("alter user u with name = v, default_schema = s")->options),
+              "NAME `v`, DEFAULT_SCHEMA `s`");
+    const Parsed<CreateRoleStatement> role("create role r authorization dbo");
+    EXPECT_EQ(role->name + " of " + role->owner, "r of dbo");
+    EXPECT_FALSE(role->server);
+    EXPECT_TRUE(Parsed<CreateRoleStatement>("create server role r")->server);
+    EXPECT_EQ(Parsed<AlterSchemaStatement>("alter schema s transfer dbo.t")->transferred.object, "t");
+    EXPECT_EQ(Parsed<AlterSchemaStatement>("alter schema s transfer object::dbo.t")->transferred.schema,
+              "dbo");
+    const Parsed<AlterAuthorizationStatement> owner("alter authorization on schema::s to ana");
+    EXPECT_EQ(owner->securableClass + " " + owner->securable.object + " " + owner->owner, "SCHEMA s ana");
+    EXPECT_EQ(Parsed<AlterAuthorizationStatement>("alter authorization on dbo.t to schema owner")->owner,
+              "SCHEMA OWNER");
+}
+
 TEST(Databases, TakeFilesGroupsAndOptions)
 {
     const Parsed<CreateDatabaseStatement> create(

@@ -59,13 +59,15 @@ void setBits(sqlite3_context* context, int, sqlite3_value** arguments)
 std::string messagesAsJson()
 {
     constexpr int highest = 22000;
+    constexpr int information = 10; // what is sent with severity 0
     std::string json;
     for (int number = 1; number <= highest; ++number) {
         const MessageText* known = findMessageText(number);
         if (known == nullptr)
             continue;
         json += (json.empty() ? "[[" : ",[") + std::to_string(number) + ',' +
-                std::to_string(known->severity) + ',' + jsonText(known->text) + ']';
+                std::to_string(known->severity == 0 ? information : known->severity) + ',' +
+                jsonText(known->text) + ']';
     }
     return json + ']';
 }

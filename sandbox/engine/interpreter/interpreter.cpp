@@ -221,7 +221,8 @@ void Interpreter::guarded(const ast::Statement& statement, Work work)
         Message& message = error.message;
         if (message.procedure.empty())
             message.procedure = session_.frame().procedure;
-        message.line = session_.frame().line;
+        if (!std::exchange(error.placed, true))
+            message.line = session_.frame().line;
         const bool terminated = terminates(statement, error);
         error.confined =
             terminated && (statement.kind == Kind::AlterTable || statement.kind == Kind::CreateIndex);

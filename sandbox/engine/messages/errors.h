@@ -16,6 +16,7 @@ struct SqlError
     Message message;
     int cause = 0;               ///< number of the message sent ahead of it, which tells what really failed
     bool confined = false;       ///< ends its statement alone, whatever the number does elsewhere
+    bool placed = false;         ///< its line is that of the statement that failed
     std::vector<Message> more{}; ///< what is told behind it
 };
 

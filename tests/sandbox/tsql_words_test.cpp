@@ -1,0 +1,162 @@
+// What the statements can't do without.
+#include "tsql/parser.h"
+#include "tsql/syntax_error.h"
+
+#include <gtest/gtest.h>
+
+using namespace practice;
+
+namespace {
+
+/// The last word of what a batch is refused with, which names the token that could not be read.
+std::string nearOf(std::string_view text)
+{
+    try {
+        (void)parseBatch(text);
+        return "accepted";
+    } catch (const SyntaxError& error) {
+        return error.text.substr(error.text.find_last_of(' ') + 1);
+    }
+}
+
+} // namespace
+
+/// Each lacks one word that its statement needs, or has one that it can't have.
+TEST(SyntaxErrors, MissEachWordOfEachStatement)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"create type c varchar(5)", "varchar"},
+        {"create type c from int not", "not"},
+        {"create type c as (a int)", "("},
+        {"create default d 1", "1"},
+        {"create rule r @x > 0", "@x"},
+        {"disable trigger a t", "t"},
+        {"enable trigger all on all", "all"},
+        {"create trigger g on t for int as return", "int"},
+        {"create trigger g on t instead insert as return", "insert"},
+        {"create trigger g on t insert as return", "insert"},
+        {"create trigger g on t for insert return", "return"},
+        {"create trigger g on t for insert not replication as return", "replication"},
+        {"create statistics s t (a)", "t"},
+        {"create statistics s on t", "t"},
+        {"create index i t (a)", "t"},
+        {"create index i on t", "t"},
+        {"create clustered unique index i on t (a)", "unique"},
+        {"create unique table t (a int)", "table"},
+        {"alter index i t rebuild", "t"},
+        {"alter index i on t", "t"},
+        {"alter index i on t drop", "drop"},
+        {"drop index", "index"},
+        {"drop trigger g on t", "t"},
+        {"drop table if t", "t"},
+        {"kill", "kill"},
+        {"kill 52 with nowait", "nowait"},
+        {"shutdown with override", "override"},
+        {"reconfigure with nowait", "nowait"},
+        {"execute as ana", "ana"},
+        {"execute as user 'ana'", "ana"},
+        {"execute as login = ana", "ana"},
+        {"exec ('x') as ana", "ana"},
+        {"exec ('x'", "x"},
+        {"alter user u name = v", "name"},
+        {"alter role r member u", "member"},
+        {"alter role r add u", "u"},
+        {"alter role r with = v", "="},
+        {"alter schema s dbo.t", "dbo"},
+        {"alter authorization schema::s to ana", "schema"},
+        {"alter authorization on schema::s ana", "ana"},
+        {"alter table t", "t"},
+        {"alter table t add", "add"},
+        {"alter table t drop", "drop"},
+        {"alter table t alter a int", "a"},
+        {"alter table t check c", "c"},
+        {"alter table t alter column a add nada", "nada"},
+        {"create table t (a int", "int"},
+        {"create table t (a int identity(1))", ")"},
+        {"create table t (a int references)", ")"},
+        {"create table t (a int not)", ")"},
+        {"create table t (a int constraint)", ")"},
+        {"create table t (a int, primary (a))", "("},
+        {"create table t (a int, foreign key (a) u (a))", "u"},
+        {"create table t (a int references u on delete)", ")"},
+        {"create table t (a int references u on delete set)", ")"},
+        {"create table t (a int default)", ")"},
+        {"create table t (a int check a > 0)", "a"},
+        {"create table t (a decimal(5,))", ")"},
+        {"create view v (a as select 1 a", "as"},
+        {"create view v select 1 a", "select"},
+        {"create view v with nada as select 1 a", "nada"},
+        {"create view v as select 1 a with option", "option"},
+        {"create proc p @a as select 1", "select"},
+        {"create proc p @a int select 1", "select"},
+        {"create proc p with nada as select 1", "nada"},
+        {"create proc p for insert as select 1", "insert"},
+        {"declare @a", "@a"},
+        {"declare @a int =", "="},
+        {"declare c cursor select 1", "select"},
+        {"declare c nada cursor for select 1", "nada"},
+        {"fetch next c", "c"},
+        {"fetch absolute from c", "from"},
+        {"open", "open"},
+        {"deallocate", "deallocate"},
+        {"begin try select 1 end catch", "catch"},
+        {"begin try select 1 end try begin select 1 end", "select"},
+        {"while 1 = 1", "1"},
+        {"waitfor '1'", "1"},
+        {"raiserror('x', 16)", ")"},
+        {"insert t values 1", "1"},
+        {"insert t (a values (1)", "values"},
+        {"insert t default", "default"},
+        {"update t a = 1", "a"},
+        {"update t set a", "a"},
+        {"update t set a = 1 where", "where"},
+        {"delete from", "from"},
+        {"delete t where current c", "c"},
+        {"truncate t", "t"},
+        {"select top a from t", "a"},
+        {"select a from t order a", "a"},
+        {"select a from t group a", "a"},
+        {"select a from t left u on 1 = 1", "u"},
+        {"select a from t join u", "u"},
+        {"select a from (select 1 a)", ")"},
+        {"select a from t where a in", "in"},
+        {"select a from t where a between 1", "1"},
+        {"select a from t where a is 1", "1"},
+        {"select a from t where exists 1", "1"},
+        {"select case when 1 = 1 end", "end"},
+        {"select case when 1 = 1 then 1", "1"},
+        {"select cast(1 int)", "int"},
+        {"select cast(1 as)", ")"},
+        {"select convert(int 1)", "1"},
+        {"select len(1", "1"},
+        {"select row_number() over", "over"},
+        {"select row_number() over (order a)", "a"},
+        {"select 1 union all", "all"},
+        {"with x as select 1 select 1", "select"},
+        {"with x (select 1 a) select 1", "select"},
+        {"set @a", "@a"},
+        {"set identity_insert t", "t"},
+        {"set nocount", "nocount"},
+        {"set transaction level serializable", "level"},
+        {"set transaction isolation level nada", "nada"},
+        {"use", "use"},
+        {"grant select on t ana", "ana"},
+        {"deny to ana", "to"},
+        {"revoke select on t", "t"},
+        {"create login l", "l"},
+        {"create login l with", "with"},
+        {"create user u for l", "l"},
+        {"create database", "database"},
+        {"create database d on (name a)", "a"},
+        {"create database d on (filename = 'x'", "x"},
+        {"alter database d", "d"},
+        {"alter database d set", "set"},
+        {"alter database d add", "add"},
+        {"alter database d modify", "modify"},
+        {"backup d to disk = 'x'", "d"},
+        {"backup database d disk = 'x'", "disk"},
+        {"restore database d disk = 'x'", "disk"},
+    };
+    for (const auto& [text, near] : cases)
+        EXPECT_EQ(nearOf(text), "'" + std::string(near) + "'.") << text;
+}
