@@ -136,7 +136,7 @@ constexpr MessageText ddlTexts[] = {
     {2749, 16, 2,
      "Identity column '%s' must be of data type int, bigint, smallint, tinyint, or decimal or numeric with a "
      "scale "
-     "of 0, unencrypted, and constrained to be nonnullable."},
+     "of 0, and constrained to be nonnullable."},
     {2750, 16, 1,
      "Column or parameter #%s: Specified column precision %s is greater than the maximum precision of %s."},
     {2752, 16, 1, "Identity column '%s' contains invalid SEED."},
