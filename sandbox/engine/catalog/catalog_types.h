@@ -19,6 +19,15 @@ inline constexpr int modelId = 3;
 inline constexpr int publicId = 0; ///< the role, in each database
 inline constexpr int dboId = 1;    ///< the user, in each database
 inline constexpr int guestId = 2;
+inline constexpr int informationSchemaId = 3;
+inline constexpr int firstUserRoleId = 16400; ///< roles below it come with each database
+
+/// Whether the user's id is that of a role that comes with each database, public left out.
+inline constexpr bool isFixedRoleId(int id)
+{
+    constexpr int firstFixedRoleId = 16384;
+    return id >= firstFixedRoleId && id < firstUserRoleId;
+}
 
 /// Options of a database that are on or off. Recovery model and access are values of their own.
 enum DatabaseOption : std::uint32_t

@@ -11,9 +11,6 @@ namespace practice {
 namespace {
 
 constexpr int firstUserId = 5;
-constexpr int firstFixedRole = 16384;
-constexpr int firstRoleId = 16400;
-constexpr int informationSchemaId = 3;
 
 struct ServerRoleName
 {
@@ -135,7 +132,7 @@ Principal roleForChange(SessionContext& session, const std::string& name)
     Principal role = requireRole(session, name);
     if (role.id == 0)
         raise(15081);
-    requireDatabaseRole(session, role.id < firstRoleId ? "db_owner" : "db_securityadmin");
+    requireDatabaseRole(session, role.id < firstUserRoleId ? "db_owner" : "db_securityadmin");
     return role;
 }
 
@@ -281,7 +278,7 @@ void renameUser(SessionContext& session, const std::string& name, const std::str
 {
     requireDatabaseRole(session, "db_accessadmin");
     const auto user = session.catalog().principal(currentDatabase(session), name);
-    if (!user || user->id <= informationSchemaId || (user->id >= firstFixedRole && user->id < firstRoleId))
+    if (!user || user->id <= informationSchemaId || isFixedRoleId(user->id))
         raise(15008, {name});
     if (!sameName(name, newName))
         requireFreeUserName(session, newName);
@@ -302,7 +299,7 @@ void addRole(SessionContext& session, const std::string& name, const std::string
             raise(15410, {owner});
         role.alternateId = found->id;
     }
-    role.id = freeUserId(session, firstRoleId);
+    role.id = freeUserId(session, firstUserRoleId);
     role.name = name;
     role.role = true;
     insertUser(session.connection(), currentDatabase(session), role);
@@ -312,7 +309,7 @@ void dropRole(SessionContext& session, const std::string& name)
 {
     requireDatabaseRole(session, "db_securityadmin");
     const Principal role = requireRole(session, name);
-    if (role.id < firstRoleId)
+    if (role.id < firstUserRoleId)
         raise(15405, {name});
     if (yields(session, "SELECT 1 FROM cat_member WHERE dbid = ? AND groupuid = ?", currentDatabase(session),
                role.id))

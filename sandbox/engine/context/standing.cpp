@@ -8,9 +8,6 @@ namespace practice {
 
 namespace {
 
-constexpr int firstFixedRole = 16384;
-constexpr int firstRole = 16400;
-
 /// Owners in two databases are one when they are one login.
 bool sameOwner(SessionContext& session, const ModuleOwner& module, const Object& object)
 {
@@ -54,7 +51,7 @@ Standing::Standing(SessionContext& session, const Database& database)
         const int id = rows.number(0);
         all_.push_back(id);
         principals_ += (principals_.empty() ? "" : ",") + std::to_string(id);
-        if (id >= firstFixedRole && id < firstRole)
+        if (isFixedRoleId(id))
             fixedRoles_.push_back(rows.string(1));
     }
 }

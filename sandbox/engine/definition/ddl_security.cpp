@@ -127,11 +127,8 @@ Principal granteeOf(SessionContext& session, const std::string& name)
     const auto principal = session.catalog().principal(session.database()->id, name);
     if (!principal)
         raise(15151, {"find", "user", name});
-    constexpr int firstFixedRole = 16384;
-    constexpr int firstRole = 16400;
-    if (principal->id >= firstFixedRole && principal->id < firstRole)
+    if (isFixedRoleId(principal->id))
         raise(4617);
-    constexpr int informationSchemaId = 3;
     if (principal->id == dboId || principal->id == informationSchemaId || principal->id == session.user().id)
         raise(4624);
     return *principal;
